@@ -1,0 +1,130 @@
+#include "CsvFile.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "apps/TempFolder.h"
+
+namespace rowlark {
+namespace {
+
+using namespace std::string_literals;
+using Rows = std::vector<std::vector<std::string>>;
+
+Rows ReadRows(CsvFile& file) {
+  Rows rows;
+  file.ForEachRow(
+      [&](std::span<const std::string_view> cells) { rows.emplace_back(cells.begin(), cells.end()); });
+  return rows;
+}
+
+std::string OpenError(const std::filesystem::path& path) {
+  try {
+    CsvFile file = CsvFile::Open(path);
+    ReadRows(file);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST(CsvFile, ReadsCells) {
+  struct Case {
+    const char* name;
+    std::string bytes;
+    Rows rows;
+  };
+  const Case kCases[] = {
+      {"empty file", "", {}},
+      {"last line without an end", "a,b\nc,d", {{"a", "b"}, {"c", "d"}}},
+      {"last line with an end", "a,b\nc,d\n", {{"a", "b"}, {"c", "d"}}},
+      {"all line ends", "a\r\nb\nc\rd\r\n", {{"a"}, {"b"}, {"c"}, {"d"}}},
+      {"empty lines and cells", "\n,,\n\na,\n", {{""}, {"", "", ""}, {""}, {"a", ""}}},
+      {"ragged", "a,b,c\nd\ne,f\n", {{"a", "b", "c"}, {"d"}, {"e", "f"}}},
+      {"cells longer than a word",
+       "0123456789abcdef,01234567\n0123456,x\n",
+       {{"0123456789abcdef", "01234567"}, {"0123456", "x"}}},
+      {"spaces stay", " a , b \n", {{" a ", " b "}}},
+      {"quoted", "\"a,b\",\"c\r\nd\",\"\"\n\"e\"", {{"a,b", "c\r\nd", ""}, {"e"}}},
+      {"doubled quotes", "\"a\"\"b\",\"\"\"\",\"\"\"c\"\"\"\n\"\"\"d\"", {{"a\"b", "\"", "\"c\""}, {"\"d"}}},
+      {"quote inside an unquoted cell", "a\"b\",c\n", {{"a\"b\"", "c"}}},
+      {"text after a closing quote", "\"a\"b\"c\",\"d\" \n", {{"ab\"c\"", "d "}}},
+      {"unterminated quote", "a,\"b,\nc", {{"a", "b,\nc"}}},
+      {"unterminated doubled quote", "\"a\"\"", {{"a\""}}},
+      {"UTF-8", "ä,Ж\n", {{"ä", "Ж"}}},
+      {"UTF-8 with a mark", "\xEF\xBB\xBF\"ä\",b\n", {{"ä", "b"}}},
+      {"UTF-16 little endian", "\xFF\xFE\xE4\0,\0\x16\x04\n\0"s, {{"ä", "Ж"}}},
+      {"UTF-16 big endian", "\xFE\xFF\0\xE4\0,\xD8\x3D\xDE\0"s, {{"ä", "😀"}}},
+      {"UTF-16 cut off inside a unit", "\xFF\xFE\x61\0\x62"s, {{"a\uFFFD"}}},
+      {"Windows-1252", "M\xFCnchen,\x80\n", {{"München", "€"}}},
+  };
+  const TempFolder folder;
+  for (const Case& each : kCases) {
+    CsvFile file = CsvFile::Open(folder.Write("table.csv", each.bytes), ',');
+    EXPECT_EQ(ReadRows(file), each.rows) << each.name;
+    EXPECT_EQ(file.RowCount(), each.rows.size()) << each.name;
+  }
+}
+
+TEST(CsvFile, FindsTheSeparator) {
+  struct Case {
+    std::string bytes;
+    char separator;
+  };
+  const Case kCases[] = {
+      {"", ','},
+      {"one\ntwo\n", ','},
+      {"a,b\n1,2\n", ','},
+      {"a;b\n1;2\n", ';'},
+      {"a\tb\n1\t2\n", '\t'},
+      {"item;price;net\npen;1,50;1,20\nink;12,50;10,00\n", ';'},       // decimal commas
+      {"name\tnote\nx\ta, b, c, d, e\ny\tf\nz\tg, h\n", '\t'},         // more commas than tabs
+      {"name,note\n\"a;b;c;d\",\"e;f\"\n\"g;h;i;j\",\"k;l\"\n", ','},  // inside quotes they do not count
+      {"Report of May, June, July\n\nid;name\n1;a\n2;b, c\n3;d\n4;e\n", ';'},
+  };
+  const TempFolder folder;
+  for (const Case& each : kCases) {
+    EXPECT_EQ(CsvFile::Open(folder.Write("table.csv", each.bytes)).Separator(), each.separator) << each.bytes;
+  }
+  CsvFile given = CsvFile::Open(folder.Write("table.csv", "a,b|c,d\n"), '|');
+  EXPECT_EQ(ReadRows(given), (Rows{{"a,b", "c,d"}}));
+}
+
+TEST(CsvFile, KeepsRecordsAsWritten) {
+  const TempFolder folder;
+  CsvFile file =
+      CsvFile::Open(folder.Write("table.csv", "\xEF\xBB\xBF\"a\r\n\"\"b\"\"\",c\r\n\r\n d ,\r\n\"e\n"));
+  ReadRows(file);
+  ReadRows(file);  // again from the start
+  ASSERT_EQ(file.RowCount(), 4u);
+  EXPECT_EQ(file.LineEnd(), "\r\n");
+  EXPECT_EQ(file.RowText(0), "\"a\r\n\"\"b\"\"\",c");
+  EXPECT_EQ(file.RowText(1), "");
+  EXPECT_EQ(file.RowText(2), " d ,");
+  EXPECT_EQ(file.RowText(3), "\"e");
+}
+
+TEST(CsvFile, RefusesWhatIsNoTable) {
+  const TempFolder folder;
+  const std::string at = folder.Path().string();
+  EXPECT_EQ(OpenError(folder.Path() / "none.csv"), at + "/none.csv: No such file or directory");
+  EXPECT_EQ(OpenError(folder.Path()), at + ": Is a directory");
+  EXPECT_EQ(OpenError("/proc/self/mem"), "/proc/self/mem: Input/output error");
+  EXPECT_EQ(OpenError(folder.Write("binary.csv", "a,b\0c"s)),
+            at + "/binary.csv: Not a text file (it holds a NUL character)");
+
+  const std::string full(CsvFile::kMaxRows, '\n');
+  EXPECT_EQ(OpenError(folder.Write("rows.csv", full)), "no error");
+  EXPECT_EQ(OpenError(folder.Write("rows.csv", full + "x")), at + "/rows.csv: More than 1,048,576 rows");
+  const std::string wide(CsvFile::kMaxColumns - 1, ',');
+  EXPECT_EQ(OpenError(folder.Write("columns.csv", wide)), "no error");
+  EXPECT_EQ(OpenError(folder.Write("columns.csv", "\n" + wide + ",")),
+            at + "/columns.csv: More than 16,384 columns");
+}
+
+}  // namespace
+}  // namespace rowlark
