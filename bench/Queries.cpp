@@ -1,0 +1,26 @@
+#include "Queries.h"
+
+namespace rowlark::bench {
+
+std::span<const Query> Queries() {
+  static const std::vector<Query> kQueries = {
+      {.name = "no hit", .text = u"Quetzal", .patterns = {"Quetzal"}},
+      {.name = "ten hits", .text = u"zephyrine", .patterns = {"zephyrine"}},
+      {.name = "1 % of the rows", .text = u"REMINDER", .patterns = {"REMINDER"}},
+      {.name = "1 % of the rows (Cyrillic)", .text = u"ДОГОВОР", .patterns = {"ДОГОВОР"}},
+      {.name = "half of the rows", .text = u"Invoice", .patterns = {"Invoice"}},
+      {.name = "any of three words",
+       .text = u"Express Fragile Insured",
+       .words = 1,
+       .patterns = {"Express", "Fragile", "Insured"}},
+      {.name = "whole cell in one column",
+       .text = u"Paid",
+       .words = 2,
+       .columns = u"J",
+       .patterns = {",Paid,"}},
+      {.name = "a letter of nearly every cell", .text = u"e", .patterns = {"e"}},
+  };
+  return kQueries;
+}
+
+}  // namespace rowlark::bench
