@@ -1,0 +1,99 @@
+#include "util/Text.h"
+
+#include <gtest/gtest.h>
+
+#include "util/Utf.h"
+
+namespace rowlark {
+namespace {
+
+TEST(Text, CaseMappingsCoverEveryPlane) {
+  struct Row {
+    std::u16string_view text, folded, lower, upper;
+  };
+  const Row rows[] = {
+      {u"aZ09[", u"az09[", u"az09[", u"AZ09["},
+      {u"Größe ẞ", u"größe ß", u"größe ß", u"GRÖßE ẞ"},
+      {u"Σίσυφος", u"σίσυφοσ", u"σίσυφος", u"ΣΊΣΥΦΟΣ"},
+      {u"Жук Ѐ", u"жук ѐ", u"жук ѐ", u"ЖУК Ѐ"},
+      {u"İıſ", u"İıs", u"iıſ", u"İIS"},
+      {u"Ꭰꭰ", u"ᎠᎠ", u"ꭰꭰ", u"ᎠᎠ"},
+      {u"𐐀𐐨𞤀", u"𐐨𐐨𞤢", u"𐐨𐐨𞤢", u"𐐀𐐀𞤀"},
+      {u"中文 ", u"中文 ", u"中文 ", u"中文 "},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(FoldCase(row.text), row.folded);
+    EXPECT_EQ(ToLower(row.text), row.lower);
+    EXPECT_EQ(ToUpper(row.text), row.upper);
+  }
+}
+
+TEST(Text, ComparesAndFinds) {
+  EXPECT_EQ(Compare(u"a", u"B", CompareMode::Text), -1);
+  EXPECT_EQ(Compare(u"a", u"B", CompareMode::Binary), 1);
+  EXPECT_EQ(Compare(u"ΜΎΛΟΣ", u"μύλος", CompareMode::Text), 0);
+  EXPECT_EQ(Compare(u"ab", u"AB ", CompareMode::Text), -1);
+  EXPECT_EQ(Compare(u"", u"", CompareMode::Text), 0);
+  EXPECT_EQ(Find(u"Straße Ost oST", u"OST", 8, CompareMode::Text), 11u);
+  EXPECT_EQ(Find(u"Ost", u"ost", 0, CompareMode::Binary), std::u16string_view::npos);
+  EXPECT_EQ(Find(u"Ost", u"t", 4, CompareMode::Text), std::u16string_view::npos);
+}
+
+TEST(Text, ReadsIntegers) {
+  struct Row {
+    std::u16string_view text;
+    std::optional<int32_t> number;
+  };
+  const Row rows[] = {
+      {u"0", 0},
+      {u" -12 ", -12},
+      {u"+7", 7},
+      {u"2147483647", 2147483647},
+      {u"-2147483648", INT32_MIN},
+      {u"2147483648", {}},
+      {u"", {}},
+      {u"  ", {}},
+      {u"+-1", {}},
+      {u"- 1", {}},
+      {u"1.5", {}},
+      {u"0x1", {}},
+      {u"１", {}},
+      {u"12a", {}},
+      {u"+", {}},
+      {u"99999999999999999999", {}},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(ToInteger(row.text), row.number) << ToUtf8(row.text);
+    EXPECT_EQ(ToInteger(ToText(row.number.value_or(0))), row.number.value_or(0));
+  }
+}
+
+TEST(Utf, EveryCodePointSurvivesUtf8AndUtf16) {
+  for (char32_t c = 0; c <= 0x10FFFF; ++c) {
+    std::string utf8;
+    AppendUtf8(utf8, c);
+    std::u16string text;
+    AppendUtf16(text, c);
+    ASSERT_EQ(ToUtf8(text), utf8);
+    ASSERT_EQ(ToUtf16(utf8), text);
+    ASSERT_EQ(IsValidUtf8(utf8), c < 0xD800 || c > 0xDFFF);
+    std::string_view rest = utf8;
+    ASSERT_EQ(TakeUtf8(rest), c);
+    ASSERT_TRUE(rest.empty());
+  }
+}
+
+TEST(Utf, MalformedBytesAreReplacedOneByOne) {
+  // A stray tail, overlong forms, beyond the last code point, cut short.
+  for (const std::string_view bad : {"\x80", "\xC0\xAF", "\xE0\x80\x80", "\xF0\x8F\xBF\xBF",
+                                     "\xF4\x90\x80\x80", "\xFF", "\xC3", "\xE2\x82", "\xF0\x9F\x98"}) {
+    EXPECT_EQ(ToUtf16(bad), std::u16string(bad.size(), u'\xFFFD'));
+    EXPECT_FALSE(IsValidUtf8("eight or more bytes before" + std::string(bad)));
+  }
+  EXPECT_EQ(ToUtf16("a\xE2\x82z"), u"a\xFFFD\xFFFDz");
+  EXPECT_TRUE(IsValidUtf8("\xEF\xBF\xBD"));
+  EXPECT_EQ(FromWindows1252("\x80 \x9F\xE4\x81"), u"€ Ÿä\x81");
+}
+
+}  // namespace
+}  // namespace rowlark
