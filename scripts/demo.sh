@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Sets up, builds the program (release) and searches the example table.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+
+cmake --preset linux-release >/dev/null
+cmake --build --preset linux-release --target rowlark
+
+run() {
+  printf '\n$ %s\n' "$*"
+  "$@"
+}
+run build/linux-release/rowlark search examples/customers.csv münchen
+run build/linux-release/rowlark search examples/customers.csv ΑΘΉΝΑ --print json
+run build/linux-release/rowlark search examples/customers.csv open --words cell --columns I --filter G=Germany
+run build/linux-release/rowlark search examples/customers.csv "киев praha" --words any --go-to --jump C

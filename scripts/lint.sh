@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Checks formatting (clang-format) and runs clang-tidy over all sources; --fix formats in place.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+
+mapfile -t sources < <(git ls-files 'src/*.h' 'src/*.cpp' 'apps/*.h' 'apps/*.cpp' 'tests/*.h' 'tests/*.cpp' 'bench/*.h' 'bench/*.cpp')
+if [ "${1:-}" = --fix ]; then
+  clang-format -i "${sources[@]}"
+fi
+clang-format --dry-run -Werror "${sources[@]}"
+
+cmake --preset linux >/dev/null
+printf '%s\n' "${sources[@]}" | grep -E '^(src|apps|bench)/.*\.cpp$' |
+  xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/linux --warnings-as-errors='*'
