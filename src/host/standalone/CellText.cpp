@@ -1,0 +1,170 @@
+#include "host/standalone/CellText.h"
+
+#include <algorithm>
+
+#include "host/standalone/Scan.h"
+#include "util/Text.h"
+#include "util/Utf.h"
+
+namespace rowlark::standalone {
+namespace {
+
+// Upper case to lower case where all the text is ASCII or separators; false where it is not.
+bool FoldAscii(const char* from, std::size_t size, char* to) {
+  unsigned other = 0;
+  for (std::size_t i = 0; i < size; ++i) {
+    const auto c = static_cast<unsigned char>(from[i]);
+    other |= static_cast<unsigned>((c >= 0x80) & (c != 0xFF));
+    to[i] = static_cast<char>(c + (static_cast<unsigned char>(c - 'A') < 26 ? 32 : 0));
+  }
+  return other == 0;
+}
+
+void AppendFolded(std::string& to, std::string_view row) {
+  const auto size = to.size();
+  to.resize(size + row.size());
+  if (FoldAscii(row.data(), row.size(), to.data() + size)) return;
+  to.resize(size);
+  while (!row.empty()) {
+    const auto c = static_cast<unsigned char>(row.front());
+    if (c < 0x80 || c == 0xFF) {
+      to += static_cast<char>(c >= 'A' && c <= 'Z' ? c + 32 : c);
+      row.remove_prefix(1);
+    } else {
+      AppendUtf8(to, FoldCase(TakeUtf8(row)));
+    }
+  }
+}
+
+template <class Append>
+void AddRow(CellText::Twin& twin, Append append) {
+  twin.bytes.resize(twin.start.back());
+  append(twin.bytes);
+  twin.start.push_back(twin.bytes.size());
+  twin.bytes.append(kScanPadding, CellText::kSeparator);
+}
+
+void ReplaceRow(CellText::Twin& twin, std::size_t row, std::string_view text) {
+  const auto old_size = twin.start[row + 1] - twin.start[row];
+  twin.bytes.replace(twin.start[row], old_size, text);
+  for (auto i = row + 1; i < twin.start.size(); ++i) twin.start[i] += text.size() - old_size;
+}
+
+}  // namespace
+
+CellText::Block& CellText::BlockFor(int32_t row) {
+  const auto index = static_cast<std::size_t>(row - 1) / kBlockRows;
+  if (index >= blocks_.size()) blocks_.resize(index + 1);
+  if (blocks_[index] == nullptr) {
+    blocks_[index] = std::make_unique<Block>();
+    for (std::size_t i = 0; i < 2; ++i) {
+      auto& twin = blocks_[index]->twins[i];
+      twin.start.push_back(0);
+      twin.bytes.assign(kScanPadding, kSeparator);
+      // Rows of one table are alike: make room for as much as the block before took, and give back what that
+      // one did not need.
+      if (index > 0 && blocks_[index - 1] != nullptr) {
+        auto& before = blocks_[index - 1]->twins[i];
+        before.bytes.shrink_to_fit();
+        before.start.shrink_to_fit();
+        twin.bytes.reserve(before.bytes.size() + before.bytes.size() / 16);
+        twin.start.reserve(before.start.size());
+      }
+    }
+  }
+  return *blocks_[index];
+}
+
+void CellText::Use(int32_t row, int32_t first_column, int32_t last_column) {
+  const Rect rect{row, first_column, row, last_column};
+  used_ = used_ ? Join(*used_, rect) : rect;
+}
+
+void CellText::AppendRow(std::span<const std::string_view> cells) {
+  auto& block = BlockFor(++appended_rows_);
+  AddRow(block.twins[0], [&](std::string& bytes) {
+    if (cells.empty()) return;
+    bytes += kSeparator;
+    for (const auto cell : cells) {
+      bytes += cell;
+      bytes += kSeparator;
+    }
+  });
+  const auto& exact = block.twins[0];
+  const std::string_view row(exact.Row(exact.start.size() - 2),
+                             exact.start.back() - exact.start[exact.start.size() - 2]);
+  AddRow(block.twins[1], [&](std::string& bytes) { AppendFolded(bytes, row); });
+
+  const auto has_text = [](std::string_view cell) { return !cell.empty(); };
+  const auto first = std::find_if(cells.begin(), cells.end(), has_text);
+  if (first != cells.end()) {
+    const auto last = std::find_if(cells.rbegin(), cells.rend(), has_text);
+    Use(appended_rows_, static_cast<int32_t>(first - cells.begin()) + 1,
+        static_cast<int32_t>(cells.rend() - last));
+  }
+  ++version_;
+}
+
+const CellText::Block* CellText::BlockOf(int32_t row) const {
+  const auto index = static_cast<std::size_t>(row - 1) / kBlockRows;
+  return index < blocks_.size() ? blocks_[index].get() : nullptr;
+}
+
+std::string_view CellText::Cell(int32_t row, int32_t column, bool folded) const {
+  const auto* block = BlockOf(row);
+  const auto index = RowInBlock(row);
+  std::string_view found;
+  if (block != nullptr && index < static_cast<std::size_t>(block->Rows())) {
+    const auto& twin = block->twins[folded ? 1 : 0];
+    ForEachCell({twin.Row(index), twin.start[index + 1] - twin.start[index]},
+                [&](int32_t at, std::string_view text) {
+                  if (at == column) found = text;
+                  return at == column;
+                });
+  }
+  return found;
+}
+
+void CellText::SetCell(int32_t row, int32_t column, std::string_view text) {
+  auto& block = BlockFor(row);
+  while (block.Rows() <= static_cast<int32_t>(RowInBlock(row))) {
+    for (auto& twin : block.twins) AddRow(twin, [](std::string&) {});
+  }
+  const auto index = RowInBlock(row);
+  auto& exact = block.twins[0];
+  std::vector<std::string_view> cells;
+  ForEachCell({exact.Row(index), exact.start[index + 1] - exact.start[index]},
+              [&](int32_t, std::string_view cell) {
+                cells.push_back(cell);
+                return false;
+              });
+  if (cells.size() < static_cast<std::size_t>(column)) cells.resize(static_cast<std::size_t>(column));
+  cells[static_cast<std::size_t>(column) - 1] = text;
+
+  std::string bytes(1, kSeparator);
+  for (const auto cell : cells) {
+    bytes += cell;
+    bytes += kSeparator;
+  }
+  std::string folded;
+  AppendFolded(folded, bytes);
+  ReplaceRow(block.twins[0], index, bytes);
+  ReplaceRow(block.twins[1], index, folded);
+  appended_rows_ = std::max(appended_rows_, row);
+  if (!text.empty()) Use(row, column, column);
+  ++version_;
+}
+
+std::array<uint32_t, 256> CellText::SampleBytes(bool folded) const {
+  constexpr std::size_t kPerBlock = 1024;
+  std::array<uint32_t, 256> counts{};
+  for (const auto& block : blocks_) {
+    if (block == nullptr) continue;
+    const auto& twin = block->twins[folded ? 1 : 0];
+    const auto end = std::min(twin.start.back() / 2 + kPerBlock, twin.start.back());
+    for (auto i = twin.start.back() / 2; i < end; ++i) ++counts[static_cast<unsigned char>(twin.bytes[i])];
+  }
+  return counts;
+}
+
+}  // namespace rowlark::standalone

@@ -1,0 +1,81 @@
+// The text of a sheet's cells, laid out for searching: the rows of a block stand one after the other in one
+// buffer of UTF-8, and a twin of that buffer holds the same text case-folded, made when the text is stored.
+//
+// A stored row is kSeparator, then for each of its cells the cell's text and kSeparator; so a whole cell is
+// found as the literal separator-text-separator, and the column of a place is the number of separators before
+// it in its row. Cells behind the last stored one of a row, and rows that store nothing, are empty.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/standalone/Address.h"
+
+namespace rowlark::standalone {
+
+class CellText {
+ public:
+  static constexpr char kSeparator = '\xFF';  // in no UTF-8 text
+  static constexpr int32_t kBlockRows = 16384;
+
+  // A buffer of rows. Row i of a block (from 0) lies at start[i] to start[i + 1].
+  struct Twin {
+    std::string bytes;               // with kScanPadding bytes behind the last row
+    std::vector<std::size_t> start;  // one entry more than rows stored
+    const char* Row(std::size_t i) const { return bytes.data() + start[i]; }
+  };
+  struct Block {
+    std::array<Twin, 2> twins;  // exact, folded
+    int32_t Rows() const { return static_cast<int32_t>(twins[0].start.size()) - 1; }
+  };
+
+  // Stores `cells` as the row behind the last one that was appended; they are UTF-8.
+  void AppendRow(std::span<const std::string_view> cells);
+
+  std::string_view Cell(int32_t row, int32_t column, bool folded = false) const;
+  void SetCell(int32_t row, int32_t column, std::string_view text);
+
+  // The smallest rectangle that holds every cell that ever had a text.
+  const std::optional<Rect>& Used() const { return used_; }
+
+  // Changes with every change of the text.
+  uint64_t Version() const { return version_; }
+
+  // The block of a row, or null when it stores nothing; `RowInBlock` counts from 0.
+  const Block* BlockOf(int32_t row) const;
+  static std::size_t RowInBlock(int32_t row) { return static_cast<std::size_t>(row - 1) % kBlockRows; }
+
+  // How often each byte stands in a sample of the text.
+  std::array<uint32_t, 256> SampleBytes(bool folded) const;
+
+ private:
+  Block& BlockFor(int32_t row);
+  void Use(int32_t row, int32_t first_column, int32_t last_column);
+
+  std::vector<std::unique_ptr<Block>> blocks_;
+  std::optional<Rect> used_;
+  int32_t appended_rows_ = 0;
+  uint64_t version_ = 0;
+};
+
+// The rest of a row: calls `visit(column, text)` for each stored cell until it returns true.
+template <class Visit>
+bool ForEachCell(std::string_view row, Visit&& visit) {
+  int32_t column = 1;
+  while (row.size() > 1) {
+    row.remove_prefix(1);
+    const auto end = row.find(CellText::kSeparator);
+    if (visit(column, row.substr(0, end))) return true;
+    row.remove_prefix(end);
+    ++column;
+  }
+  return false;
+}
+
+}  // namespace rowlark::standalone

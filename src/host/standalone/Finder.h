@@ -1,0 +1,99 @@
+// Finds the cells that match a pattern, in the order and with the wrap-around of the host's Find and
+// FindNext. One for the whole application, since it remembers the last settings for what a later call leaves
+// out.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "host/spreadsheet.h"
+#include "host/standalone/Address.h"
+#include "host/standalone/CellText.h"
+#include "host/standalone/Pattern.h"
+#include "host/standalone/RowSet.h"
+#include "host/standalone/Scan.h"
+
+namespace rowlark::standalone {
+
+struct Cell {
+  int32_t row = 0;
+  int32_t column = 0;
+  friend bool operator==(const Cell&, const Cell&) = default;
+};
+
+// What a search looks through: the text and the hidden rows of one sheet, and the areas of a range. Whoever
+// changes the hidden rows makes a new `layout` number.
+struct Haystack {
+  const CellText& text;
+  const RowSet& hidden;
+  uint64_t layout;
+  std::span<const Rect> areas;
+};
+
+class Finder {
+ public:
+  Finder() : scan_(SelectScan()) {}
+
+  // Takes the settings of a new search; `after` is not read.
+  void Begin(const host::FindArguments& arguments);
+
+  // The next match behind `after`, which lies in one of the areas and is itself looked at last.
+  std::optional<Cell> Next(const Haystack& haystack, Cell after);
+
+  // The same in forward direction, whatever the direction of the search was.
+  std::optional<Cell> NextForward(const Haystack& haystack, Cell after) {
+    direction_ = host::xlNext;
+    return Next(haystack, after);
+  }
+
+ private:
+  // Where the last match stands: a search that goes on behind it need not look for the place.
+  struct Place {
+    const CellText* text = nullptr;
+    uint64_t version = 0;
+    std::size_t area = 0;
+    Cell cell;
+    const char* end = nullptr;  // the separator behind the cell; null when the match came from elsewhere
+  };
+  // The first match behind the upper left cell of a range. A search that wraps around ends there.
+  struct FirstMatch {
+    const CellText* text = nullptr;
+    uint64_t version = 0;
+    uint64_t layout = 0;
+    const Rect* areas = nullptr;
+    Rect area;
+    Cell cell;
+  };
+
+  bool Forward() const { return direction_ == host::xlNext; }
+  bool ByRows() const { return order_ == host::xlByRows; }
+  const CellText::Twin& TwinOf(const CellText::Block& block) const {
+    return block.twins[pattern_.MatchCase() ? 0 : 1];
+  }
+  bool IsPlace(const Haystack& haystack, Cell cell) const;
+  bool Matches(const Haystack& haystack, Cell cell) const;
+  std::optional<Cell> Successor(const Rect& area, Cell cell) const;
+  std::optional<Cell> Wrap(const Haystack& haystack, std::size_t area, Cell after);
+  // The first match of an area at or behind `from`, or in the whole of it.
+  std::optional<Cell> InArea(const Haystack& haystack, const Rect& area, std::optional<Cell> from);
+  std::optional<Cell> InAreaByLiteral(const Haystack& haystack, const Rect& area, Cell from);
+  std::optional<Cell> InAreaByCell(const Haystack& haystack, const Rect& area,
+                                   std::optional<Cell> from) const;
+
+  ScanFunction scan_;
+  Pattern pattern_;
+  Pattern::RareBytes rare_;
+  const CellText* sampled_ = nullptr;  // the text whose bytes `rare_` was chosen by
+
+  host::XlFindLookIn look_in_ = host::xlFormulas;
+  host::XlLookAt look_at_ = host::xlPart;
+  host::XlSearchOrder order_ = host::xlByRows;
+  host::XlSearchDirection direction_ = host::xlNext;
+
+  Place place_;
+  FirstMatch first_;
+};
+
+}  // namespace rowlark::standalone

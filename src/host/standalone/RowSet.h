@@ -1,0 +1,57 @@
+// A set of rows of a sheet, one bit a row: setting a block of rows, the test of one row and the next row in
+// or out of the set cost next to nothing, in any order of use.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <vector>
+
+#include "host/standalone/Address.h"
+
+namespace rowlark::standalone {
+
+class RowSet {
+ public:
+  bool Contains(int32_t row) const {
+    const auto word = Word(row);
+    return word < words_.size() && ((words_[word] >> (row & 63)) & 1) != 0;
+  }
+
+  // Adds or removes the rows first to last; true when that changed the set.
+  bool Assign(int32_t first, int32_t last, bool in) {
+    if (words_.empty()) {
+      if (!in) return false;
+      words_.resize(Word(kMaxRow) + 1);
+    }
+    bool changed = false;
+    for (auto word = Word(first); word <= Word(last); ++word) {
+      uint64_t mask = ~uint64_t{0};
+      if (word == Word(first)) mask &= ~uint64_t{0} << (first & 63);
+      if (word == Word(last)) mask &= ~uint64_t{0} >> (63 - (last & 63));
+      const uint64_t value = in ? words_[word] | mask : words_[word] & ~mask;
+      changed |= value != words_[word];
+      words_[word] = value;
+    }
+    return changed;
+  }
+
+  // The first row from `row` to `last` that is in the set (or out of it); last + 1 when there is none.
+  int32_t Next(int32_t row, int32_t last, bool in) const {
+    if (words_.empty()) return in ? last + 1 : row;
+    for (auto word = Word(row); row <= last; ++word) {
+      uint64_t bits = in ? words_[word] : ~words_[word];
+      bits &= ~uint64_t{0} << (row & 63);
+      row = static_cast<int32_t>(word * 64);
+      if (bits != 0) return std::min(row + std::countr_zero(bits), last + 1);
+      row += 64;
+    }
+    return last + 1;
+  }
+
+ private:
+  static std::size_t Word(int32_t row) { return static_cast<std::size_t>(row) / 64; }
+
+  std::vector<uint64_t> words_;  // empty, or one bit for every row of a sheet
+};
+
+}  // namespace rowlark::standalone

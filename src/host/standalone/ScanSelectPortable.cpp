@@ -1,0 +1,7 @@
+#include "host/standalone/Scan.h"
+
+namespace rowlark::standalone {
+
+ScanFunction SelectScan() { return &ScanPortable; }
+
+}  // namespace rowlark::standalone

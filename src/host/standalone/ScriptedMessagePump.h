@@ -1,0 +1,26 @@
+// A message pump whose messages come from a script: for tests, and for programs without a window.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "host/MessagePump.h"
+
+namespace rowlark::standalone {
+
+class ScriptedMessagePump final : public host::MessagePump {
+ public:
+  // Called at every pass with the number of the pass, from 1; it may call any operation, so passes may nest.
+  std::function<void(int64_t pass)> OnPass;
+
+  void ProcessMessages() noexcept override {
+    ++passes_;
+    if (OnPass) OnPass(passes_);
+  }
+  int64_t Passes() const { return passes_; }
+
+ private:
+  int64_t passes_ = 0;
+};
+
+}  // namespace rowlark::standalone

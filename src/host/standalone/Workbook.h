@@ -1,0 +1,47 @@
+// A workbook of the stand-alone model.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/spreadsheet.h"
+#include "host/standalone/Worksheet.h"
+
+namespace rowlark::standalone {
+
+class Workbook final : public host::Workbook {
+ public:
+  Workbook(Application& host, std::u16string_view full_name, bool read_only)
+      : host_(&host), full_name_(full_name), read_only_(read_only) {}
+
+  std::u16string Name() const override;
+  std::u16string FullName() const override { return full_name_; }
+  bool ReadOnly() const override { return read_only_; }
+  bool Saved() const override { return saved_; }
+  void SetSaved(bool saved) override { saved_ = saved; }
+  Ref<host::Worksheet> ActiveSheet() const override { return active_sheet_; }
+  [[nodiscard]] Connection OnSheetSelectionChange(SelectionHandler handler) override {
+    return selection_change_.Connect(std::move(handler));
+  }
+
+  // Added sheets become the active one.
+  Ref<Worksheet> AddWorksheet();
+  Ref<ChartSheet> AddChartSheet();
+  void ActivateSheet(const Ref<host::Worksheet>& sheet) { active_sheet_ = sheet; }
+
+  Application& Host() const { return *host_; }
+  void RaiseSelectionChange(host::Worksheet& sheet, host::Range& target);
+  void Close();
+
+ private:
+  Application* host_;
+  std::u16string full_name_;
+  bool read_only_;
+  bool saved_ = true;
+  std::vector<Ref<Worksheet>> sheets_;
+  Ref<host::Worksheet> active_sheet_;
+  Event<host::Worksheet&, host::Range&> selection_change_;
+};
+
+}  // namespace rowlark::standalone

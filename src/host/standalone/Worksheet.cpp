@@ -1,0 +1,220 @@
+#include "host/standalone/Worksheet.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/standalone/Application.h"
+#include "host/standalone/Range.h"
+#include "host/standalone/Workbook.h"
+#include "util/Utf.h"
+
+namespace rowlark::standalone {
+namespace {
+
+[[noreturn]] void Fail(std::u16string description) { throw host::Error(1004, std::move(description)); }
+
+class SheetFilter final : public host::Filter {
+ public:
+  SheetFilter(Ref<const Worksheet> sheet, std::size_t column) : sheet_(std::move(sheet)), column_(column) {}
+
+  bool On() const override { return State().on; }
+  int32_t Operator() const override { return State().operation; }
+  host::Criterion Criteria1() const override { return Read(State().criteria1); }
+  host::Criterion Criteria2() const override { return Read(State().criteria2); }
+
+ private:
+  const ColumnFilter& State() const { return sheet_->Filter().columns.at(column_); }
+  static host::Criterion Read(const std::optional<host::Criterion>& criterion) {
+    if (!criterion) Fail(u"Application-defined or object-defined error");
+    return *criterion;
+  }
+
+  Ref<const Worksheet> sheet_;
+  std::size_t column_;
+};
+
+class SheetAutoFilter final : public host::AutoFilter {
+ public:
+  explicit SheetAutoFilter(Ref<Worksheet> sheet) : sheet_(std::move(sheet)) {}
+
+  Ref<host::Range> Range() const override { return sheet_->MakeRange(sheet_->Filter().range); }
+  int32_t FiltersCount() const override { return static_cast<int32_t>(sheet_->Filter().columns.size()); }
+  Ref<host::Filter> Filters(int32_t index) const override {
+    if (index < 1 || index > FiltersCount()) throw host::Error(9, u"Subscript out of range");
+    return MakeRef<SheetFilter>(sheet_, static_cast<std::size_t>(index) - 1);
+  }
+  void ApplyFilter() override { sheet_->ApplyFilter(); }
+
+ private:
+  Ref<Worksheet> sheet_;
+};
+
+}  // namespace
+
+Worksheet::~Worksheet() {
+  while (free_ranges_ != nullptr) delete std::exchange(free_ranges_, free_ranges_->next_free_);
+}
+
+Workbook& Worksheet::Book() const {
+  if (parent_ == nullptr) {
+    throw host::Error(-2147417848, u"The object invoked has disconnected from its clients.");
+  }
+  return *parent_;
+}
+
+Ref<host::Workbook> Worksheet::Parent() const { return &Book(); }
+
+Ref<host::Range> Worksheet::MakeRange(const Rect& area) const {
+  Book();
+  auto* range = free_ranges_;
+  if (range == nullptr) {
+    range = new standalone::Range();
+  } else {
+    free_ranges_ = range->next_free_;
+  }
+  range->sheet_ = const_cast<Worksheet*>(this);
+  range->first_ = area;
+  return range;
+}
+
+Ref<host::Range> Worksheet::MakeRange(std::vector<Rect> areas) const {
+  const auto range = MakeRange(areas.front());
+  if (areas.size() > 1) {
+    static_cast<standalone::Range&>(*range).areas_ =
+        std::make_shared<const std::vector<Rect>>(std::move(areas));
+  }
+  return range;
+}
+
+void Worksheet::Recycle(standalone::Range* range) const noexcept {
+  range->next_free_ = free_ranges_;
+  free_ranges_ = range;
+}
+
+Ref<host::Range> Worksheet::Range(std::u16string_view address) const {
+  if (const auto area = ParseArea(address)) return MakeRange(*area);
+  std::vector<Rect> areas;
+  if (!ParseAddress(address, areas)) Fail(u"Method 'Range' of object '_Worksheet' failed");
+  return MakeRange(std::move(areas));
+}
+
+Ref<host::Range> Worksheet::Range(const host::Range& cell1, const host::Range& cell2) const {
+  const auto rect = [](const host::Range& r) {
+    return Rect{r.Row(), r.Column(), r.Row() + r.RowsCount() - 1, r.Column() + r.ColumnsCount() - 1};
+  };
+  return MakeRange(Join(rect(cell1), rect(cell2)));
+}
+
+Ref<host::Range> Worksheet::Cells() const { return MakeRange(Rect{1, 1, kMaxRow, kMaxColumn}); }
+
+Ref<host::Range> Worksheet::Cells(int32_t row, int32_t column) const {
+  if (!IsCell(row, column)) Fail(u"Application-defined or object-defined error");
+  return MakeRange(Rect{row, column, row, column});
+}
+
+Ref<host::Range> Worksheet::UsedRange() const { return MakeRange(text_.Used().value_or(Rect{})); }
+
+bool Worksheet::AutoFilterMode() const { return filter_.has_value(); }
+
+Ref<host::AutoFilter> Worksheet::AutoFilter() const {
+  if (!filter_) return nullptr;
+  return MakeRef<SheetAutoFilter>(Ref(const_cast<Worksheet*>(this)));
+}
+
+bool Worksheet::ProtectScenarios() const { return protection_.scenarios; }
+
+void Worksheet::Changed() { Book().SetSaved(false); }
+
+void Worksheet::SetHidden(const Rect& rows, bool hidden) {
+  if (protection_.contents && !protection_.allow_formatting_rows) {
+    Fail(u"Unable to set the Hidden property of the Range class");
+  }
+  if (hidden_.Assign(rows.first_row, rows.last_row, hidden)) {
+    ++layout_;
+    Changed();
+  }
+}
+
+void Worksheet::SetCell(int32_t row, int32_t column, std::u16string_view text) {
+  if (protection_.contents) {
+    Fail(u"The cell or chart you're trying to change is on a protected sheet.");
+  }
+  text_.SetCell(row, column, ToUtf8(text));
+  Changed();
+}
+
+const FilterState& Worksheet::Filter() const {
+  if (!filter_) throw host::Error(91, u"Object variable or With block variable not set");
+  return *filter_;
+}
+
+void Worksheet::SetFilter(const Rect& range, const host::AutoFilterArguments& arguments) {
+  if (protection_.contents && !protection_.allow_filtering) Fail(u"AutoFilter method of Range class failed");
+  if (!arguments.Field && filter_) {  // called without arguments, the operation takes the filter away
+    SetHidden(filter_->range, false);
+    filter_.reset();
+    return;
+  }
+  FilterState state = filter_.value_or(FilterState{});
+  if (!filter_) {
+    // A single cell stands for the table around it.
+    state.range = range.Rows() == 1 && range.Columns() == 1 ? text_.Used().value_or(range) : range;
+    state.columns.resize(static_cast<std::size_t>(state.range.Columns()));
+  } else if (!filter_->range.Contains(range.first_row, range.first_column)) {
+    Fail(u"AutoFilter method of Range class failed");
+  }
+  if (arguments.Field) {
+    if (*arguments.Field < 1 || *arguments.Field > state.range.Columns()) {
+      Fail(u"AutoFilter method of Range class failed");
+    }
+    state.columns[static_cast<std::size_t>(*arguments.Field) - 1] = MakeColumnFilter(arguments);
+  }
+  filter_ = std::move(state);
+  ApplyFilter();
+  Changed();
+}
+
+// Shows the rows of the range that pass the filters of all columns and hides the others; the header stays.
+void Worksheet::ApplyFilter() {
+  if (protection_.contents && !protection_.allow_filtering)
+    Fail(u"ApplyFilter method of AutoFilter class failed");
+  const auto& [range, columns] = Filter();
+  const int32_t first = range.first_row + 1;
+  RowSet refused;
+  for (std::size_t i = 0; i < columns.size(); ++i) {
+    if (!columns[i].on) continue;
+    const int32_t column = range.first_column + static_cast<int32_t>(i);
+    const auto accepts = CompileFilter(columns[i], text_, column, first, range.last_row);
+    for (int32_t row = first; row <= range.last_row; ++row) {
+      if (!refused.Contains(row) && !accepts(text_.Cell(row, column, true))) refused.Assign(row, row, true);
+    }
+  }
+  hidden_.Assign(first, range.last_row, false);
+  for (int32_t row = refused.Next(first, range.last_row, true); row <= range.last_row;) {
+    const int32_t end = refused.Next(row, range.last_row, false);
+    hidden_.Assign(row, end - 1, true);
+    row = refused.Next(end, range.last_row, true);
+  }
+  ++layout_;
+}
+
+void Worksheet::Select(std::u16string_view address) {
+  std::vector<Rect> areas;
+  if (!ParseAddress(address, areas)) Fail(u"Select method of Range class failed");
+  selection_.clear();
+  Activate(areas);
+}
+
+void Worksheet::Activate(const std::vector<Rect>& areas) {
+  const int32_t row = areas.front().first_row;
+  const int32_t column = areas.front().first_column;
+  const bool single = areas.size() == 1 && areas.front().Rows() == 1 && areas.front().Columns() == 1;
+  active_cell_ = {row, column, row, column};
+  // A cell of the selection becomes active within it; anything else becomes the selection.
+  if (single && std::ranges::any_of(selection_, [&](const Rect& r) { return r.Contains(row, column); }))
+    return;
+  selection_ = areas;
+  Book().RaiseSelectionChange(*this, *MakeRange(areas));
+}
+
+}  // namespace rowlark::standalone

@@ -1,0 +1,115 @@
+// A sheet of cells: text, hidden rows, selection, protection and AutoFilter.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/spreadsheet.h"
+#include "host/standalone/Address.h"
+#include "host/standalone/CellText.h"
+#include "host/standalone/FilterCriteria.h"
+#include "host/standalone/RowSet.h"
+
+namespace rowlark::standalone {
+
+class Application;
+class Range;
+class Workbook;
+
+// What a protected sheet still allows.
+struct Protection {
+  bool contents = false;   // cells, rows and filters are locked
+  bool scenarios = false;  // read as ProtectScenarios
+  bool allow_formatting_rows = false;
+  bool allow_filtering = false;
+};
+
+// An AutoFilter: its range with the header row, and one filter for each column.
+struct FilterState {
+  Rect range;
+  std::vector<ColumnFilter> columns;
+};
+
+class Worksheet final : public host::Worksheet {
+ public:
+  explicit Worksheet(Workbook& parent) : parent_(&parent) {}
+  ~Worksheet() override;
+
+  Ref<host::Workbook> Parent() const override;
+  Ref<host::Range> Range(std::u16string_view address) const override;
+  Ref<host::Range> Range(const host::Range& cell1, const host::Range& cell2) const override;
+  Ref<host::Range> Cells() const override;
+  Ref<host::Range> Cells(int32_t row, int32_t column) const override;
+  Ref<host::Range> UsedRange() const override;
+  bool AutoFilterMode() const override;
+  Ref<host::AutoFilter> AutoFilter() const override;
+  bool ProtectScenarios() const override;
+
+  // Loads a row behind the last one loaded: UTF-8, one text a cell. No protection, no change mark.
+  void AppendRow(std::span<const std::string_view> cells) { text_.AppendRow(cells); }
+  const CellText& Text() const { return text_; }
+  const RowSet& HiddenRows() const { return hidden_; }
+  void Protect(const Protection& protection) { protection_ = protection; }
+
+  // What a user does with the mouse: selects cells and makes the first one active.
+  void Select(std::u16string_view address);
+
+  // The part that ranges and filters need. Rows and columns lie on the sheet.
+  Ref<host::Range> MakeRange(const Rect& area) const;
+  Ref<host::Range> MakeRange(std::vector<Rect> areas) const;  // not empty
+  void Recycle(standalone::Range* range) const noexcept;
+  Workbook& Book() const;  // fails when the workbook has been closed
+  uint64_t Layout() const { return layout_; }
+  void SetHidden(const Rect& rows, bool hidden);
+  void SetCell(int32_t row, int32_t column, std::u16string_view text);
+  void SetFilter(const Rect& range, const host::AutoFilterArguments& arguments);
+  void ApplyFilter();
+  const FilterState& Filter() const;  // fails without an AutoFilter
+  const std::vector<Rect>& Selection() const { return selection_; }
+  Rect ActiveCell() const { return active_cell_; }
+  void Activate(const std::vector<Rect>& areas);
+  void Close() { parent_ = nullptr; }
+
+ private:
+  void Changed();
+
+  Workbook* parent_;
+  CellText text_;
+  RowSet hidden_;
+  uint64_t layout_ = 0;  // counts the changes of hidden_
+  Protection protection_;
+  std::optional<FilterState> filter_;
+  std::vector<Rect> selection_{Rect{}};
+  Rect active_cell_;
+  mutable standalone::Range* free_ranges_ = nullptr;  // handles for the next use
+};
+
+// A sheet that shows a chart: it has no cells.
+class ChartSheet final : public host::Worksheet {
+ public:
+  explicit ChartSheet(Ref<host::Workbook> parent) : parent_(std::move(parent)) {}
+
+  Ref<host::Workbook> Parent() const override { return parent_; }
+  Ref<host::Range> Range(std::u16string_view) const override { Refuse(); }
+  Ref<host::Range> Range(const host::Range&, const host::Range&) const override { Refuse(); }
+  Ref<host::Range> Cells() const override { Refuse(); }
+  Ref<host::Range> Cells(int32_t, int32_t) const override { Refuse(); }
+  Ref<host::Range> UsedRange() const override { Refuse(); }
+  bool AutoFilterMode() const override { Refuse(); }
+  Ref<host::AutoFilter> AutoFilter() const override { Refuse(); }
+  bool ProtectScenarios() const override { return false; }
+
+ private:
+  [[noreturn]] static void Refuse() {
+    throw host::Error(438, u"Object doesn't support this property or method");
+  }
+
+  Ref<host::Workbook> parent_;
+};
+
+}  // namespace rowlark::standalone
