@@ -1,0 +1,41 @@
+// `rowlark search`: opens a table as a sheet, searches it and prints what is left visible.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Output.h"
+#include "runtime/clsVTRLKOptions.h"
+
+namespace rowlark {
+
+enum class Print { Csv, Rows, Json };
+
+// A filter's column, by its letters, and its criterion.
+struct ColumnFilter {
+  std::string column;
+  std::string criterion;
+};
+
+struct SearchArguments {
+  std::filesystem::path file;
+  std::string text;
+  std::optional<char> separator;  // found by itself when not given
+  xeVT_SEARCH_WORDS words = xcVT_SEARCH_WORDS_ALL;
+  bool match_case = false;
+  bool go_to = false;   // move to the first match and hide nothing
+  std::string range;    // an A1 address; empty: the whole table
+  std::string columns;  // letters with commas between; empty: all
+  std::string jump;
+  std::vector<ColumnFilter> filters;
+  Print print = Print::Csv;
+};
+
+// Returns the exit status: 0 when a row was found, 1 when none was, 2 after an error of the host. The reason
+// for 1 and 2 goes to standard error. Throws std::runtime_error for arguments that do not fit the table, for
+// a file that can not be read and for output that can not be written.
+int RunSearch(const SearchArguments& arguments, Output& output);
+
+}  // namespace rowlark
