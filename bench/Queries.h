@@ -2,17 +2,18 @@
 // same question.
 #pragma once
 
-#include <cstdint>
 #include <span>
 #include <string_view>
 #include <vector>
+
+#include "runtime/clsVTRLKOptions.h"
 
 namespace rowlark::bench {
 
 struct Query {
   std::string_view name;
   std::u16string_view text;
-  std::int32_t words = 0;            // xeVT_SEARCH_WORDS
+  xeVT_SEARCH_WORDS words = xcVT_SEARCH_WORDS_ALL;
   std::u16string_view columns = {};  // as in a profile's SearchCols; empty: all
   // Fixed texts, letter case ignored; a line that holds one of them counts.
   std::vector<std::string_view> patterns;

@@ -1,0 +1,105 @@
+// Measures loading a table and searching it as one keystroke in the search form does: show all rows, find,
+// hide.
+//   bench_search [--benchmark_...] TABLE...
+// For every table (made by make_table) it reports Load/ROWS and, for every query, Search/ROWS/QUERY with the
+// number of rows left visible.
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "CsvFile.h"
+#include "Queries.h"
+#include "host/standalone/Application.h"
+#include "host/standalone/ScriptedMessagePump.h"
+#include "runtime/clsVTRLKRuntime.h"
+#include "settings/SharedState.h"
+#include "util/Utf.h"
+
+namespace rowlark::bench {
+namespace {
+
+struct Table {
+  explicit Table(const std::string& path) : file(CsvFile::Open(path, ',')) {
+    application->AddWorkbook(ToUtf16(path));
+    sheet = static_cast<standalone::Worksheet*>(application->ActiveSheet().get());
+    file.ForEachRow([this](std::span<const std::string_view> cells) { sheet->AppendRow(cells); });
+  }
+
+  int32_t VisibleRows() const {
+    const int32_t last = static_cast<int32_t>(file.RowCount());
+    int32_t visible = 0;
+    for (int32_t row = 1; (row = sheet->HiddenRows().Next(row, last, false)) <= last; ++row) ++visible;
+    return visible;
+  }
+
+  CsvFile file;
+  Ref<standalone::Application> application = MakeRef<standalone::Application>();
+  Ref<standalone::Worksheet> sheet;
+};
+
+void Load(benchmark::State& state, const std::string& path) {
+  for (auto _ : state) {
+    const Table table(path);
+    benchmark::DoNotOptimize(table.sheet.get());
+  }
+}
+
+void Search(benchmark::State& state, const Table& table, const Query& query) {
+  standalone::ScriptedMessagePump pump;
+  SharedState shared(pump);
+  clsVTRLKRuntime runtime(shared);
+  runtime.SetExcelApp(table.application);
+  runtime.SearchOptions->CompareMethod = CompareMode::Text;
+  runtime.SearchOptions->SearchWords = query.words;
+  runtime.SearchOptions->UseFilter = true;
+  runtime.Items->DefaultItem->SearchCols = query.columns;
+
+  std::u16string error;
+  bool found = false;
+  for (auto _ : state) found = runtime.Search(query.text, error);
+  state.counters["rows"] = found ? table.VisibleRows() : 0;
+}
+
+int Run(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  std::vector<std::unique_ptr<const Table>> tables;
+  for (const std::string path : std::span(argv + 1, argv + argc)) {
+    const Table& table = *tables.emplace_back(std::make_unique<const Table>(path));
+    const std::string rows = std::to_string(table.file.RowCount() - 1);
+    benchmark::RegisterBenchmark(("Load/" + rows).c_str(), [path](benchmark::State& state) {
+      Load(state, path);
+    })->Unit(benchmark::kMillisecond);
+    for (const Query& query : Queries()) {
+      const std::string name = "Search/" + rows + "/" + std::string(query.name);
+      benchmark::RegisterBenchmark(name.c_str(), [&](benchmark::State& state) {
+        Search(state, table, query);
+      })->Unit(benchmark::kMillisecond);
+    }
+  }
+  if (tables.empty()) {
+    std::fputs("usage: bench_search [--benchmark_...] TABLE...\n", stderr);
+    return EXIT_FAILURE;
+  }
+  benchmark::RunSpecifiedBenchmarks();
+  return EXIT_SUCCESS;
+}
+
+}  // namespace
+}  // namespace rowlark::bench
+
+int main(int argc, char** argv) {
+  try {
+    return rowlark::bench::Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "bench_search: %s\n", error.what());
+    return EXIT_FAILURE;
+  }
+}
