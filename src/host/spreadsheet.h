@@ -46,23 +46,23 @@ class Workbook;
 // What `Range::Find` is asked for. The host remembers LookIn, LookAt and SearchOrder from one call to the
 // next and uses them for what is omitted.
 struct FindArguments {
-  std::u16string_view What;      // `*`, `?` and `~` are wildcards; an empty text finds empty cells
-  const Range* After = nullptr;  // omitted: the upper left cell; this cell is searched last
-  std::optional<XlFindLookIn> LookIn;
-  std::optional<XlLookAt> LookAt;
-  std::optional<XlSearchOrder> SearchOrder;
-  std::optional<XlSearchDirection> SearchDirection;
-  std::optional<bool> MatchCase;
+  std::u16string_view What = {};  // `*`, `?` and `~` are wildcards; an empty text finds empty cells
+  const Range* After = nullptr;   // omitted: the upper left cell; this cell is searched last
+  std::optional<XlFindLookIn> LookIn = std::nullopt;
+  std::optional<XlLookAt> LookAt = std::nullopt;
+  std::optional<XlSearchOrder> SearchOrder = std::nullopt;
+  std::optional<XlSearchDirection> SearchDirection = std::nullopt;
+  std::optional<bool> MatchCase = std::nullopt;
 };
 
 // One criterion of a filter: a text ("Berlin", "<>x", ">=5") or, for xlFilterValues, a list of texts.
 using Criterion = std::variant<std::u16string, std::vector<std::u16string>>;
 
 struct AutoFilterArguments {
-  std::optional<int32_t> Field;  // 1-based, within the filter's range
-  std::optional<Criterion> Criteria1;
-  std::optional<XlAutoFilterOperator> Operator;
-  std::optional<Criterion> Criteria2;
+  std::optional<int32_t> Field = std::nullopt;  // 1-based, within the filter's range
+  std::optional<Criterion> Criteria1 = std::nullopt;
+  std::optional<XlAutoFilterOperator> Operator = std::nullopt;
+  std::optional<Criterion> Criteria2 = std::nullopt;
 };
 
 class Range : public RefCounted {

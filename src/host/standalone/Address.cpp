@@ -1,5 +1,7 @@
 #include "host/standalone/Address.h"
 
+#include "util/Text.h"
+
 namespace rowlark::standalone {
 namespace {
 
@@ -38,16 +40,6 @@ std::optional<Corner> ParseCorner(std::u16string_view text) {
   return corner;
 }
 
-void AppendNumber(std::u16string& text, int32_t number) {
-  char16_t digits[10];
-  auto* begin = std::end(digits);
-  do {
-    *--begin = static_cast<char16_t>(u'0' + number % 10);
-    number /= 10;
-  } while (number > 0);
-  text.append(begin, std::end(digits));
-}
-
 void AppendColumn(std::u16string& text, int32_t column) {
   char16_t letters[3];
   auto* begin = std::end(letters);
@@ -62,7 +54,7 @@ void AppendColumn(std::u16string& text, int32_t column) {
 
 void AppendRow(std::u16string& text, int32_t row) {
   text += u'$';
-  AppendNumber(text, row);
+  text += ToText(row);
 }
 
 }  // namespace

@@ -134,7 +134,7 @@ std::function<bool(std::string_view folded)> CompileFilter(const ColumnFilter& f
   }
   std::vector<Comparison> comparisons;
   if (const auto* list = std::get_if<std::vector<std::u16string>>(&*filter.criteria1)) {
-    for (const auto& text : *list) comparisons.emplace_back(text);
+    for (const auto& value : *list) comparisons.emplace_back(value);
   } else {
     comparisons.emplace_back(std::get<std::u16string>(*filter.criteria1));
   }
