@@ -1,0 +1,32 @@
+// The catalogue of every text that the user sees.
+#pragma once
+
+#include <initializer_list>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace rowlark {
+
+class clsVTRLKLang {
+ public:
+  // The text of a dotted key ("Err.SearchTextNotFound"), or `defaultText`, ready to be shown: "\n"
+  // (backslash, n) becomes a line break (CR LF) and "\t" four spaces, then "%1", "%2" ... the elements of
+  // `replaceArray`, which are taken as they are. With `accelerator` it receives the character behind the
+  // first "&" (empty when there is none) and the text loses every "&"; without it the marks stay.
+  std::u16string GetText(std::u16string_view key, std::u16string_view defaultText,
+                         std::span<const std::u16string> replaceArray = {},
+                         std::u16string* accelerator = nullptr);
+  std::u16string GetText(std::u16string_view key, std::u16string_view defaultText,
+                         std::initializer_list<std::u16string> replaceArray,
+                         std::u16string* accelerator = nullptr) {
+    return GetText(key, defaultText, std::span(replaceArray.begin(), replaceArray.size()), accelerator);
+  }
+  // A single value stands for every "%1".
+  std::u16string GetText(std::u16string_view key, std::u16string_view defaultText,
+                         const std::u16string& value, std::u16string* accelerator = nullptr) {
+    return GetText(key, defaultText, std::span(&value, 1), accelerator);
+  }
+};
+
+}  // namespace rowlark
