@@ -1,0 +1,56 @@
+// The user's settings: search profiles by workbook name, the profile for all other workbooks, hotkeys and
+// switches.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "settings/clsVTRLKItem.h"
+#include "util/mclsVTDictionary.h"
+
+namespace rowlark {
+
+class clsVTRLKItems {
+ public:
+  explicit clsVTRLKItems(const SharedState& shared);
+
+  bool UnhideOnEsc = true;                    // the search form shows all rows when it closes
+  bool RowsIsGrouped = false;                 // a search has hidden rows; never stored
+  bool EditAutoClose = false;                 // the edit form closes after an edit
+  bool AutoDetectSearchText = false;          // the search form starts with the active cell's text
+  std::u16string mstrHotKeyUnhide = u"+^f";   // behind HotKeyUnhide, without its rule of letter case
+  std::shared_ptr<clsVTRLKItem> DefaultItem;  // for workbooks without a profile; never null
+
+  // Hotkeys in the syntax of the host's OnKey; empty: none. Stored in lower case unless a key in braces
+  // ("{F3}") is in it.
+  const std::u16string& HotKeySearch() const { return hot_key_search_; }
+  void SetHotKeySearch(std::u16string_view key);
+  const std::u16string& HotKeyUnhide() const { return mstrHotKeyUnhide; }
+  void SetHotKeyUnhide(std::u16string_view key);
+
+  // Names are compared without regard to case. False, and no change, when the name is taken.
+  bool Add(const std::shared_ptr<clsVTRLKItem>& item);
+  void Remove(std::u16string_view ItemName) { profiles_.Remove(ItemName); }
+  void Clear() { profiles_.Clear(); }
+  int32_t count() const { return profiles_.Count(); }
+  bool Exists(std::u16string_view name) const { return profiles_.Exists(name); }
+
+  // The profile of that name, or at that position (from 0, in the order of adding); null when there is none.
+  // Setting replaces what is there and ignores what is not.
+  std::shared_ptr<clsVTRLKItem> ByName(std::u16string_view name) const {
+    return ToItem(profiles_.Data(name));
+  }
+  void SetByName(std::u16string_view name, const std::shared_ptr<clsVTRLKItem>& item);
+  std::shared_ptr<clsVTRLKItem> Item(int32_t Index) const { return ToItem(profiles_.Data(Index)); }
+  void SetItem(int32_t Index, const std::shared_ptr<clsVTRLKItem>& item);
+
+ private:
+  static std::shared_ptr<clsVTRLKItem> ToItem(const mclsVTDictionary::Value& value);
+
+  std::u16string hot_key_search_ = u"^f";
+  mclsVTDictionary profiles_;
+};
+
+}  // namespace rowlark
