@@ -1,0 +1,71 @@
+// One run of the search engine: finds the rows that match and hides the others, or goes to the first match.
+//
+// The host is used on one thread, and messages are processed in the middle of a run; what they call may want
+// the run to end and can not wait for what lies beneath it on the stack. So a run does not live on anyone's
+// stack: it suspends at every stop check, and whoever waits for it processes messages and resumes it.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "runtime/Resumable.h"
+#include "runtime/clsVTRLKOptions.h"
+#include "settings/SharedState.h"
+#include "settings/clsVTRLKItems.h"
+
+namespace rowlark {
+
+class SearchRun {
+ public:
+  // `stop_request` ends the run at its next stop check.
+  SearchRun(SharedState& shared, std::shared_ptr<clsVTRLKItems> items, const clsVTRLKOptions& options,
+            const bool& stop_request, std::u16string_view text);
+  SearchRun(const SearchRun&) = delete;
+  SearchRun& operator=(const SearchRun&) = delete;
+
+  // Goes on to the next stop check, where messages are to be processed, or to the end. Does nothing while the
+  // run is on the stack already.
+  void Resume();
+  bool OnStack() const { return on_stack_; }
+  bool Done() const { return work_.Done(); }
+
+  // Another search takes over: whatever this one still finds is of no interest to its caller.
+  void Supersede() { superseded_ = true; }
+
+  // When done: whether rows were found, and otherwise why not, in the user's language (empty when stopped).
+  bool Result() const { return !superseded_ && work_.Result(); }
+  std::u16string Error() const { return superseded_ ? std::u16string() : error_; }
+
+ private:
+  struct StopCheck;
+
+  Resumable Work();
+  void ReadSearchColumns(const host::Worksheet& sheet, const clsVTRLKItem& profile);
+  std::vector<std::u16string> Words() const;
+  host::FindArguments What(std::u16string_view word) const;
+  Ref<host::Range> SearchRange(const host::Worksheet& sheet, const clsVTRLKItem& profile);
+  void Take(const host::Range& cell, int32_t row);
+  bool MayHideRows(const host::Worksheet& sheet) const;
+  bool HideBlock(host::Worksheet& sheet, int32_t first, int32_t last);
+
+  SharedState& shared_;
+  const std::shared_ptr<clsVTRLKItems> items_;
+  const clsVTRLKOptions options_;  // as they are when the run starts
+  const bool& stop_request_;
+  const std::u16string text_;
+
+  bool all_columns_ = true;
+  std::vector<int32_t> columns_;  // ascending; those searched unless all are
+  std::vector<int32_t> rows_;     // of the matches; a row may stand there more than once
+  int32_t end_row_ = 0;           // last row of the search range
+  std::u16string address_;
+  std::u16string error_;
+  bool on_stack_ = false;
+  bool superseded_ = false;
+  Resumable work_;
+};
+
+}  // namespace rowlark

@@ -1,0 +1,82 @@
+#include "runtime/clsVTRLKRuntime.h"
+
+#include <utility>
+
+#include "runtime/DetectSearchRange.h"
+#include "runtime/ShowAll.h"
+
+namespace rowlark {
+
+clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared)
+    : Items(std::make_shared<clsVTRLKItems>(shared)),
+      SearchOptions(std::make_shared<clsVTRLKOptions>()),
+      shared_(shared) {
+  shared_.Acquire();
+}
+
+clsVTRLKRuntime::~clsVTRLKRuntime() { shared_.Release(); }
+
+void clsVTRLKRuntime::SetExcelApp(Ref<host::Application> application) {
+  shared_.ExcelApp = std::move(application);
+}
+
+bool clsVTRLKRuntime::Search(std::u16string_view strSearch, std::u16string& strErr) {
+  if (entry_guard_) return false;
+  if (searching_) {
+    // The host may call back from inside an operation; the run that called it can not go on before we return.
+    if (run_->OnStack()) return false;
+    entry_guard_ = true;
+    stop_request_ = true;
+    run_->Supersede();
+    while (searching_ && !shared_.Terminating) {
+      shared_.Pump.ProcessMessages();
+      if (searching_) Advance(*run_);
+    }
+    entry_guard_ = false;
+    if (shared_.Terminating) {  // an earlier run that still goes on is brought to its end by its own call
+      strErr.clear();
+      return false;
+    }
+  }
+  stop_request_ = false;
+  strErr.clear();
+  SearchRun run(shared_, Items, *SearchOptions, stop_request_, strSearch);
+  run_ = &run;
+  searching_ = true;
+  RaiseSearching(true);
+  while (Advance(run)) shared_.Pump.ProcessMessages();
+  strErr = run.Error();
+  return run.Result();
+}
+
+// Takes a run one step farther; false when it has ended. Two calls may drive the same run in turn, but only
+// the step that ends it says so.
+bool clsVTRLKRuntime::Advance(SearchRun& run) {
+  if (run.Done()) return false;
+  run.Resume();
+  if (!run.Done()) return true;
+  run_ = nullptr;
+  searching_ = false;
+  RaiseSearching(false);
+  return false;
+}
+
+void clsVTRLKRuntime::RaiseSearching(bool searching) { searching_event_.Raise(searching); }
+
+bool clsVTRLKRuntime::StopSearch() {
+  stop_request_ = true;
+  shared_.Pump.ProcessMessages();
+  return true;
+}
+
+void clsVTRLKRuntime::DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem& objItem) {
+  rowlark::DetectSearchRange(objSheet, objItem);
+}
+
+bool clsVTRLKRuntime::Unhide(bool CallFromSearch, std::u16string& strErrLog) {
+  return ShowAll(shared_, *Items, CallFromSearch, strErrLog);
+}
+
+void clsVTRLKRuntime::DoStop() { shared_.Terminating = true; }
+
+}  // namespace rowlark

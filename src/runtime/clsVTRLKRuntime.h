@@ -1,0 +1,70 @@
+// The public class of the library and the spine of the add-in: the add-in workbook creates one when it opens,
+// hands it the host application, and its macros forward to the operations here.
+//
+// All calls come on the host's user-interface thread. Operations may be called again from messages that are
+// processed in the middle of a search.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "host/spreadsheet.h"
+#include "runtime/SearchRun.h"
+#include "runtime/clsVTRLKOptions.h"
+#include "settings/SharedState.h"
+#include "settings/clsVTRLKItems.h"
+#include "util/Event.h"
+
+namespace rowlark {
+
+class clsVTRLKRuntime {
+ public:
+  explicit clsVTRLKRuntime(SharedState& shared);
+  clsVTRLKRuntime(const clsVTRLKRuntime&) = delete;
+  clsVTRLKRuntime& operator=(const clsVTRLKRuntime&) = delete;
+  ~clsVTRLKRuntime();
+
+  // Replaceable by the add-in and the forms; never null.
+  std::shared_ptr<clsVTRLKItems> Items;
+  std::shared_ptr<clsVTRLKOptions> SearchOptions;
+
+  // Where the host application is kept, one for the whole library.
+  void SetExcelApp(Ref<host::Application> application);
+  clsVTRLKLang& Language() const { return *shared_.Language; }
+
+  // Looks for the text in the active sheet as `SearchOptions` say. True when a row was found; otherwise
+  // `strErr` tells why in the user's language. While a search runs (the call then comes from a message that
+  // it processes), that search is stopped first and returns false with an empty `strErr`; a further call made
+  // during that wait is refused: false, `strErr` untouched.
+  bool Search(std::u16string_view strSearch, std::u16string& strErr);
+
+  // Asks the search under way to end at its next stop check; does not wait for that. True.
+  bool StopSearch();
+
+  bool Searching() const { return searching_; }
+  // Raised with true at the start and with false at the end of every search.
+  Event<bool&>& SearchingEvent() { return searching_event_; }
+
+  // Completes the open bounds of a profile from the sheet. Throws host::Error.
+  void DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem& objItem);
+
+  // Shows all rows of the active sheet. False when that failed, with the reason in `strErrLog`.
+  bool Unhide(bool CallFromSearch, std::u16string& strErrLog);
+
+  // The library ends: every wait and long loop does so soon.
+  void DoStop();
+
+ private:
+  bool Advance(SearchRun& run);
+  void RaiseSearching(bool searching);
+
+  SharedState& shared_;
+  SearchRun* run_ = nullptr;  // the run under way; it lives in the call of Search that began it
+  bool searching_ = false;
+  bool stop_request_ = false;
+  bool entry_guard_ = false;  // Search waits for an earlier run to end
+  Event<bool&> searching_event_;
+};
+
+}  // namespace rowlark

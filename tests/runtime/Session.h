@@ -1,0 +1,46 @@
+// A runtime object over a small sheet, composed as every host composes it.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Sheet.h"
+#include "host/standalone/ScriptedMessagePump.h"
+#include "runtime/clsVTRLKRuntime.h"
+
+namespace rowlark::testing {
+
+struct Session : SampleHost {
+  explicit Session(std::string_view cells, std::u16string_view version = u"16.0", bool read_only = false)
+      : SampleHost(cells, u"C:\\Data\\Book1.xls", version, read_only), shared(pump), runtime(shared) {
+    runtime.SetExcelApp(application);
+    runtime.SearchOptions->CompareMethod = CompareMode::Text;
+    runtime.SearchOptions->UseFilter = true;
+    searching = runtime.SearchingEvent().Connect([this](bool& on) { events += on ? 'T' : 'F'; });
+  }
+
+  // "found", or the error text.
+  std::string Search(std::u16string_view text) {
+    std::u16string error = u"untouched";
+    return runtime.Search(text, error) ? "found" : ToUtf8(error);
+  }
+  clsVTRLKItem& Profile() { return *runtime.Items->DefaultItem; }
+  bool FlagsRestored() const {
+    return application->ScreenUpdating() && application->EnableEvents() && application->EnableAnimations();
+  }
+  void Filter(std::u16string_view range, int32_t field, std::u16string_view criterion) {
+    host::AutoFilterArguments arguments;
+    arguments.Field = field;
+    arguments.Criteria1 = std::u16string(criterion);
+    sheet->Range(range)->AutoFilter(arguments);
+  }
+
+  standalone::ScriptedMessagePump pump;
+  SharedState shared;
+  clsVTRLKRuntime runtime;
+  std::string events;  // of Searching: T at the start, F at the end
+  Connection searching;
+};
+
+}  // namespace rowlark::testing

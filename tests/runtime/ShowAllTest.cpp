@@ -1,0 +1,148 @@
+// Show All, with and without an AutoFilter.
+#include <gtest/gtest.h>
+
+#include "Session.h"
+#include "host/Forwarding.h"
+
+namespace rowlark {
+namespace {
+
+using testing::Session;
+
+constexpr const char* kTable = "Name,City|a,x|b,y|c,x|d,y|e,z";
+
+TEST(Unhide, ShowsEveryRowThatNoFilterHides) {
+  Session plain(kTable);
+  plain.sheet->Range(u"2:4")->SetEntireRowHidden(true);
+  std::u16string error;
+  EXPECT_TRUE(plain.runtime.Unhide(false, error));
+  EXPECT_EQ(plain.VisibleRows(6), "1 2 3 4 5 6");
+
+  Session filtered(kTable);
+  filtered.Filter(u"A1:B6", 2, u"<>z");
+  filtered.Filter(u"A1:B6", 1, u"<>a");
+  filtered.sheet->Range(u"3:5")->SetEntireRowHidden(true);
+  EXPECT_TRUE(filtered.runtime.Unhide(false, error));
+  EXPECT_EQ(filtered.VisibleRows(6), "1 3 4 5");
+
+  Session idle(kTable);
+  idle.sheet->Range(u"A1:B6")->AutoFilter({.Field = 1});
+  idle.sheet->Range(u"2:4")->SetEntireRowHidden(true);
+  EXPECT_TRUE(idle.runtime.Unhide(false, error));
+  EXPECT_EQ(idle.VisibleRows(6), "1 2 3 4 5 6");
+}
+
+TEST(Unhide, AppliesEveryKindOfFilterAgain) {
+  using List = std::vector<std::u16string>;
+  const struct {
+    const char* name;
+    host::AutoFilterArguments arguments;
+    const char* visible;
+  } kCases[] = {
+      {"one criterion", {.Field = 2, .Criteria1 = u"x"}, "1 2 4"},
+      {"a number", {.Field = 1, .Criteria1 = u">=20"}, "1 3 4 5"},
+      {"both", {.Field = 1, .Criteria1 = u">10", .Operator = host::xlAnd, .Criteria2 = u"<40"}, "1 3 4"},
+      {"either", {.Field = 2, .Criteria1 = u"y", .Operator = host::xlOr, .Criteria2 = u"="}, "1 3 6"},
+      {"top", {.Field = 1, .Criteria1 = u"2", .Operator = host::xlTop10Items}, "1 4 5"},
+      {"bottom percent", {.Field = 1, .Criteria1 = u"50", .Operator = host::xlBottom10Percent}, "1 2 3"},
+      {"a list of values",
+       {.Field = 2, .Criteria1 = List{u"z", u"X"}, .Operator = host::xlFilterValues},
+       "1 2 4 5"},
+  };
+  for (const auto& c : kCases) {
+    Session session("Name,City|10,x|20,y|30,x|40,z|no,");
+    session.sheet->Range(u"A1:B6")->AutoFilter(c.arguments);
+    EXPECT_EQ(session.VisibleRows(6), c.visible) << c.name;
+    session.sheet->Range(u"1:6")->SetEntireRowHidden(true);
+    session.sheet->Range(u"1:1")->SetEntireRowHidden(false);
+    std::u16string error;
+    EXPECT_TRUE(session.runtime.Unhide(false, error)) << c.name;
+    EXPECT_EQ(session.VisibleRows(6), c.visible) << c.name;
+  }
+}
+
+// A host that has no criteria for a filter, as Excel has none for colours, or does not take them.
+class StubbornHost final : public host::Forwarding {
+ public:
+  explicit StubbornHost(std::string_view refused, std::string_view refused_too = "")
+      : refused_(refused), refused_too_(refused_too) {}
+  void OnCall(std::string_view operation) override {
+    if (operation == refused_ || operation == refused_too_) throw host::Error(1004, u"No such thing");
+  }
+
+ private:
+  std::string_view refused_, refused_too_;
+};
+
+TEST(Unhide, AppliesTheFilterAsAWholeWhereItsCriteriaDoNotServe) {
+  for (const auto* refused : {"Filter.Criteria1", "Range.AutoFilter"}) {
+    for (const auto* refused_too : {"", "AutoFilter.ApplyFilter"}) {
+      Session session(kTable);
+      session.Filter(u"A1:B6", 2, u"x");
+      session.sheet->Range(u"2:6")->SetEntireRowHidden(true);
+      StubbornHost stubborn(refused, refused_too);
+      session.runtime.SetExcelApp(stubborn.Wrap(Ref<host::Application>(session.application)));
+      std::u16string error;
+      const bool possible = *refused_too == '\0';
+      EXPECT_EQ(session.runtime.Unhide(false, error), possible);
+      EXPECT_EQ(session.VisibleRows(6), possible ? "1 2 4" : "1");
+      EXPECT_EQ(ToUtf8(error), possible ? "" : "Error #397: Can't show/hide rows False");
+      EXPECT_TRUE(session.FlagsRestored());
+      session.runtime.SetExcelApp(nullptr);
+    }
+  }
+}
+
+TEST(Unhide, GoesWhereTheProfileSays) {
+  const struct {
+    bool first_row;
+    int32_t start_row, start_column, select_column;
+    const char* active_cell;
+  } kCases[] = {
+      {true, 0, -1, 0, "B1"}, {true, 0, 0, 0, "B1"},  {true, 3, 4, 0, "D3"},
+      {true, -1, 4, 5, "E1"}, {false, 3, 4, 5, "C7"},
+  };
+  for (const auto& c : kCases) {
+    Session session("|,x,y");
+    session.sheet->Select(u"C7");
+    session.Profile().UnhideJumpFirstRow = c.first_row;
+    session.Profile().SetStartRow(c.start_row);
+    session.Profile().SetStartCol(c.start_column);
+    session.Profile().SelectCol = c.select_column;
+    session.runtime.Items->RowsIsGrouped = true;
+    std::u16string error = u"old";
+    EXPECT_TRUE(session.runtime.Unhide(false, error));
+    EXPECT_TRUE(error.empty());
+    EXPECT_EQ(session.ActiveCell(), c.active_cell);
+    EXPECT_FALSE(session.runtime.Items->RowsIsGrouped);
+  }
+}
+
+TEST(Unhide, MarksTheWorkbookSavedWhereTheProfileSaysSo) {
+  for (const bool keep : {false, true}) {
+    Session session(kTable);
+    session.sheet->Range(u"2:4")->SetEntireRowHidden(true);
+    session.Profile().DontSaveChanges = keep;
+    std::u16string error;
+    EXPECT_TRUE(session.runtime.Unhide(false, error));
+    EXPECT_EQ(session.book->Saved(), keep);
+  }
+}
+
+TEST(Unhide, FailsInWords) {
+  Session session(kTable);
+  std::u16string error;
+  session.sheet->Protect({.contents = true});
+  EXPECT_FALSE(session.runtime.Unhide(false, error));
+  EXPECT_EQ(ToUtf8(error), "Error #397: Can't show/hide rows False");
+  EXPECT_TRUE(session.FlagsRestored());
+  session.book->AddChartSheet();
+  EXPECT_FALSE(session.runtime.Unhide(false, error));
+  EXPECT_EQ(ToUtf8(error), "Error: Method 'ActiveCell' of object '_Application' failed");
+  EXPECT_TRUE(session.FlagsRestored());
+  session.runtime.SetExcelApp(nullptr);
+  EXPECT_TRUE(session.runtime.Unhide(false, error));
+}
+
+}  // namespace
+}  // namespace rowlark
