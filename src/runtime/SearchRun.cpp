@@ -97,7 +97,7 @@ bool SearchRun::MayHideRows(const host::Worksheet& sheet) const {
 }
 
 bool SearchRun::HideBlock(host::Worksheet& sheet, int32_t first, int32_t last) {
-  address_ = u"A";
+  address_.assign(1, u'A');
   address_ += ToText(first);
   address_ += u":A";
   address_ += ToText(last);
