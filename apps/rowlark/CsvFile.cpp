@@ -120,7 +120,7 @@ Bytes ToUtf8Text(Bytes bytes) {
   return Own(marked ? ToUtf8(ToUtf16(view)) : FromAnsi(view));
 }
 
-// Where the record at hand is cut into cells.
+// Cuts a text into records, and these into cells.
 class RecordReader {
  public:
   RecordReader(string_view text, char separator)

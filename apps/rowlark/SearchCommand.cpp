@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <nlohmann/json.hpp>
-#include <ranges>
 #include <span>
 #include <stdexcept>
 #include <string_view>
@@ -96,10 +95,12 @@ void SetFilters(const Table& table, const std::vector<ColumnFilter>& filters) {
 
 void SetProfile(const Table& table, const SearchArguments& arguments, clsVTRLKItem& profile) {
   if (!arguments.range.empty()) SetRange(table, arguments.range, profile);
-  for (const auto letters : std::views::split(arguments.columns, ',')) {
-    ColumnNumber(table, "--columns", std::string(letters.begin(), letters.end()));
+  const std::string& columns = arguments.columns;
+  for (std::size_t from = 0, comma = 0; !columns.empty() && comma != std::string::npos; from = comma + 1) {
+    comma = columns.find(',', from);
+    ColumnNumber(table, "--columns", columns.substr(from, comma - from));
   }
-  profile.SearchCols = ToUtf16(arguments.columns);
+  profile.SearchCols = ToUtf16(columns);
   if (!arguments.jump.empty()) profile.SelectCol = ColumnNumber(table, "--jump", arguments.jump);
 }
 
