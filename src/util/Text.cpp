@@ -90,8 +90,9 @@ std::size_t Find(std::u16string_view source, std::u16string_view find, std::size
 }
 
 std::u16string ToText(int32_t number) {
-  const std::string digits = std::to_string(number);
-  return {digits.begin(), digits.end()};
+  char digits[11];
+  const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+  return {digits, end};
 }
 
 std::optional<int32_t> ToInteger(std::u16string_view text) {

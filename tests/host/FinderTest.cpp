@@ -124,10 +124,12 @@ TEST(Scan, AgreesWithAnObviousSearch) {
     const auto rare2 = needle.size() == 1 ? 0 : (rare1 + 1 + pick(needle.size() - 1)) % needle.size();
     const auto expected = std::min(text.find(needle), text.size());
     std::string padded = text + std::string(standalone::kScanPadding, needle[rare1]);
-    for (const auto scan : {standalone::SelectScan(), &standalone::ScanPortable}) {
+    for (const auto* kernel : {&standalone::SelectScan(), &standalone::kPortableScan}) {
       const char* end = padded.data() + text.size();
-      const auto* found = scan(padded.data(), end, needle.data(), needle.size(), rare1, rare2);
+      const auto* found = kernel->find(padded.data(), end, needle.data(), needle.size(), rare1, rare2);
       ASSERT_EQ(static_cast<std::size_t>(found - padded.data()), expected) << needle << " in " << text;
+      ASSERT_EQ(kernel->count(padded.data(), end, needle[0]),
+                std::count(text.begin(), text.end(), needle[0]));
     }
   }
 }

@@ -69,7 +69,7 @@ void Application::Close(const Ref<Workbook>& workbook) {
   const Ref<Workbook> closing = workbook;
   std::erase(workbooks_, closing);
   closing->Close();
-  finder_ = Finder();
+  finder_.Forget();
 }
 
 }  // namespace rowlark::standalone

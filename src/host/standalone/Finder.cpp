@@ -6,21 +6,6 @@
 namespace rowlark::standalone {
 namespace {
 
-int32_t CountSeparators(const char* begin, const char* end) {
-  int32_t count = 0;
-  while (begin < end) {
-    // Sums of at most 255 fit a byte, which lets the compiler add up many bytes at once.
-    const auto size = std::min<std::ptrdiff_t>(end - begin, 255);
-    uint8_t part = 0;
-    for (std::ptrdiff_t i = 0; i < size; ++i) {
-      part = static_cast<uint8_t>(part + (begin[i] == CellText::kSeparator ? 1 : 0));
-    }
-    count += part;
-    begin += size;
-  }
-  return count;
-}
-
 // The row that holds the byte at `offset`, at or behind row `from`; near rows are found first.
 std::size_t RowAt(const std::vector<std::size_t>& start, std::size_t from, std::size_t offset) {
   std::size_t step = 1;
@@ -81,6 +66,10 @@ std::optional<Cell> Enter(const Rect& area, Cell cell, bool forward) {
   return Step(area, cell, forward);
 }
 
+// Matches farther behind the first one of a batch are left for the next one: a search that only wants the
+// first must not pay for more.
+constexpr std::ptrdiff_t kBatchBytes = 4096;
+
 }  // namespace
 
 void Finder::Begin(const host::FindArguments& arguments) {
@@ -89,35 +78,46 @@ void Finder::Begin(const host::FindArguments& arguments) {
   order_ = arguments.SearchOrder.value_or(order_);
   direction_ = arguments.SearchDirection.value_or(host::xlNext);
   pattern_ = Pattern(arguments.What, look_at_ == host::xlWhole, arguments.MatchCase.value_or(false));
+  Forget();
+}
+
+void Finder::Forget() {
   sampled_ = nullptr;
-  place_ = {};
+  batch_.text = nullptr;
   first_ = {};
+}
+
+bool Finder::StandsAt(const Haystack& haystack, Cell cell) const {
+  return batch_.text == &haystack.text && batch_.Last().cell == cell &&
+         batch_.version == haystack.text.Version() && batch_.layout == haystack.layout &&
+         batch_.area_index < haystack.areas.size() && batch_.area == haystack.areas[batch_.area_index];
 }
 
 std::optional<Cell> Finder::Next(const Haystack& haystack, Cell after) {
   if (look_in_ == host::xlComments) return std::nullopt;  // the model keeps no comments
   const auto areas = haystack.areas;
+  const bool resume = StandsAt(haystack, after);
+  if (resume && batch_.next < batch_.count) return batch_.matches[batch_.next++].cell;
+
   std::size_t area = 0;
-  if (IsPlace(haystack, after) && place_.area < areas.size() &&
-      areas[place_.area].Contains(after.row, after.column)) {
-    area = place_.area;
+  std::optional<Cell> found;
+  if (resume && batch_.Last().end != nullptr) {
+    area = batch_.area_index;
+    FillBatch(haystack, areas[area], after, true);
+    if (batch_.count > 0) found = batch_.matches[batch_.next++].cell;
   } else {
     while (area < areas.size() && !areas[area].Contains(after.row, after.column)) ++area;
     if (area == areas.size()) throw host::Error(13, u"Type mismatch");
+    if (const auto from = Successor(areas[area], after)) found = InArea(haystack, areas[area], from);
   }
   const std::size_t start_area = area;
-  const bool from_start =
-      Forward() && start_area == 0 && after == Cell{areas[0].first_row, areas[0].first_column};
-
-  std::optional<Cell> found;
-  if (const auto from = Successor(areas[area], after)) found = InArea(haystack, areas[area], from);
   while (!found && (Forward() ? area + 1 < areas.size() : area > 0)) {
     area = Forward() ? area + 1 : area - 1;
     found = InArea(haystack, areas[area], std::nullopt);
   }
   if (!found) return Wrap(haystack, start_area, after);
-  place_.area = area;
-  if (from_start) {
+  batch_.area_index = area;
+  if (Forward() && start_area == 0 && after == Cell{areas[0].first_row, areas[0].first_column}) {
     first_ = {&haystack.text, haystack.text.Version(), haystack.layout, areas.data(), areas[0], *found};
   }
   return found;
@@ -130,7 +130,7 @@ std::optional<Cell> Finder::Wrap(const Haystack& haystack, std::size_t after_are
       first_.layout == haystack.layout && first_.area == areas[0] &&
       (areas.size() == 1 || first_.areas == areas.data())) {
     const Cell start{areas[0].first_row, areas[0].first_column};
-    place_ = {};
+    batch_.text = nullptr;
     return Matches(haystack, start) ? start : first_.cell;
   }
   const std::size_t begin = Forward() ? 0 : areas.size() - 1;
@@ -144,15 +144,11 @@ std::optional<Cell> Finder::Wrap(const Haystack& haystack, std::size_t after_are
       }
     }
     if (const auto found = InArea(haystack, rect, std::nullopt)) {
-      place_.area = area;
+      batch_.text = nullptr;  // it ends at `after`
       return found;
     }
     if (area == after_area) return std::nullopt;
   }
-}
-
-bool Finder::IsPlace(const Haystack& haystack, Cell cell) const {
-  return place_.cell == cell && place_.text == &haystack.text && place_.version == haystack.text.Version();
 }
 
 // The host finds values as they are shown: not in hidden rows.
@@ -167,51 +163,65 @@ std::optional<Cell> Finder::Successor(const Rect& area, Cell cell) const {
   return next ? std::optional(Transpose(*next)) : std::nullopt;
 }
 
-std::optional<Cell> Finder::InArea(const Haystack& haystack, const Rect& area, std::optional<Cell> from) {
-  if (!pattern_.Literal().empty() && ByRows() && Forward()) {
-    return InAreaByLiteral(haystack, area, from.value_or(Cell{area.first_row, area.first_column}));
-  }
-  const auto found = InAreaByCell(haystack, area, from);
-  if (found) place_ = {&haystack.text, haystack.text.Version(), 0, *found, nullptr};
-  return found;
+void Finder::StartBatch(const Haystack& haystack, const Rect& area) {
+  batch_.text = &haystack.text;
+  batch_.version = haystack.text.Version();
+  batch_.layout = haystack.layout;
+  batch_.area = area;
+  batch_.count = batch_.next = 0;
 }
 
-std::optional<Cell> Finder::InAreaByLiteral(const Haystack& haystack, const Rect& area, Cell from) {
+std::optional<Cell> Finder::InArea(const Haystack& haystack, const Rect& area, std::optional<Cell> from) {
+  StartBatch(haystack, area);
+  if (!pattern_.Literal().empty() && ByRows() && Forward()) {
+    FillBatch(haystack, area, from.value_or(Cell{area.first_row, area.first_column}), false);
+  } else if (const auto cell = InAreaByCell(haystack, area, from)) {
+    batch_.matches[batch_.count++] = {*cell, nullptr};
+  }
+  if (batch_.count == 0) {
+    batch_.text = nullptr;
+    return std::nullopt;
+  }
+  return batch_.matches[batch_.next++].cell;
+}
+
+void Finder::FillBatch(const Haystack& haystack, const Rect& area, Cell from, bool resume) {
   if (sampled_ != &haystack.text) {
     rare_ = pattern_.ChooseRareBytes(haystack.text.SampleBytes(!pattern_.MatchCase()));
     sampled_ = &haystack.text;
   }
   const bool skip_hidden = look_in_ == host::xlValues;
   const std::string& literal = pattern_.Literal();
-  const Cell before{from.row, from.column - 1};
-  const char* resume = IsPlace(haystack, before) ? place_.end : nullptr;
+  const Match before = resume ? batch_.Last() : Match{};
+  batch_.count = batch_.next = 0;
 
   int32_t next_block_row = 0;
-  for (int32_t row = from.row; row <= area.last_row; row = next_block_row, resume = nullptr) {
+  for (int32_t row = from.row; row <= area.last_row; row = next_block_row, resume = false) {
     const int32_t block_row = row - static_cast<int32_t>(CellText::RowInBlock(row));
     next_block_row = block_row + CellText::kBlockRows;
     const auto* block = haystack.text.BlockOf(row);
     if (block == nullptr) {
-      if (!haystack.text.Used() || row > haystack.text.Used()->last_row) return std::nullopt;
+      if (!haystack.text.Used() || row > haystack.text.Used()->last_row) return;
       continue;
     }
     const auto& twin = TwinOf(*block);
     std::size_t i = CellText::RowInBlock(row);
     const auto rows = static_cast<std::size_t>(std::min(block->Rows(), area.last_row - block_row + 1));
     if (i >= rows) continue;
-    const char* const end = twin.Row(rows);
+    const char* end = twin.Row(rows);
 
     // `columns` separators stand between the start of row i and `counted`.
     const char* counted = twin.Row(i);
     int32_t columns = 0;
     const char* at = counted;
-    if (resume != nullptr) {
-      at = counted = resume;
-      columns = before.column;
+    if (resume) {
+      at = batch_.scanned;
+      counted = before.end;
+      columns = before.cell.column;
     } else if (row == from.row && from.column > 1) {
       at = CellStart(at, twin.Row(i + 1), from.column);
     }
-    while ((at = scan_(at, end, literal.data(), literal.size(), rare_.first, rare_.second)) != end) {
+    while ((at = scan_.find(at, end, literal.data(), literal.size(), rare_.first, rare_.second)) != end) {
       const auto offset = static_cast<std::size_t>(at - twin.bytes.data());
       if (offset >= twin.start[i + 1]) {
         i = RowAt(twin.start, i, offset);
@@ -223,31 +233,42 @@ std::optional<Cell> Finder::InAreaByLiteral(const Haystack& haystack, const Rect
         const auto visible =
             haystack.hidden.Next(found_row, block_row + static_cast<int32_t>(rows) - 1, false);
         i = static_cast<std::size_t>(visible - block_row);
-        if (i >= rows) break;
+        if (i >= rows || twin.Row(i) >= end) break;
         at = counted = twin.Row(i);
         columns = 0;
         continue;
       }
       const char* const text = at + pattern_.LiteralLead();
-      columns += CountSeparators(counted, text);
+      columns += scan_.count(counted, text, CellText::kSeparator);
       counted = text;
       if (columns > area.last_column) {
-        at = twin.Row(i + 1);
+        at = std::min(twin.Row(i + 1), end);
         continue;
       }
+      const char* const row_end = twin.Row(i + 1);
       const auto* const cell_end = static_cast<const char*>(
-          std::memchr(text, CellText::kSeparator, static_cast<std::size_t>(end - text)));
+          std::memchr(text, CellText::kSeparator, static_cast<std::size_t>(row_end - text)));
       if (columns >= area.first_column) {
         const Cell cell{found_row, columns};
         if (pattern_.LiteralSuffices() || Matches(haystack, cell)) {
-          place_ = {&haystack.text, haystack.text.Version(), 0, cell, cell_end};
-          return cell;
+          batch_.matches[batch_.count++] = {cell, cell_end};
+          if (batch_.count == 1) end = std::min(end, cell_end + kBatchBytes);
+          if (batch_.count == batch_.matches.size()) {
+            batch_.scanned = cell_end;
+            return;
+          }
         }
       }
-      at = cell_end;
+      at = std::min(cell_end, end);
+    }
+    if (batch_.count > 0) {
+      // A literal may begin before the end of what has been scanned and go beyond it.
+      const auto overlap = static_cast<std::ptrdiff_t>(literal.size()) - 1;
+      const char* const last_end = batch_.matches[batch_.count - 1].end;
+      batch_.scanned = end - last_end > overlap ? end - overlap : last_end;
+      return;
     }
   }
-  return std::nullopt;
 }
 
 std::optional<Cell> Finder::InAreaByCell(const Haystack& haystack, const Rect& area,

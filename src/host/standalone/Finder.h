@@ -3,8 +3,8 @@
 // out.
 #pragma once
 
+#include <array>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 
@@ -39,6 +39,9 @@ class Finder {
   // Takes the settings of a new search; `after` is not read.
   void Begin(const host::FindArguments& arguments);
 
+  // Drops what it knows of the places of matches, since a sheet goes; the settings stay.
+  void Forget();
+
   // The next match behind `after`, which lies in one of the areas and is itself looked at last.
   std::optional<Cell> Next(const Haystack& haystack, Cell after);
 
@@ -49,13 +52,24 @@ class Finder {
   }
 
  private:
-  // Where the last match stands: a search that goes on behind it need not look for the place.
-  struct Place {
+  // A match, and the separator behind its cell (null when the match was not found by its literal).
+  struct Match {
+    Cell cell;
+    const char* end = nullptr;
+  };
+  // Matches that stand close together are found in one go and handed out one by one: those of `matches` up to
+  // `count`, in an area of a sheet as it was at the time. The one handed out last is where a search goes on.
+  struct Batch {
     const CellText* text = nullptr;
     uint64_t version = 0;
-    std::size_t area = 0;
-    Cell cell;
-    const char* end = nullptr;  // the separator behind the cell; null when the match came from elsewhere
+    uint64_t layout = 0;
+    std::size_t area_index = 0;
+    Rect area;
+    std::size_t count = 0;
+    std::size_t next = 0;           // of the matches to hand out
+    const char* scanned = nullptr;  // behind the last match; no other starts before this place
+    std::array<Match, 128> matches;
+    const Match& Last() const { return matches[next - 1]; }
   };
   // The first match behind the upper left cell of a range. A search that wraps around ends there.
   struct FirstMatch {
@@ -72,17 +86,20 @@ class Finder {
   const CellText::Twin& TwinOf(const CellText::Block& block) const {
     return block.twins[pattern_.MatchCase() ? 0 : 1];
   }
-  bool IsPlace(const Haystack& haystack, Cell cell) const;
+  // Whether the batch stands at that cell of that haystack.
+  bool StandsAt(const Haystack& haystack, Cell cell) const;
+  void StartBatch(const Haystack& haystack, const Rect& area);
   bool Matches(const Haystack& haystack, Cell cell) const;
   std::optional<Cell> Successor(const Rect& area, Cell cell) const;
   std::optional<Cell> Wrap(const Haystack& haystack, std::size_t area, Cell after);
-  // The first match of an area at or behind `from`, or in the whole of it.
+  // The first match of an area at or behind `from`, or in the whole of it, as the first of a new batch.
   std::optional<Cell> InArea(const Haystack& haystack, const Rect& area, std::optional<Cell> from);
-  std::optional<Cell> InAreaByLiteral(const Haystack& haystack, const Rect& area, Cell from);
   std::optional<Cell> InAreaByCell(const Haystack& haystack, const Rect& area,
                                    std::optional<Cell> from) const;
+  // Fills the batch, going on from where it stands when `resume` is set.
+  void FillBatch(const Haystack& haystack, const Rect& area, Cell from, bool resume);
 
-  ScanFunction scan_;
+  const ScanKernel& scan_;
   Pattern pattern_;
   Pattern::RareBytes rare_;
   const CellText* sampled_ = nullptr;  // the text whose bytes `rare_` was chosen by
@@ -92,7 +109,7 @@ class Finder {
   host::XlSearchOrder order_ = host::xlByRows;
   host::XlSearchDirection direction_ = host::xlNext;
 
-  Place place_;
+  Batch batch_;
   FirstMatch first_;
 };
 

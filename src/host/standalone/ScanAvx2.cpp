@@ -12,10 +12,8 @@ __m256i Load(const char* p) { return _mm256_loadu_si256(reinterpret_cast<const _
 
 unsigned Mask(__m256i bytes) { return static_cast<unsigned>(_mm256_movemask_epi8(bytes)); }
 
-}  // namespace
-
-const char* ScanAvx2(const char* begin, const char* end, const char* needle, std::size_t length,
-                     std::size_t rare1, std::size_t rare2) {
+const char* Find(const char* begin, const char* end, const char* needle, std::size_t length,
+                 std::size_t rare1, std::size_t rare2) {
   if (static_cast<std::size_t>(end - begin) < length) return end;
   const char* const last = end - length;  // the last place where it can start
   const __m256i first = _mm256_set1_epi8(needle[rare1]);
@@ -43,5 +41,18 @@ const char* ScanAvx2(const char* begin, const char* end, const char* needle, std
   }
   return end;
 }
+
+int32_t Count(const char* begin, const char* end, char byte) {
+  const __m256i wanted = _mm256_set1_epi8(byte);
+  int32_t count = 0;
+  for (; end - begin >= 32; begin += 32)
+    count += _mm_popcnt_u32(Mask(_mm256_cmpeq_epi8(Load(begin), wanted)));
+  const unsigned rest = (1U << (end - begin)) - 1;
+  return count + _mm_popcnt_u32(Mask(_mm256_cmpeq_epi8(Load(begin), wanted)) & rest);
+}
+
+}  // namespace
+
+const ScanKernel kAvx2Scan = {Find, Count};
 
 }  // namespace rowlark::standalone

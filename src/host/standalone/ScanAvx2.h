@@ -1,10 +1,9 @@
 #pragma once
 
-#include <cstddef>
+#include "host/standalone/Scan.h"
 
 namespace rowlark::standalone {
 
-const char* ScanAvx2(const char* begin, const char* end, const char* needle, std::size_t length,
-                     std::size_t rare1, std::size_t rare2);
+extern const ScanKernel kAvx2Scan;
 
 }  // namespace rowlark::standalone

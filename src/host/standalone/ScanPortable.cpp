@@ -1,11 +1,13 @@
+#include <algorithm>
 #include <cstring>
 
 #include "host/standalone/Scan.h"
 
 namespace rowlark::standalone {
+namespace {
 
-const char* ScanPortable(const char* begin, const char* end, const char* needle, std::size_t length,
-                         std::size_t rare1, std::size_t rare2) {
+const char* Find(const char* begin, const char* end, const char* needle, std::size_t length,
+                 std::size_t rare1, std::size_t rare2) {
   if (static_cast<std::size_t>(end - begin) < length) return end;
   const char* const last = end - length;  // the last place where it can start
   while (begin <= last) {
@@ -18,5 +20,13 @@ const char* ScanPortable(const char* begin, const char* end, const char* needle,
   }
   return end;
 }
+
+int32_t Count(const char* begin, const char* end, char byte) {
+  return static_cast<int32_t>(std::count(begin, end, byte));
+}
+
+}  // namespace
+
+const ScanKernel kPortableScan = {Find, Count};
 
 }  // namespace rowlark::standalone

@@ -2,6 +2,6 @@
 
 namespace rowlark::standalone {
 
-ScanFunction SelectScan() { return &ScanPortable; }
+const ScanKernel& SelectScan() { return kPortableScan; }
 
 }  // namespace rowlark::standalone
