@@ -8,7 +8,9 @@ cmake --preset linux-release >/dev/null
 cmake --build --preset linux-release --target rowlark
 
 run() {
-  printf '\n$ %s\n' "$*"
+  printf '\n$'
+  for word in "$@"; do [[ $word == *\ * ]] && printf ' "%s"' "$word" || printf ' %s' "$word"; done
+  printf '\n'
   "$@"
 }
 run build/linux-release/rowlark search examples/customers.csv münchen

@@ -224,7 +224,7 @@ char DetectSeparator(string_view text) {
   struct Score {
     std::size_t records = 0;
     std::size_t columns = 0;
-    auto operator<=>(const Score&) const = default;
+    auto operator<=>(const Score&) const = default;  // NOLINT(modernize-use-nullptr): a fault of the check
   };
   char best = ',';
   Score best_score;

@@ -24,7 +24,7 @@ namespace {
 struct Table {
   explicit Table(const SearchArguments& arguments)
       : file(CsvFile::Open(arguments.file, arguments.separator)) {
-    application->AddWorkbook(arguments.file.u16string());
+    application->AddWorkbook(ToUtf16(arguments.file.string()));
     sheet = static_cast<standalone::Worksheet*>(application->ActiveSheet().get());
     file.ForEachRow([this](std::span<const std::string_view> cells) { sheet->AppendRow(cells); });
   }
@@ -117,17 +117,20 @@ void ForEachVisibleBlock(const Table& table, Visit&& visit) {
   }
 }
 
+// One object on one line. The blocks may be very many, so they go out one by one.
 void PrintJson(const Table& table, bool found, const std::string& error, const std::string& search_range,
                double milliseconds, Output& output) {
-  nlohmann::ordered_json blocks = nlohmann::ordered_json::array();
-  ForEachVisibleBlock(table, [&](int32_t first, int32_t last) { blocks.push_back({first, last}); });
-  const nlohmann::ordered_json result = {{"found", found},
-                                         {"error", error},
-                                         {"activeCell", PlainAddress(*table.application->ActiveCell())},
-                                         {"visibleRows", std::move(blocks)},
-                                         {"searchRange", search_range},
-                                         {"milliseconds", milliseconds}};
-  output.Write(result.dump() + '\n');
+  const auto field = [](const char* name, const nlohmann::json& value) {
+    return nlohmann::json(name).dump() + ':' + value.dump();
+  };
+  output.Write('{' + field("found", found) + ',' + field("error", error) + ',' +
+               field("activeCell", PlainAddress(*table.application->ActiveCell())) + ",\"visibleRows\":[");
+  const char* separator = "";
+  ForEachVisibleBlock(table, [&](int32_t first, int32_t last) {
+    output.Write(separator + nlohmann::json{first, last}.dump());
+    separator = ",";
+  });
+  output.Write("]," + field("searchRange", search_range) + ',' + field("milliseconds", milliseconds) + "}\n");
 }
 
 void PrintRows(const Table& table, Print print, Output& output) {

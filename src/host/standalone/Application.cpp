@@ -66,9 +66,8 @@ void Application::Activate(const Ref<Workbook>& workbook) {
 }
 
 void Application::Close(const Ref<Workbook>& workbook) {
-  const Ref<Workbook> closing = workbook;
-  std::erase(workbooks_, closing);
-  closing->Close();
+  workbook->Close();
+  std::erase(workbooks_, workbook);
   finder_.Forget();
 }
 

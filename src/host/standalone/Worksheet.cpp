@@ -78,7 +78,7 @@ Ref<host::Range> Worksheet::MakeRange(const Rect& area) const {
 }
 
 Ref<host::Range> Worksheet::MakeRange(std::vector<Rect> areas) const {
-  const auto range = MakeRange(areas.front());
+  auto range = MakeRange(areas.front());
   if (areas.size() > 1) {
     static_cast<standalone::Range&>(*range).areas_ =
         std::make_shared<const std::vector<Rect>>(std::move(areas));
@@ -123,7 +123,7 @@ Ref<host::AutoFilter> Worksheet::AutoFilter() const {
 
 bool Worksheet::ProtectScenarios() const { return protection_.scenarios; }
 
-void Worksheet::Changed() { Book().SetSaved(false); }
+void Worksheet::Changed() const { Book().SetSaved(false); }
 
 void Worksheet::SetHidden(const Rect& rows, bool hidden) {
   if (protection_.contents && !protection_.allow_formatting_rows) {

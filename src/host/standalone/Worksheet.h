@@ -76,7 +76,7 @@ class Worksheet final : public host::Worksheet {
   void Close() { parent_ = nullptr; }
 
  private:
-  void Changed();
+  void Changed() const;
 
   Workbook* parent_;
   CellText text_;
