@@ -248,15 +248,23 @@ char DetectSeparator(string_view text) {
 }  // namespace
 
 CsvFile CsvFile::Open(const std::filesystem::path& path, std::optional<char> separator) {
-  CsvFile file;
-  file.path_ = path.string();
-  Bytes text = ToUtf8Text(ReadBytes(file.path_));
-  if (text.view.find('\0') != string_view::npos)
-    Fail(file.path_, "Not a text file (it holds a NUL character)");
-  file.storage_ = std::move(text.storage);
-  file.text_ = text.view;
-  file.separator_ = separator ? *separator : DetectSeparator(file.text_);
-  return file;
+  Bytes bytes = ReadBytes(path.string());
+  return CsvFile(path.string(), std::move(bytes.storage), bytes.view, separator);
+}
+
+CsvFile CsvFile::Parse(std::string bytes, std::optional<char> separator) {
+  Bytes owned = Own(std::move(bytes));
+  return CsvFile("", std::move(owned.storage), owned.view, separator);
+}
+
+CsvFile::CsvFile(std::string path, std::shared_ptr<const void> storage, string_view bytes,
+                 std::optional<char> separator)
+    : path_(std::move(path)) {
+  Bytes text = ToUtf8Text({std::move(storage), bytes});
+  if (text.view.find('\0') != string_view::npos) Fail(path_, "Not a text file (it holds a NUL character)");
+  storage_ = std::move(text.storage);
+  text_ = text.view;
+  separator_ = separator ? *separator : DetectSeparator(text_);
 }
 
 void CsvFile::ForEachRow(const RowSink& sink) {

@@ -32,6 +32,9 @@ class CsvFile {
   // Throws std::runtime_error("path: reason") when there is no readable text.
   static CsvFile Open(const std::filesystem::path& path, std::optional<char> separator = std::nullopt);
 
+  // The same for bytes at hand.
+  static CsvFile Parse(std::string bytes, std::optional<char> separator = std::nullopt);
+
   // Hands every row to `sink`, in order. Throws std::runtime_error when the file is larger than a sheet.
   void ForEachRow(const RowSink& sink);
 
@@ -45,7 +48,8 @@ class CsvFile {
   char Separator() const noexcept { return separator_; }
 
  private:
-  CsvFile() = default;
+  CsvFile(std::string path, std::shared_ptr<const void> storage, std::string_view bytes,
+          std::optional<char> separator);
 
   std::string path_;
   std::shared_ptr<const void> storage_;  // keeps alive what text_ looks at: a mapped file or a converted copy
