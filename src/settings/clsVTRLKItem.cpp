@@ -57,16 +57,15 @@ bool clsVTRLKItem::ToObject(std::u16string_view strData) {
   fields.resize(10);
   file_full_name_ = fields[0];
   name_ = fields[1];
-  const auto read = [&fields](std::size_t field, int32_t& value) {
-    value = ToInteger(fields[field]).value_or(value);
+  const auto number = [&fields](std::size_t field, int32_t present) {
+    return ToInteger(fields[field]).value_or(present);
   };
-  read(2, start_col_);
-  read(3, start_row_);
-  read(4, end_col_);
-  read(5, end_row_);
-  UpdateSearchRange();
+  SetStartCol(number(2, start_col_));
+  SetStartRow(number(3, start_row_));
+  SetEndCol(number(4, end_col_));
+  SetEndRow(number(5, end_row_));
   SearchCols = fields[6];
-  read(7, SelectCol);
+  SelectCol = number(7, SelectCol);
   UnhideJumpFirstRow = !fields[8].empty();
   DontSaveChanges = !fields[9].empty();
   return true;

@@ -50,6 +50,9 @@ TEST_F(Profile, FormsTheAddressOfItsBlock) {
   EXPECT_EQ(block->SearchRange(), u"");
   EXPECT_FALSE(block->UsingAutoRange);
   EXPECT_TRUE(Make(-1, -1, -1, -1)->UsingAutoRange);
+  const auto read = Make(7, 7, 7, 7);
+  EXPECT_TRUE(read->ToObject(Make(2, 3, 6, 0)->ToString()));
+  EXPECT_EQ(read->SearchRange(), u"B3:F7");  // each corner by itself, the last one being off the sheet
   EXPECT_FALSE(clsVTRLKItem(shared).UsingAutoRange);
 
   sample.application->Close(sample.book);  // without a sheet only the flag follows
