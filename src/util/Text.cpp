@@ -30,7 +30,7 @@ struct CaseTable {
     uint8_t used = 0;
     for (const CaseRange& range : ranges) {
       for (char32_t c = range.first; c <= range.last; c += range.step) {
-        uint8_t& page = pageOf[c / kPageSize];
+        uint8_t& page = page_of[c / kPageSize];
         if (page == 0) page = ++used;
         pages[page][c % kPageSize] = static_cast<uint16_t>(range.delta);
       }
@@ -39,11 +39,11 @@ struct CaseTable {
 
   constexpr char32_t Map(char32_t c) const noexcept {
     if (c >= kLimit) return c;
-    const uint16_t delta = pages[pageOf[c / kPageSize]][c % kPageSize];
+    const uint16_t delta = pages[page_of[c / kPageSize]][c % kPageSize];
     return (c & ~char32_t{0xFFFF}) | ((c + delta) & 0xFFFF);
   }
 
-  std::array<uint8_t, kLimit / kPageSize> pageOf{};
+  std::array<uint8_t, kLimit / kPageSize> page_of{};
   std::array<std::array<uint16_t, kPageSize>, kPages> pages{};
 };
 

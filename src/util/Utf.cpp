@@ -31,9 +31,9 @@ bool IsValidUtf8(std::string_view bytes) {
     }
     const std::size_t before = bytes.size();
     const char32_t c = TakeUtf8(bytes);
-    const bool isMalformed = c == 0xFFFD && before - bytes.size() == 1;
-    const bool isSurrogate = (c & 0xFFFFF800) == 0xD800;
-    if (isMalformed || isSurrogate) return false;
+    const bool is_malformed = c == 0xFFFD && before - bytes.size() == 1;
+    const bool is_surrogate = (c & 0xFFFFF800) == 0xD800;
+    if (is_malformed || is_surrogate) return false;
   }
   return true;
 }

@@ -41,27 +41,27 @@ inline char32_t TakeUtf8(std::string_view& text) {
   const auto byte = [&text](std::size_t i) -> char32_t {
     return i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
   };
-  const auto isTail = [&byte](std::size_t i) { return (byte(i) & 0xC0) == 0x80; };
+  const auto is_tail = [&byte](std::size_t i) { return (byte(i) & 0xC0) == 0x80; };
   const char32_t lead = byte(0);
   char32_t c = 0xFFFD;
   std::size_t length = 1;
   if (lead < 0x80) {
     c = lead;
   } else if (lead < 0xE0) {
-    if (lead >= 0xC2 && isTail(1)) {
+    if (lead >= 0xC2 && is_tail(1)) {
       c = ((lead & 0x1F) << 6) | (byte(1) & 0x3F);
       length = 2;
     }
   } else if (lead < 0xF0) {
     const char32_t value = ((lead & 0xF) << 12) | ((byte(1) & 0x3F) << 6) | (byte(2) & 0x3F);
-    if (isTail(1) && isTail(2) && value >= 0x800) {
+    if (is_tail(1) && is_tail(2) && value >= 0x800) {
       c = value;
       length = 3;
     }
   } else if (lead < 0xF5) {
     const char32_t value =
         ((lead & 7) << 18) | ((byte(1) & 0x3F) << 12) | ((byte(2) & 0x3F) << 6) | (byte(3) & 0x3F);
-    if (isTail(1) && isTail(2) && isTail(3) && value >= 0x10000 && value <= 0x10FFFF) {
+    if (is_tail(1) && is_tail(2) && is_tail(3) && value >= 0x10000 && value <= 0x10FFFF) {
       c = value;
       length = 4;
     }

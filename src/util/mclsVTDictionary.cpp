@@ -14,14 +14,14 @@ std::size_t mclsVTDictionary::FoldedHash::operator()(std::u16string_view key) co
 }
 
 std::ptrdiff_t mclsVTDictionary::InsertionOffset(std::u16string_view key) const {
-  if (sortMode_ == rowlark::SortMode::Insertion) return std::ssize(order_);
-  const int32_t direction = sortMode_ == rowlark::SortMode::Descending ? -1 : 1;
+  if (sort_mode_ == rowlark::SortMode::Insertion) return std::ssize(order_);
+  const int32_t direction = sort_mode_ == rowlark::SortMode::Descending ? -1 : 1;
   std::ptrdiff_t low = 1;
   std::ptrdiff_t high = std::ssize(order_);
   while (low <= high) {
     const std::ptrdiff_t middle = (low + high) / 2;
     const std::u16string& present = order_[static_cast<std::size_t>(middle - 1)]->first;
-    const int32_t order = direction * Compare(present, key, compareMode_);
+    const int32_t order = direction * Compare(present, key, compare_mode_);
     if (order == 0) return -1;
     if (order < 0) {
       low = middle + 1;
@@ -40,12 +40,12 @@ void mclsVTDictionary::Add(std::u16string_view key, Value value) {
 
   // With room in the order beforehand nothing below fails half way.
   if (order_.size() == order_.capacity()) order_.reserve(2 * order_.size() + 8);
-  const bool isObject = std::holds_alternative<std::shared_ptr<void>>(value);
+  const bool is_object = std::holds_alternative<std::shared_ptr<void>>(value);
   const auto entry = values_.emplace(key, std::move(value)).first;
   order_.insert(order_.begin() + offset, &*entry);
-  if (isObject) {
-    hasObjects_ = true;
-  } else if (hasObjects_) {
+  if (is_object) {
+    has_objects_ = true;
+  } else if (has_objects_) {
     mixed_ = true;
   }
   changed_ = true;
@@ -54,7 +54,7 @@ void mclsVTDictionary::Add(std::u16string_view key, Value value) {
 void mclsVTDictionary::Clear() {
   order_.clear();
   values_.clear();
-  mixed_ = hasObjects_ = changed_ = false;
+  mixed_ = has_objects_ = changed_ = false;
 }
 
 void mclsVTDictionary::Erase(Order::const_iterator entry) {

@@ -99,15 +99,15 @@ class mclsVTDictionary {
   void SetKey(int32_t position, std::u16string_view key);
 
   // How keys are ordered; neither sorts the entries that are there, so they are set before the first `Add`.
-  rowlark::CompareMode CompareMode() const noexcept { return compareMode_; }
-  void SetCompareMode(rowlark::CompareMode mode) noexcept { compareMode_ = mode; }
-  rowlark::SortMode SortMode() const noexcept { return sortMode_; }
-  void SetSortMode(rowlark::SortMode mode) noexcept { sortMode_ = mode; }
+  rowlark::CompareMode CompareMode() const noexcept { return compare_mode_; }
+  void SetCompareMode(rowlark::CompareMode mode) noexcept { compare_mode_ = mode; }
+  rowlark::SortMode SortMode() const noexcept { return sort_mode_; }
+  void SetSortMode(rowlark::SortMode mode) noexcept { sort_mode_ = mode; }
 
   // Set by every insertion, removal and written value.
   bool Changed() const noexcept { return changed_; }
   // Set by the first object reference added, and by another value added after one.
-  bool HasObjects() const noexcept { return hasObjects_; }
+  bool HasObjects() const noexcept { return has_objects_; }
   bool Mixed() const noexcept { return mixed_; }
 
   Iterator begin() const noexcept { return Iterator(order_.begin()); }
@@ -120,10 +120,10 @@ class mclsVTDictionary {
   void Erase(Order::const_iterator entry);
 
   bool mixed_ = false;
-  bool hasObjects_ = false;
+  bool has_objects_ = false;
   bool changed_ = false;
-  rowlark::SortMode sortMode_ = rowlark::SortMode::Insertion;
-  rowlark::CompareMode compareMode_ = rowlark::CompareMode::Binary;
+  rowlark::SortMode sort_mode_ = rowlark::SortMode::Insertion;
+  rowlark::CompareMode compare_mode_ = rowlark::CompareMode::Binary;
   Order order_;
   Map values_;
 };

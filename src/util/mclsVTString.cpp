@@ -140,7 +140,7 @@ std::u16string mclsVTString::Replace(std::u16string_view source, std::u16string_
   Position(source.size(), u"Replace");
   if (find.empty()) return std::u16string(source);
   const Comparable in(source, mode), what(find, mode), by(replacement, mode);
-  const bool resumesBehind = by->find(*what) != by->npos;
+  const bool resumes_behind = by->find(*what) != by->npos;
 
   // The text under work is `done`, then the replacement made last if the next occurrence may begin within it,
   // then the source from `rest` on. Such an occurrence ends in the source, since the replacement holds none
@@ -152,7 +152,7 @@ std::u16string mclsVTString::Replace(std::u16string_view source, std::u16string_
   while (hit != in->npos) {
     done += source.substr(rest, hit - rest);
     rest = hit + find.size();
-    if (!resumesBehind) {
+    if (!resumes_behind) {
       while (true) {
         seam.assign(*by).append(in->substr(rest, find.size() - 1));
         const std::size_t overlap = seam.find(*what);
@@ -190,23 +190,23 @@ std::u16string mclsVTString::Filter(std::u16string_view source, std::u16string_v
 }
 
 std::u16string mclsVTString::GetLeft(std::u16string_view source, std::u16string_view separator,
-                                     bool fromRight, bool includeSeparator, bool wholeIfNotFound) {
+                                     bool from_right, bool include_separator, bool whole_if_not_found) {
   Position(source.size(), u"GetLeft");
   const std::size_t at = separator.empty() ? source.npos
-                         : fromRight       ? source.rfind(separator)
+                         : from_right      ? source.rfind(separator)
                                            : source.find(separator);
-  if (at == source.npos) return std::u16string(wholeIfNotFound ? source : std::u16string_view());
-  return std::u16string(source.substr(0, includeSeparator ? at + separator.size() : at));
+  if (at == source.npos) return std::u16string(whole_if_not_found ? source : std::u16string_view());
+  return std::u16string(source.substr(0, include_separator ? at + separator.size() : at));
 }
 
 std::u16string mclsVTString::GetRight(std::u16string_view source, std::u16string_view separator,
-                                      bool fromLeft, bool includeSeparator, bool wholeIfNotFound) {
+                                      bool from_left, bool include_separator, bool whole_if_not_found) {
   Position(source.size(), u"GetRight");
   const std::size_t at = separator.empty() ? source.npos
-                         : fromLeft        ? source.find(separator)
+                         : from_left       ? source.find(separator)
                                            : source.rfind(separator);
-  if (at == source.npos) return std::u16string(wholeIfNotFound ? source : std::u16string_view());
-  return std::u16string(source.substr(includeSeparator ? at : at + separator.size()));
+  if (at == source.npos) return std::u16string(whole_if_not_found ? source : std::u16string_view());
+  return std::u16string(source.substr(include_separator ? at : at + separator.size()));
 }
 
 std::u16string mclsVTString::Trim(std::u16string_view source, std::u16string_view characters, int32_t sides,

@@ -54,15 +54,15 @@ class mclsVTString {
   static std::u16string Filter(std::u16string_view source, std::u16string_view characters, bool keep,
                                CompareMode mode, int32_t& caret);
 
-  // What stands before the first (`fromRight`: last) separator, compared exactly; with the separator itself
+  // What stands before the first (`from_right`: last) separator, compared exactly; with the separator itself
   // if asked for. An empty or missing separator gives the whole source or nothing.
   static std::u16string GetLeft(std::u16string_view source, std::u16string_view separator,
-                                bool fromRight = false, bool includeSeparator = false,
-                                bool wholeIfNotFound = false);
-  // What stands after the last (`fromLeft`: first) separator.
+                                bool from_right = false, bool include_separator = false,
+                                bool whole_if_not_found = false);
+  // What stands after the last (`from_left`: first) separator.
   static std::u16string GetRight(std::u16string_view source, std::u16string_view separator,
-                                 bool fromLeft = false, bool includeSeparator = false,
-                                 bool wholeIfNotFound = false);
+                                 bool from_left = false, bool include_separator = false,
+                                 bool whole_if_not_found = false);
 
   // Sides of `Trim`, to be combined.
   static constexpr int32_t kTrimLeft = 1;

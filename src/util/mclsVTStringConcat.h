@@ -9,12 +9,12 @@ namespace rowlark {
 
 class mclsVTStringConcat {
  public:
-  int32_t CharsAllocated() const noexcept { return charsAllocated_; }
+  int32_t CharsAllocated() const noexcept { return chars_allocated_; }
   int32_t CharsUsed() const noexcept { return static_cast<int32_t>(buffer_.size()); }
 
   // Growth block in characters. Any value is taken; `Add` fails with those that leave no room for its text.
-  int32_t AllocSize() const noexcept { return allocSize_; }
-  void SetAllocSize(int32_t characters) noexcept { allocSize_ = characters; }
+  int32_t AllocSize() const noexcept { return alloc_size_; }
+  void SetAllocSize(int32_t characters) noexcept { alloc_size_ = characters; }
 
   void Clear() noexcept;
 
@@ -27,8 +27,8 @@ class mclsVTStringConcat {
 
  private:
   std::u16string buffer_;
-  int32_t charsAllocated_ = 0;
-  int32_t allocSize_ = 1000;
+  int32_t chars_allocated_ = 0;
+  int32_t alloc_size_ = 1000;
 };
 
 }  // namespace rowlark

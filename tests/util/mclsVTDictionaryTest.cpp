@@ -60,11 +60,15 @@ TEST(Dictionary, FindsReplacesAndRemoves) {
   EXPECT_EQ(dictionary.Count(), 0);
 }
 
-TEST(Dictionary, WhatIsMissingChangesNothing) {
+TEST(Dictionary, FlagsFollowWhatWasChanged) {
   mclsVTDictionary dictionary;
-  dictionary.Add(u"a", 1);
+  dictionary.Add(u"n", 1);
+  dictionary.Add(u"o", std::make_shared<int>(1));
+  EXPECT_TRUE(dictionary.HasObjects() && !dictionary.Mixed());
+  dictionary.Add(u"t", u"text");
+  EXPECT_TRUE(dictionary.Mixed() && dictionary.Changed());
   dictionary.Clear();
-  EXPECT_FALSE(dictionary.Changed());
+  EXPECT_FALSE(dictionary.HasObjects() || dictionary.Mixed() || dictionary.Changed());
   for (const int32_t position : {-1, 0, INT32_MAX, INT32_MIN}) {
     dictionary.Remove(position);
     dictionary.SetData(position, 1);
@@ -76,19 +80,6 @@ TEST(Dictionary, WhatIsMissingChangesNothing) {
   dictionary.SetData(u"x", 1);
   EXPECT_FALSE(dictionary.Changed());
   EXPECT_EQ(dictionary.Count(), 0);
-}
-
-TEST(Dictionary, KnowsWhatItHolds) {
-  mclsVTDictionary dictionary;
-  dictionary.Add(u"n", 1);
-  EXPECT_FALSE(dictionary.HasObjects());
-  dictionary.Add(u"o", std::make_shared<int>(1));
-  EXPECT_TRUE(dictionary.HasObjects());
-  EXPECT_FALSE(dictionary.Mixed());
-  dictionary.Add(u"t", u"text");
-  EXPECT_TRUE(dictionary.Mixed());
-  dictionary.Clear();
-  EXPECT_FALSE(dictionary.HasObjects() || dictionary.Mixed() || dictionary.Changed());
 }
 
 }  // namespace

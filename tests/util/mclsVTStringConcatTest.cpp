@@ -32,15 +32,15 @@ TEST(StringConcat, ImpossibleGrowthIsAnErrorAndKeepsTheContent) {
   builder.SetAllocSize(2);
   builder.Add(u"a");
   struct Row {
-    int32_t allocSize, error;
+    int32_t alloc_size, error;
   };
   for (const Row& row : {Row{0, AutomationError::kDivisionByZero}, Row{INT32_MAX, AutomationError::kOverflow},
                          Row{-10, AutomationError::kInvalidCall}, Row{-2, AutomationError::kInvalidCall},
                          Row{INT32_MIN, AutomationError::kInvalidCall}}) {
-    builder.SetAllocSize(row.allocSize);
+    builder.SetAllocSize(row.alloc_size);
     try {
       builder.Add(u"bcd");
-      ADD_FAILURE() << row.allocSize;
+      ADD_FAILURE() << row.alloc_size;
     } catch (const AutomationError& error) {
       EXPECT_EQ(error.Number(), row.error);
       EXPECT_EQ(error.Source(), u"VTRLKRuntime.mclsVTStringConcat.Add");

@@ -102,27 +102,30 @@ TEST(String, ReplaceResumesAtThePlaceOfTheReplacement) {
   }
 }
 
-TEST(String, FilterKeepsTheCaret) {
-  struct Row {
-    std::u16string_view source, characters;
-    bool keep;
-    CompareMode mode;
-    int32_t caret;
-    std::u16string_view result;
-    int32_t caretAfter;
+TEST(String, FilterAndTrimKeepTheCaret) {
+  const auto filter = [](std::u16string_view source, std::u16string_view characters, bool keep,
+                         CompareMode mode, int32_t caret) {
+    const std::u16string kept = S::Filter(source, characters, keep, mode, caret);
+    return ToUtf8(kept) + "|" + std::to_string(caret);
   };
-  const Row rows[] = {
-      {u"12a3", u"0123456789", true, kBinary, 4, u"123", 3},
-      {u"12a3", u"0123456789", true, kBinary, 2, u"123", 2},
-      {u"a1b2", u"AB", false, kText, 3, u"12", 1},
-      {u"a1b2", u"AB", false, kBinary, 3, u"a1b2", 3},
-      {u"abc", u"", true, kText, 0, u"", 0},
-      {u"abc", u"abc", false, kText, INT32_MIN, u"", INT32_MIN},
+  EXPECT_EQ(filter(u"12a3", u"0123456789", true, kBinary, 4), "123|3");
+  EXPECT_EQ(filter(u"12a3", u"0123456789", true, kBinary, 2), "123|2");
+  EXPECT_EQ(filter(u"a1b2", u"AB", false, kText, 3), "12|1");
+  EXPECT_EQ(filter(u"a1b2", u"AB", false, kBinary, 3), "a1b2|3");
+  EXPECT_EQ(filter(u"abc", u"", true, kText, INT32_MIN), "|-2147483648");
+
+  const auto trim = [](std::u16string_view source, std::u16string_view characters, int32_t sides,
+                       int32_t caret) {
+    const std::u16string kept = S::Trim(source, characters, sides, kText, caret);
+    return ToUtf8(kept) + "|" + std::to_string(caret);
   };
-  for (Row row : rows) {
-    EXPECT_EQ(S::Filter(row.source, row.characters, row.keep, row.mode, row.caret), row.result);
-    EXPECT_EQ(row.caret, row.caretAfter);
-  }
+  EXPECT_EQ(trim(u"..ab..", u".", 3, 6), "ab|2");
+  EXPECT_EQ(trim(u"..ab..", u".", 1, 1), "ab..|0");
+  EXPECT_EQ(trim(u"..ab..", u".", 2, 5), "..ab|4");
+  EXPECT_EQ(trim(u"..ab..", u".", 0, 5), "..ab..|5");
+  EXPECT_EQ(trim(u"xAbX", u"X", 3, 3), "Ab|2");
+  EXPECT_EQ(trim(u"...", u".", 3, 2), "|0");
+  EXPECT_EQ(trim(u"ab", u".", 3, 9), "ab|9");
 }
 
 TEST(String, GetLeftAndGetRight) {
@@ -138,25 +141,6 @@ TEST(String, GetLeftAndGetRight) {
     EXPECT_EQ(S::GetRight(kPath, separator, true, true), u"");
     EXPECT_EQ(S::GetLeft(kPath, separator, true, false, true), kPath);
     EXPECT_EQ(S::GetRight(kPath, separator, false, false, true), kPath);
-  }
-}
-
-TEST(String, TrimKeepsTheCaret) {
-  struct Row {
-    std::u16string_view source, characters;
-    int32_t sides, caret;
-    std::u16string_view result;
-    int32_t caretAfter;
-  };
-  const Row rows[] = {
-      {u"..ab..", u".", 3, 6, u"ab", 2},   {u"..ab..", u".", 1, 1, u"ab..", 0},
-      {u"..ab..", u".", 2, 5, u"..ab", 4}, {u"..ab..", u".", 0, 5, u"..ab..", 5},
-      {u"...", u".", 3, 2, u"", 0},        {u"xAbX", u"X", 3, 3, u"Ab", 2},
-      {u"", u".", 3, 5, u"", 5},           {u"ab", u".", 3, 9, u"ab", 9},
-  };
-  for (Row row : rows) {
-    EXPECT_EQ(S::Trim(row.source, row.characters, row.sides, kText, row.caret), row.result);
-    EXPECT_EQ(row.caret, row.caretAfter) << ToUtf8(row.source);
   }
 }
 
