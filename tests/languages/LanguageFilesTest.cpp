@@ -1,0 +1,149 @@
+// The language files that are delivered: each complete, all of one shape, and English true to the sources.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "util/Text.h"
+#include "util/Utf.h"
+
+namespace rowlark {
+namespace {
+
+const std::filesystem::path kFolder = ROWLARK_FOLDER;
+
+// The letters are those that the language's keyboard types without AltGr, so that Alt reaches them.
+struct Language {
+  std::string_view file, name, own_name, help_file;
+  std::u32string_view letters = U"abcdefghijklmnopqrstuvwxyz";
+};
+const Language kLanguages[] = {
+    {"english.lng", "English", "English", "vt_rlk_en.chm"},
+    {"french.lng", "French", "Français", "vt_rlk_fr.chm"},
+    {"german.lng", "German", "Deutsch", "vt_rlk_de.chm"},
+    {"polish.lng", "Polish", "Polski", "vt_rlk_pl.chm"},
+    {"russian.lng", "Russian", "Русский", "vt_rlk_ru.chm", U"абвгдеёжзийклмнопрстуфхцчшщъыьэюя"},
+    {"spanish.lng", "Spanish", "Español", "vt_rlk_es.chm"},
+};
+
+// Captions that are on the screen together: those with the prefix, but for one.
+constexpr std::pair<std::string_view, std::string_view> kForms[] = {{"Menu.", "Menu.Root"},
+                                                                    {"Search.UI.", "Search.UI.BtnMode.Jump"},
+                                                                    {"Search.UI.", "Search.UI.BtnMode.Edit"},
+                                                                    {"Edit.UI.", ""}};
+
+// The sources give these keys two default texts; this one is not the file's.
+const std::set<std::pair<std::string, std::string>> kOtherDefaults = {
+    {"Err.SearchHide", "Error #%1: Can't show/hide rows %2"},
+    {"Options.UI.Tree.Books", "Books"},
+    {"Options.UI.Tree.Edit", "Edit"}};
+
+std::string ReadAll(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+using Texts = std::vector<std::pair<std::string, std::string>>;
+
+// Key and text of every line that is not a comment. One text has no key and begins with the "=".
+Texts ReadTexts(std::string_view file) {
+  static const std::regex form("(?:([A-Za-z0-9_.]+) )?= ([^ ;\t\r]([^;\t\r]*[^ ;\t\r])?)");
+  const std::string bytes = ReadAll(kFolder / "languages" / file);
+  EXPECT_TRUE(IsValidUtf8(bytes) && !bytes.starts_with("\xEF\xBB\xBF") && bytes.ends_with('\n'));
+  Texts texts;
+  std::istringstream lines(bytes);
+  for (std::string line; std::getline(lines, line);) {
+    std::smatch match;
+    if (std::regex_match(line, match, form)) {
+      texts.emplace_back(match.str(1), match.str(2));
+    } else {
+      EXPECT_TRUE(line.empty() || line.starts_with("; ")) << line;
+    }
+  }
+  return texts;
+}
+
+// What a text shares with its English twin: placeholders, line breaks, whether it has an accelerator.
+std::multiset<std::string> Shape(const std::string& text) {
+  static const std::regex mark(R"(%\d*|\\.?|&)");
+  const std::sregex_token_iterator first(text.begin(), text.end(), mark);
+  return {first, {}};
+}
+
+TEST(LanguageFiles, HaveTheSameKeysAndShapes) {
+  const Texts english = ReadTexts("english.lng");
+  std::set<std::u16string> keys;
+  for (const auto& [key, text] : english) EXPECT_TRUE(keys.insert(FoldCase(ToUtf16(key))).second) << key;
+  for (const Language& language : kLanguages) {
+    SCOPED_TRACE(language.file);
+    const Texts texts = ReadTexts(language.file);
+    for (std::size_t i = 0; i < std::min(texts.size(), english.size()); ++i) {
+      ASSERT_EQ(texts[i].first, english[i].first) << "the order is English's";
+      EXPECT_EQ(Shape(texts[i].second), Shape(english[i].second)) << texts[i].first;
+    }
+    EXPECT_EQ(texts.size(), english.size());
+    std::map<std::string, std::string> header(texts.begin(), texts.end());
+    EXPECT_EQ(header["PRG_KEY"], "VTRLK 1.x");
+    EXPECT_EQ(header["LANGUAGE_NAME"], language.own_name);
+    EXPECT_EQ(header["LANGUAGE_NAME_ENG"], language.name);
+    EXPECT_EQ(header["HELP_FILE_NAME"], language.help_file);
+  }
+  const auto files = std::filesystem::directory_iterator(kFolder / "languages");
+  EXPECT_EQ(
+      std::count_if(begin(files), end(files), [](const auto& f) { return f.path().extension() == ".lng"; }),
+      std::ssize(kLanguages));
+}
+
+TEST(LanguageFiles, AcceleratorsOfAFormAreTypeableAndDiffer) {
+  for (const Language& language : kLanguages) {
+    for (const auto& [prefix, except] : kForms) {
+      std::map<char32_t, std::string> taken;
+      for (const auto& [key, text] : ReadTexts(language.file)) {
+        const std::size_t mark = text.find('&');
+        if (!key.starts_with(prefix) || key == except || mark == std::string::npos) continue;
+        std::string_view rest = std::string_view(text).substr(mark + 1);
+        const char32_t letter = ToLower(TakeUtf8(rest));
+        EXPECT_NE(language.letters.find(letter), std::u32string_view::npos) << language.file << ' ' << key;
+        const auto [other, is_new] = taken.emplace(letter, key);
+        EXPECT_TRUE(is_new) << language.file << ' ' << key << " and " << other->second;
+      }
+    }
+  }
+}
+
+// In the sources a key and its default text stand side by side, in calls of GetText and in tables.
+TEST(LanguageFiles, EnglishIsWhatTheSourcesSay) {
+  const std::regex pair(R"re((?:GetText\(\s*u"([^"]*)"|u"((?:[A-Z][A-Za-z0-9]*\.)+[A-Z][A-Za-z0-9]*)"),)re"
+                        R"re(\s*u"((?:[^"\\]|\\.|"\s+u")*)")re");
+  const Texts texts = ReadTexts("english.lng");
+  std::set<std::pair<std::string, std::string>> known(texts.begin(), texts.end());
+  known.insert(kOtherDefaults.begin(), kOtherDefaults.end());
+  std::set<std::string> used;
+  for (const char* folder : {"src", "apps"}) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(kFolder / folder)) {
+      if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;
+      const std::string source = ReadAll(entry.path());
+      for (std::sregex_iterator it(source.begin(), source.end(), pair), end; it != end; ++it) {
+        const std::string key = it->str(1) + it->str(2);
+        const std::string joined = std::regex_replace(it->str(3), std::regex(R"re("\s+u")re"), "");
+        const std::string text = std::regex_replace(joined, std::regex(R"(\\(.))"), "$1");
+        EXPECT_TRUE(known.contains({key, text})) << entry.path() << ": " << key << " = " << text;
+        used.insert(key);
+      }
+    }
+  }
+  EXPECT_TRUE(used.contains("Err.Generic") && used.contains("Err.SearchTextNotFound"));
+}
+
+}  // namespace
+}  // namespace rowlark
