@@ -150,6 +150,7 @@ std::error_code ReplaceContent(const fs::path& file, std::string_view bytes,
   std::error_code error;
   const fs::path target = FollowLinks(file, error);
   if (error) return error;
+  if (!target.has_filename()) return std::make_error_code(std::errc::no_such_file_or_directory);
 
   struct stat old {};
   const bool isThere = ::stat(target.c_str(), &old) == 0;

@@ -1,0 +1,102 @@
+#include "lang/mclsVTIniFile.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "TempFolder.h"
+#include "util/AutomationError.h"
+#include "util/Utf.h"
+
+namespace rowlark {
+namespace {
+
+class IniFile : public testing::Test {
+ protected:
+  static std::u16string FailureOf(const std::function<void()>& operation) {
+    try {
+      operation();
+    } catch (const AutomationError& error) {
+      return ToText(error.Number() - static_cast<int32_t>(0x80040000)) + u" " +
+             error.Source().substr(std::string_view("VTRLKRuntime.mclsVTIniFile.").size()) + u": " +
+             error.Description();
+    }
+    return u"";
+  }
+
+  TempFolder folder_;
+  std::u16string path_ = ToUtf16((folder_.Path() / "a.ini").string());
+  mclsVTFileSystem files_;
+  mclsVTIniFile ini_{files_};
+};
+
+TEST_F(IniFile, FindsValues) {
+  ini_.SetSepComment(u";");
+  ini_.SetSourceString(
+      u"\r\n first = 1\r\nFirst = 2\n  [ Search ]  \rkey = a = b\n[Search] ; note\n"
+      u"Title = Save; close\n; off = 1\n  text line\nEmpty =\nText = first part   _\r\n  second _\n\tthird\n"
+      u"[[Other]]\nkey=\tx \nlast = y _");
+  struct Row {
+    std::u16string_view key, section;
+    std::optional<std::u16string> value;
+  };
+  for (const Row& row :
+       {Row{u"First", u"", u"1"}, Row{u"KEY", u"search", u"a = b"}, Row{u"Title", u"Search", u"Save"},
+        Row{u"off", u"Search", std::nullopt}, Row{u"Empty", u"Search", u""},
+        Row{u"Text", u"Search", u"first part second third"}, Row{u"key", u"Other", u"x"},
+        Row{u"last", u"Other", u"y _"}, Row{u"key", u"", std::nullopt}, Row{u"", u"", std::nullopt}}) {
+    EXPECT_EQ(ini_.GetData(row.key, row.section), row.value) << ToUtf8(row.key);
+  }
+  ini_.SetSepData(u"Save");
+  EXPECT_EQ(ini_.GetData(u"title =", u"Search"), u"");
+  ini_.SetSepComment(u"");
+  EXPECT_EQ(ini_.GetData(u"title =", u"Search"), u"; close");
+}
+
+TEST_F(IniFile, FollowsItsSource) {
+  EXPECT_EQ(FailureOf([&] { ini_.GetData(u"k", u""); }), u"1204 GetData: Error in loading INI file: ");
+  EXPECT_EQ(FailureOf([&] { ini_.SetFullName(path_); }), u"1201 FullName: FullName = '" + path_ + u"'");
+  EXPECT_EQ(FailureOf([&] { ini_.SetSourceString(u" \r\n\t"); }),
+            u"1201 SourceString: The source string is empty");
+  files_.StringWrite(path_, u"\nk = 1\rl = 2\n");
+  ini_.SetFullName(path_);
+  EXPECT_EQ(FailureOf([&] { ini_.SetFullName(path_ + u"x"); }).substr(0, 4), u"1201");
+  EXPECT_EQ(ini_.GetData(u"k", u""), u"1");
+  EXPECT_EQ(ini_.SourceString(), u"k = 1\r\nl = 2");
+
+  files_.StringWrite(path_, u"k = 3");
+  files_.FileSetDateTime(path_, {}, {}, std::chrono::local_seconds());
+  EXPECT_EQ(ini_.GetData(u"k", u""), u"3");
+  files_.FileKill(path_);
+  EXPECT_EQ(FailureOf([&] { ini_.GetData(u"k", u""); }),
+            u"1204 GetData: Error in loading INI file: " + path_);
+  ini_.SetSourceString(u"k = 4\nl = 5");
+  EXPECT_EQ(ini_.GetData(u"k", u""), u"4");
+  EXPECT_EQ(ini_.SourceString(), u"k = 4\nl = 5");
+}
+
+TEST_F(IniFile, PutsValuesInTheirLines) {
+  files_.StringWrite(path_, u"[S]\n k = a = b  ' note\ne =\nc = one _\n two\n[T]\nk = 1\n");
+  ini_.SetFullName(path_);
+  ini_.PutData(u"K", u" x y ", u"s");
+  ini_.PutData(u"e", u"full", u"S");
+  ini_.PutData(u"c", u"joined", u"S");
+  ini_.PutData(u"k", u"", u"T");
+  EXPECT_EQ(files_.StringRead(path_), u"[S]\r\n k =  x y   ' note\r\ne =full\r\nc = joined\r\n[T]\r\nk = ");
+  EXPECT_EQ(ini_.GetData(u"k", u"S"), u"x y");
+
+  EXPECT_EQ(FailureOf([&] { ini_.PutData(u"none", u"1", u"S"); }), u"1205 PutData: Key not found: none");
+  for (const std::u16string_view value : {u"a'b", u"a\nb", u"1\rm = 2", u"a _"}) {
+    EXPECT_THROW(ini_.PutData(u"e", value, u"S"), AutomationError);
+  }
+  EXPECT_EQ(ini_.GetData(u"e", u"S"), u"full");
+  ini_.SetSourceString(u"k = 1");
+  files_.FileKill(path_);
+  files_.DirsMake(path_);
+  EXPECT_EQ(FailureOf([&] { ini_.PutData(u"k", u"2", u""); }),
+            u"1206 PutData: Error in write in INI file: " + path_);
+  EXPECT_EQ(ini_.GetData(u"k", u""), u"1");
+}
+
+}  // namespace
+}  // namespace rowlark
