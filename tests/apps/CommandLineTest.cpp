@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/TempFolder.h"
+#include "TempFolder.h"
 
 namespace rowlark {
 namespace {

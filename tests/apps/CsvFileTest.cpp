@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "apps/TempFolder.h"
+#include "TempFolder.h"
 
 namespace rowlark {
 namespace {

@@ -11,7 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "apps/TempFolder.h"
+#include "TempFolder.h"
 #include "util/AutomationError.h"
 #include "util/Utf.h"
 
