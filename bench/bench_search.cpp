@@ -16,11 +16,10 @@
 #include <vector>
 
 #include "CsvFile.h"
+#include "Platform.h"
 #include "Queries.h"
 #include "host/standalone/Application.h"
-#include "host/standalone/ScriptedMessagePump.h"
 #include "runtime/clsVTRLKRuntime.h"
-#include "settings/SharedState.h"
 #include "util/Utf.h"
 
 namespace rowlark::bench {
@@ -53,9 +52,8 @@ void Load(benchmark::State& state, const std::string& path) {
 }
 
 void Search(benchmark::State& state, const Table& table, const Query& query) {
-  standalone::ScriptedMessagePump pump;
-  SharedState shared(pump);
-  clsVTRLKRuntime runtime(shared);
+  testing::TestPlatform platform;
+  clsVTRLKRuntime runtime(platform.shared);
   runtime.SetExcelApp(table.application);
   runtime.SearchOptions->CompareMethod = CompareMode::Text;
   runtime.SearchOptions->SearchWords = query.words;

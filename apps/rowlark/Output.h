@@ -1,4 +1,4 @@
-// Writes to a stream of the C library and reports what can not be written (a closed pipe, a full disk).
+// Writes to a stream of the C library and reports what can not be written (a full disk).
 #pragma once
 
 #include <cerrno>

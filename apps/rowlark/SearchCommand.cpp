@@ -11,10 +11,6 @@
 #include <utility>
 
 #include "CsvFile.h"
-#include "host/standalone/Application.h"
-#include "host/standalone/ScriptedMessagePump.h"
-#include "runtime/clsVTRLKRuntime.h"
-#include "settings/SharedState.h"
 #include "util/Utf.h"
 
 namespace rowlark {
@@ -22,16 +18,42 @@ namespace {
 
 // A table opened as the active sheet of a workbook of its own.
 struct Table {
-  explicit Table(const SearchArguments& arguments)
-      : file(CsvFile::Open(arguments.file, arguments.separator)) {
-    application->AddWorkbook(ToUtf16(arguments.file.string()));
-    sheet = static_cast<standalone::Worksheet*>(application->ActiveSheet().get());
+  Table(const SearchArguments& arguments, Program& program)
+      : file(CsvFile::Open(arguments.file, arguments.separator)),
+        sheet(program.OpenWorkbook(arguments.file)) {
     file.ForEachRow([this](std::span<const std::string_view> cells) { sheet->AppendRow(cells); });
   }
 
   CsvFile file;
-  Ref<standalone::Application> application = MakeRef<standalone::Application>();
   Ref<standalone::Worksheet> sheet;
+};
+
+// Lays another profile over that of the active workbook for as long as it lives: what was asked for on the
+// command line is not to be stored.
+class ProfileOverlay {
+ public:
+  ProfileOverlay(clsVTRLKItems& items, const std::shared_ptr<clsVTRLKItem>& profile)
+      : items_(items), name_(profile->Name()), own_(items.ByName(name_)) {
+    if (own_) {
+      items_.SetByName(name_, profile);
+    } else {
+      items_.Add(profile);
+    }
+  }
+  ProfileOverlay(const ProfileOverlay&) = delete;
+  ProfileOverlay& operator=(const ProfileOverlay&) = delete;
+  ~ProfileOverlay() {
+    if (own_) {
+      items_.SetByName(name_, own_);
+    } else {
+      items_.Remove(name_);
+    }
+  }
+
+ private:
+  clsVTRLKItems& items_;
+  const std::u16string name_;
+  const std::shared_ptr<clsVTRLKItem> own_;  // null when the workbook has none
 };
 
 // Address without the dollar signs: "B7".
@@ -100,7 +122,7 @@ void SetProfile(const Table& table, const SearchArguments& arguments, clsVTRLKIt
     comma = columns.find(',', from);
     ColumnNumber(table, "--columns", columns.substr(from, comma - from));
   }
-  profile.SearchCols = ToUtf16(columns);
+  if (!columns.empty()) profile.SearchCols = ToUtf16(columns);
   if (!arguments.jump.empty()) profile.SelectCol = ColumnNumber(table, "--jump", arguments.jump);
 }
 
@@ -118,13 +140,13 @@ void ForEachVisibleBlock(const Table& table, Visit&& visit) {
 }
 
 // One object on one line. The blocks may be very many, so they go out one by one.
-void PrintJson(const Table& table, bool found, const std::string& error, const std::string& search_range,
-               double milliseconds, Output& output) {
+void PrintJson(const Table& table, const host::Range& active_cell, bool found, const std::string& error,
+               const std::string& search_range, double milliseconds, Output& output) {
   const auto field = [](const char* name, const nlohmann::json& value) {
     return nlohmann::json(name).dump() + ':' + value.dump();
   };
   output.Write('{' + field("found", found) + ',' + field("error", error) + ',' +
-               field("activeCell", PlainAddress(*table.application->ActiveCell())) + ",\"visibleRows\":[");
+               field("activeCell", PlainAddress(active_cell)) + ",\"visibleRows\":[");
   const char* separator = "";
   ForEachVisibleBlock(table, [&](int32_t first, int32_t last) {
     output.Write(separator + nlohmann::json{first, last}.dump());
@@ -148,34 +170,44 @@ void PrintRows(const Table& table, Print print, Output& output) {
 
 }  // namespace
 
-int RunSearch(const SearchArguments& arguments, Output& output) {
-  const Table table(arguments);
+int RunSearch(const SearchArguments& arguments, Program& program, Output& output) {
+  const Table table(arguments, program);
   SetFilters(table, arguments.filters);
 
-  standalone::ScriptedMessagePump pump;
-  SharedState shared(pump);
-  clsVTRLKRuntime runtime(shared);
-  runtime.SetExcelApp(table.application);
+  clsVTRLKRuntime& runtime = program.Runtime();
   clsVTRLKOptions& options = *runtime.SearchOptions;
   options.CompareMethod = arguments.match_case ? CompareMode::Binary : CompareMode::Text;
   options.SearchWords = arguments.words;
   options.UseFilter = !arguments.go_to;
-  clsVTRLKItem& profile = *runtime.Items->DefaultItem;
-  SetProfile(table, arguments, profile);
 
-  auto detected = profile.Clone();
-  runtime.DetectSearchRange(*table.sheet, *detected);
-
-  const auto start = std::chrono::steady_clock::now();
+  bool found = false;
   std::u16string reason;
-  const bool found = runtime.Search(ToUtf16(arguments.text), reason);
-  const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+  std::u16string range;
+  std::chrono::duration<double, std::milli> time{};
+  {
+    const auto workbook = program.Host()->ActiveWorkbook();
+    const auto stored = program.Items().ByName(workbook->Name());
+    const auto profile = (stored ? stored : program.Items().DefaultItem)->Clone(workbook->FullName());
+    SetProfile(table, arguments, *profile);
+    const ProfileOverlay overlay(program.Items(), profile);
+
+    const auto detected = profile->Clone();
+    runtime.DetectSearchRange(*table.sheet, *detected);
+    range = detected->SearchRange();
+
+    const auto start = std::chrono::steady_clock::now();
+    found = runtime.Search(ToUtf16(arguments.text), reason);
+    time = std::chrono::steady_clock::now() - start;
+  }
+  program.Items().RecentItems->Add(ToUtf16(arguments.text));
+  program.Save();
 
   const std::string error = ToUtf8(reason);
+  const auto active_cell = program.Host()->ActiveCell();
   if (arguments.print == Print::Json) {
-    PrintJson(table, found, error, ToUtf8(detected->SearchRange()), time.count(), output);
+    PrintJson(table, *active_cell, found, error, ToUtf8(range), time.count(), output);
   } else if (found && arguments.go_to) {
-    output.Write(PlainAddress(*table.application->ActiveCell()) + '\n');
+    output.Write(PlainAddress(*active_cell) + '\n');
   } else if (found) {
     PrintRows(table, arguments.print, output);
   }

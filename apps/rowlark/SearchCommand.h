@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Output.h"
+#include "Program.h"
 #include "runtime/clsVTRLKOptions.h"
 
 namespace rowlark {
@@ -25,17 +26,19 @@ struct SearchArguments {
   std::optional<char> separator;  // found by itself when not given
   xeVT_SEARCH_WORDS words = xcVT_SEARCH_WORDS_ALL;
   bool match_case = false;
-  bool go_to = false;   // move to the first match and hide nothing
-  std::string range;    // an A1 address; empty: the whole table
-  std::string columns;  // letters with commas between; empty: all
+  bool go_to = false;  // move to the first match and hide nothing
+  // Empty: as the profile says.
+  std::string range;    // an A1 address
+  std::string columns;  // letters with commas between
   std::string jump;
   std::vector<ColumnFilter> filters;
   Print print = Print::Csv;
 };
 
-// Returns the exit status: 0 when a row was found, 1 when none was, 2 after an error of the host. The reason
-// for 1 and 2 goes to standard error. Throws std::runtime_error for arguments that do not fit the table, for
-// a file that can not be read and for output that can not be written.
-int RunSearch(const SearchArguments& arguments, Output& output);
+// Searches with the profile of the file's name or the default profile, unless arguments say otherwise, and
+// adds the text to the history. Returns the exit status: 0 when a row was found, 1 when none was, 2 after an
+// error of the host. The reason for 1 and 2 goes to standard error. Throws std::runtime_error for arguments
+// that do not fit the table, for a file that can not be read and for output that can not be written.
+int RunSearch(const SearchArguments& arguments, Program& program, Output& output);
 
 }  // namespace rowlark

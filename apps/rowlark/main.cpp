@@ -1,6 +1,5 @@
 // The command line of rowlark.
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <map>
@@ -10,6 +9,7 @@
 
 #include "Output.h"
 #include "SearchCommand.h"
+#include "SettingsCommands.h"
 #include "host/Error.h"
 #include "util/Utf.h"
 
@@ -63,6 +63,16 @@ int Run(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(kExamples);
 
+  rowlark::ProgramArguments common;
+  const auto add_common = [&common](CLI::App& command) {
+    command.add_option("--config", common.config, "configuration file (default: the user's)")
+        ->type_name("FILE");
+    command
+        .add_option("--language", common.language,
+                    "language of the messages, like german, or default; remembered with the settings")
+        ->type_name("NAME");
+  };
+
   CLI::App& search = *app.add_subcommand("search", "Search a CSV file and print the rows that match");
   search.footer(kExamples);
   search.add_option("FILE", arguments.file, "CSV file: UTF-8, UTF-16 with a mark, or Windows-1252")
@@ -94,6 +104,43 @@ int Run(int argc, char** argv) {
       ->check(CLI::IsMember(kPrint))
       ->capture_default_str();
 
+  add_common(search);
+
+  CLI::App& profiles = *app.add_subcommand("profiles", "Settings for the tables of a name");
+  profiles.require_subcommand(1);
+  rowlark::ProfileArguments profile;
+  const auto add_profile_command = [&](const char* name, const char* description) {
+    CLI::App* const command = profiles.add_subcommand(name, description);
+    add_common(*command);
+    return command;
+  };
+  const auto add_workbook = [&profile](CLI::App& command) {
+    command.add_option("NAME", profile.workbook, "name of the file, or default for all others")
+        ->required()
+        ->type_name("");
+  };
+  CLI::App& list = *add_profile_command("list", "Name, range, columns and jump column of every profile");
+  CLI::App& show = *add_profile_command("show", "Print a profile");
+  add_workbook(show);
+  CLI::App& set = *add_profile_command("set", "Change a profile, or make one");
+  add_workbook(set);
+  set.add_option("--range", profile.range, "cells to search, like A2:D500, or auto")->type_name("CELLS");
+  set.add_option("--columns", profile.columns, "columns to search, like A,C, or all")->type_name("LETTERS");
+  set.add_option("--jump", profile.jump, "column of the cell to go to, like C, or auto")->type_name("LETTER");
+  set.add_option("--jump-first-row", profile.jump_first_row, "show all rows: go to the first one")
+      ->type_name("yes|no");
+  set.add_option("--dont-save", profile.dont_save, "hidden rows do not count as changes")
+      ->type_name("yes|no");
+  CLI::App& remove = *add_profile_command("remove", "Remove a profile");
+  add_workbook(remove);
+
+  CLI::App& history = *app.add_subcommand("history", "The texts searched for");
+  history.require_subcommand(1);
+  CLI::App& list_history = *history.add_subcommand("list", "Print them, the newest first");
+  add_common(list_history);
+  CLI::App& clear_history = *history.add_subcommand("clear", "Forget them");
+  add_common(clear_history);
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::Success& help_or_version) {
@@ -108,8 +155,21 @@ int Run(int argc, char** argv) {
     const std::size_t at = filter.find('=');
     arguments.filters.push_back({filter.substr(0, at), filter.substr(at + 1)});
   }
+  rowlark::Program program(common);
   rowlark::Output output(stdout);
-  const int status = rowlark::RunSearch(arguments, output);
+  int status = 0;
+  if (search.parsed()) {
+    status = rowlark::RunSearch(arguments, program, output);
+  } else {
+    program.OpenWorkbook("settings");  // addresses need a sheet
+    if (list.parsed()) status = rowlark::ListProfiles(program, output);
+    if (show.parsed()) status = rowlark::ShowProfile(profile.workbook, program, output);
+    if (set.parsed()) status = rowlark::SetProfile(profile, program);
+    if (remove.parsed()) status = rowlark::RemoveProfile(profile.workbook, program);
+    if (list_history.parsed()) status = rowlark::ListHistory(program, output);
+    if (clear_history.parsed()) status = rowlark::ClearHistory(program);
+    if (!program.Save()) status = kFailed;  // a new language, if nothing else
+  }
   output.Flush();
   return status;
 }
@@ -122,7 +182,6 @@ int Fail(std::string_view reason) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a write error like any other
   try {
     return Run(argc, argv);
   } catch (const rowlark::host::Error& error) {

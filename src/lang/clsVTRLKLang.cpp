@@ -1,7 +1,9 @@
 #include "lang/clsVTRLKLang.h"
 
 #include <cstdint>
+#include <utility>
 
+#include "util/AutomationError.h"
 #include "util/Text.h"
 #include "util/mclsVTString.h"
 
@@ -29,10 +31,60 @@ std::u16string TakeAccelerator(std::u16string& text) {
 
 }  // namespace
 
-std::u16string clsVTRLKLang::GetText(std::u16string_view /*key*/, std::u16string_view default_text,
+clsVTRLKLang::clsVTRLKLang(Environment environment) : environment_(std::move(environment)) {
+  SetPath(environment_.LibraryFolder);
+  lang_file_ = environment_.SetupLanguage() + u".lng";
+  Load(false);
+}
+
+void clsVTRLKLang::SetPath(std::u16string_view path) {
+  while (path.ends_with(u'\\')) path.remove_suffix(1);
+  path_ = path;
+  path_ += u'\\';
+  loaded_ = false;
+}
+
+void clsVTRLKLang::SetLangFile(std::u16string_view name) {
+  loaded_ = false;
+  const bool other = Compare(name, lang_file_, CompareMode::Text) != 0;
+  lang_file_ = name;
+  if (other) Load(true);
+}
+
+void clsVTRLKLang::Load(bool raise) {
+  help_file_.clear();
+  if (lang_file_.empty()) {
+    const auto language = environment_.SetupLanguage();
+    lang_file_ = (language.empty() ? u"english" : language) + u".lng";
+  }
+  texts_ = std::make_unique<mclsVTIniFile>(environment_.Files);
+  texts_->SetSepComment(u";");
+  try {
+    if (environment_.Files.IsFileExists(path_ + lang_file_)) texts_->SetFullName(path_ + lang_file_);
+  } catch (const AutomationError&) {  // NOLINT(bugprone-empty-catch): gone in the meantime
+  }
+  if (const auto file = LookUp(u"HELP_FILE_NAME"); !file.empty()) {
+    help_file_ = environment_.HelpDirectory() + file;
+  }
+  loaded_ = true;
+  if (raise) new_lang_loaded_.Raise(lang_file_);
+}
+
+std::u16string clsVTRLKLang::LookUp(std::u16string_view key) const {
+  if (texts_->FullName().empty()) return {};
+  try {
+    return texts_->GetData(key, u"").value_or(u"");
+  } catch (const AutomationError&) {
+    return {};
+  }
+}
+
+std::u16string clsVTRLKLang::GetText(std::u16string_view key, std::u16string_view default_text,
                                      std::span<const std::u16string> replace_array,
                                      std::u16string* accelerator) {
-  std::u16string text = Prepare(default_text, replace_array);
+  if (!loaded_) Load(true);
+  const auto found = LookUp(key);
+  std::u16string text = Prepare(found.empty() ? default_text : found, replace_array);
   if (accelerator != nullptr) *accelerator = TakeAccelerator(text);
   return text;
 }

@@ -4,20 +4,51 @@
 
 #include "runtime/DetectSearchRange.h"
 #include "runtime/ShowAll.h"
+#include "runtime/modMain.h"
 
 namespace rowlark {
 
 clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared)
     : Items(std::make_shared<clsVTRLKItems>(shared)),
       SearchOptions(std::make_shared<clsVTRLKOptions>()),
-      shared_(shared) {
+      shared_(shared),
+      menu_(shared) {
   shared_.Acquire();
+  new_language_ =
+      shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) { evtLang_NewLangLoaded(); });
 }
 
 clsVTRLKRuntime::~clsVTRLKRuntime() { shared_.Release(); }
 
 void clsVTRLKRuntime::SetExcelApp(Ref<host::Application> application) {
   shared_.ExcelApp = std::move(application);
+}
+
+void clsVTRLKRuntime::Init() {
+  shared_.Language->LoadLangFile();
+  if (Items->CfgFileName.empty()) Items->CfgFileName = shared_.Platform.ConfigurationFolder + u"rowlark.cfg";
+  Items->CfgLoad();
+}
+
+void clsVTRLKRuntime::OnAddinInstall() { Items->CfgSave(true); }
+
+void clsVTRLKRuntime::MenuCreate() { menu_.Create(); }
+
+void clsVTRLKRuntime::MenuRemove() { menu_.Remove(); }
+
+void clsVTRLKRuntime::evtLang_NewLangLoaded() {
+  if (menu_.Building() || !shared_.ExcelApp) return;
+  MenuRemove();
+  MenuCreate();
+}
+
+std::u16string clsVTRLKRuntime::HelpFile() const { return HelpFilePath(shared_); }
+
+void clsVTRLKRuntime::CallHelp() { ShowHelp(shared_, 0); }
+
+void clsVTRLKRuntime::CallTechSupport() {
+  constexpr int32_t kTopic = 1200;
+  ShowHelp(shared_, kTopic);
 }
 
 bool clsVTRLKRuntime::Search(std::u16string_view strSearch, std::u16string& strErr) {
@@ -29,7 +60,7 @@ bool clsVTRLKRuntime::Search(std::u16string_view strSearch, std::u16string& strE
     stop_request_ = true;
     run_->Supersede();
     while (searching_ && !shared_.Terminating) {
-      shared_.Pump.ProcessMessages();
+      PumpMessages(shared_);
       if (searching_) Advance(*run_);
     }
     entry_guard_ = false;
@@ -44,7 +75,7 @@ bool clsVTRLKRuntime::Search(std::u16string_view strSearch, std::u16string& strE
   run_ = &run;
   searching_ = true;
   RaiseSearching(true);
-  while (Advance(run)) shared_.Pump.ProcessMessages();
+  while (Advance(run)) PumpMessages(shared_);
   strErr = run.Error();
   return run.Result();
 }
@@ -65,7 +96,7 @@ void clsVTRLKRuntime::RaiseSearching(bool searching) { searching_event_.Raise(se
 
 bool clsVTRLKRuntime::StopSearch() {
   stop_request_ = true;
-  shared_.Pump.ProcessMessages();
+  PumpMessages(shared_);
   return true;
 }
 

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "host/spreadsheet.h"
+#include "runtime/Menu.h"
 #include "runtime/SearchRun.h"
 #include "runtime/clsVTRLKOptions.h"
 #include "settings/SharedState.h"
@@ -32,6 +33,22 @@ class clsVTRLKRuntime {
   // Where the host application is kept, one for the whole library.
   void SetExcelApp(Ref<host::Application> application);
   clsVTRLKLang& Language() const { return *shared_.Language; }
+
+  // Loads the language file and then the configuration, which decides on the language; both may be missing.
+  void Init();
+  // Saves the configuration without a language: the next start takes the one chosen at set-up.
+  void OnAddinInstall();
+
+  // The add-in's menu on the host's "Worksheet Menu Bar". Creating it removes a menu that is there already,
+  // also one left by an earlier run of the host; it is made anew when another language is loaded. Throw
+  // host::Error.
+  void MenuCreate();
+  void MenuRemove();
+
+  // Full path of the help file; opening it at its default topic and at that of the technical support.
+  std::u16string HelpFile() const;
+  void CallHelp();
+  void CallTechSupport();
 
   // Looks for the text in the active sheet as `SearchOptions` say. True when a row was found; otherwise
   // `strErr` tells why in the user's language. While a search runs (the call then comes from a message that
@@ -56,6 +73,7 @@ class clsVTRLKRuntime {
   void DoStop();
 
  private:
+  void evtLang_NewLangLoaded();
   bool Advance(SearchRun& run);
   void RaiseSearching(bool searching);
 
@@ -65,6 +83,8 @@ class clsVTRLKRuntime {
   bool stop_request_ = false;
   bool entry_guard_ = false;  // Search waits for an earlier run to end
   Event<bool&> searching_event_;
+  Menu menu_;
+  Connection new_language_;
 };
 
 }  // namespace rowlark

@@ -3,36 +3,49 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
+#include "host/Help.h"
 #include "host/MessagePump.h"
+#include "host/Registry.h"
+#include "host/WindowSystem.h"
 #include "host/spreadsheet.h"
 #include "lang/clsVTRLKLang.h"
+#include "settings/mclsVTRegistry.h"
+#include "util/mclsVTFileSystem.h"
 
 namespace rowlark {
 
+// What the program stands on; all of it outlives the shared state.
+struct Platform {
+  host::MessagePump& Pump;
+  host::Registry& Registry;
+  host::Help& Help;
+  host::WindowSystem& Windows;
+  const mclsVTFileSystem& Files;
+  std::u16string LibraryFolder;  // where the language files lie
+  std::u16string
+      ConfigurationFolder;  // the user's, with a separator at its end; made when it is first needed
+};
+
 class SharedState {
  public:
-  explicit SharedState(host::MessagePump& pump) : Pump(pump) {}
+  explicit SharedState(const rowlark::Platform& platform) : Platform(platform), Registry(platform.Registry) {}
   SharedState(const SharedState&) = delete;
   SharedState& operator=(const SharedState&) = delete;
 
   // Every runtime object holds the state: the first one sets it up, the last one releases it.
-  void Acquire() {
-    if (users_++ > 0) return;
-    Terminating = false;
-    Language = std::make_shared<clsVTRLKLang>();
-  }
-  void Release() {
-    if (--users_ > 0) return;
-    Terminating = true;
-    ExcelApp = nullptr;
-    Language.reset();
-  }
+  void Acquire();
+  void Release();
 
-  host::MessagePump& Pump;
+  const rowlark::Platform Platform;
+  const mclsVTRegistry Registry;
   Ref<host::Application> ExcelApp;         // nothing until the add-in has set it
   std::shared_ptr<clsVTRLKLang> Language;  // present while a runtime object lives
+  std::u16string HelpDirectory;            // with a separator at its end
+  intptr_t HelpWindow = 0;                 // of the last help that was opened; 0 when that failed
   bool Terminating = false;                // every wait and long loop ends when it is set
+  bool HistoryCleared = false;             // a temporary history has been emptied in this run of the host
 
  private:
   int users_ = 0;

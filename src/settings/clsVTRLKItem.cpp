@@ -1,6 +1,5 @@
 #include "settings/clsVTRLKItem.h"
 
-#include <exception>
 #include <vector>
 
 #include "util/Text.h"
@@ -48,12 +47,8 @@ std::u16string clsVTRLKItem::ToString() const {
 
 bool clsVTRLKItem::ToObject(std::u16string_view strData) {
   if (strData.empty()) return true;
-  std::vector<std::u16string> fields;
-  try {
-    fields = mclsVTString::ArraySplitStored(strData);
-  } catch (const std::exception&) {
-    return true;
-  }
+  auto fields = mclsVTString::ArraySalvage(strData);
+  if (fields.empty()) return true;
   fields.resize(10);
   file_full_name_ = fields[0];
   name_ = fields[1];

@@ -1,5 +1,5 @@
-// The user's settings: search profiles by workbook name, the profile for all other workbooks, hotkeys and
-// switches.
+// The user's settings: search profiles by workbook name, the profile for all other workbooks, the search
+// history, hotkeys and switches, and the file that keeps them.
 #pragma once
 
 #include <cstdint>
@@ -8,20 +8,23 @@
 #include <string_view>
 
 #include "settings/clsVTRLKItem.h"
+#include "settings/clsVTRLKRecentItems.h"
 #include "util/mclsVTDictionary.h"
 
 namespace rowlark {
 
 class clsVTRLKItems {
  public:
-  explicit clsVTRLKItems(const SharedState& shared);
+  explicit clsVTRLKItems(SharedState& shared);
 
-  bool UnhideOnEsc = true;                    // the search form shows all rows when it closes
-  bool RowsIsGrouped = false;                 // a search has hidden rows; never stored
-  bool EditAutoClose = false;                 // the edit form closes after an edit
-  bool AutoDetectSearchText = false;          // the search form starts with the active cell's text
-  std::u16string mstrHotKeyUnhide = u"+^f";   // behind HotKeyUnhide, without its rule of letter case
-  std::shared_ptr<clsVTRLKItem> DefaultItem;  // for workbooks without a profile; never null
+  bool UnhideOnEsc = true;                           // the search form shows all rows when it closes
+  bool RowsIsGrouped = false;                        // a search has hidden rows; never stored
+  bool EditAutoClose = false;                        // the edit form closes after an edit
+  bool AutoDetectSearchText = false;                 // the search form starts with the active cell's text
+  std::u16string CfgFileName;                        // full path of the configuration file
+  std::u16string mstrHotKeyUnhide = u"+^f";          // behind HotKeyUnhide, without its rule of letter case
+  std::shared_ptr<clsVTRLKItem> DefaultItem;         // for workbooks without a profile; never null
+  std::shared_ptr<clsVTRLKRecentItems> RecentItems;  // never null
 
   // Hotkeys in the syntax of the host's OnKey; empty: none. Stored in lower case unless a key in braces
   // ("{F3}") is in it.
@@ -46,9 +49,21 @@ class clsVTRLKItems {
   std::shared_ptr<clsVTRLKItem> Item(int32_t Index) const { return ToItem(profiles_.Data(Index)); }
   void SetItem(int32_t Index, const std::shared_ptr<clsVTRLKItem>& item);
 
+  // The configuration as one text, without the language when `ResetLangFile` is set (the next load then takes
+  // the one chosen at set-up), and back. Reading adds profiles whose names are new and sets everything else;
+  // of a damaged text it takes what can be read. True.
+  std::u16string ToString(bool ResetLangFile) const;
+  bool ToObject(std::u16string_view strData);
+
+  // Writes and reads `CfgFileName`. Saving makes its folder, and leaves the old file as it is when it fails.
+  // A missing file is no failure of loading.
+  bool CfgSave(bool ResetLangFile);
+  bool CfgLoad();
+
  private:
   static std::shared_ptr<clsVTRLKItem> ToItem(const mclsVTDictionary::Value& value);
 
+  SharedState& shared_;
   std::u16string hot_key_search_ = u"^f";
   mclsVTDictionary profiles_;
 };

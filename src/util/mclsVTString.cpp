@@ -116,13 +116,18 @@ std::vector<std::u16string> mclsVTString::ArraySplit(std::u16string_view text, P
   return std::move(list->elements);
 }
 
-std::vector<std::u16string> mclsVTString::ArraySplitStored(std::u16string_view text) {
-  Position(text.size(), u"ArraySplitStored");
+std::vector<std::u16string> mclsVTString::ArraySalvage(std::u16string_view text, bool keep_cut_element) {
   for (const PackedCount count : {PackedCount::Text, PackedCount::Record}) {
     std::optional<PackedList> list = Unpack(text, count);
     if (list && list->consumed == text.size()) return std::move(list->elements);
   }
-  throw AutomationError::TypeMismatch(Source(u"ArraySplitStored"));
+  std::vector<std::u16string> elements;
+  while (const std::optional<std::size_t> count = ReadCount(text.substr(0, kCountDigits))) {
+    text.remove_prefix(kCountDigits);
+    if (*count <= text.size() || keep_cut_element) elements.emplace_back(text.substr(0, *count));
+    text.remove_prefix(std::min(*count, text.size()));
+  }
+  return elements;
 }
 
 int32_t mclsVTString::InstrRight(std::u16string_view source, std::u16string_view find, int32_t start,

@@ -41,8 +41,8 @@ class CommandLine : public testing::Test {
   // Runs the program in the folder of the files; `arguments` are a shell's.
   Outcome Run(const std::string& arguments) const {
     const std::string folder = folder_.Path().string();
-    const std::string command =
-        "cd '" + folder + "' && { '" ROWLARK_PROGRAM "' " + arguments + "; } >out 2>error </dev/null";
+    const std::string command = "cd '" + folder + "' && { XDG_CONFIG_HOME='" + folder +
+                                "/config' '" ROWLARK_PROGRAM "' " + arguments + "; } >out 2>error </dev/null";
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Read("out"), Read("error")};
   }
@@ -161,6 +161,32 @@ TEST_F(CommandLine, Helps) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_NE(outcome.output.find("Examples:"), std::string::npos) << outcome.output;
   }
+}
+
+TEST_F(CommandLine, RemembersSettingsAndHistory) {
+  EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\n");
+  EXPECT_EQ(Run("profiles set orders.csv --range A2:C500 --columns b --jump C --dont-save yes").status, 0);
+  EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\norders.csv\tA2:C500\tB\tC\n");
+  EXPECT_EQ(Run("search orders.csv 5").status, 1);  // not in column B
+  EXPECT_EQ(Run("search orders.csv praha --go-to").output, "C6\n");
+  EXPECT_EQ(Run("search orders.csv 5 --columns A --go-to --jump A").output, "A6\n");  // for once
+  EXPECT_EQ(Run("search orders.csv 5").status, 1);
+  EXPECT_EQ(Run("history list").output, "praha\n5\n");
+  EXPECT_EQ(Run("search orders.csv xyz --language german").error, "rowlark: Text nicht gefunden\n");
+  EXPECT_EQ(Run("search orders.csv xyz").error, "rowlark: Text nicht gefunden\n");
+  EXPECT_EQ(Run("history clear --language default").status, 0);
+  EXPECT_EQ(Run("search orders.csv xyz --config other.cfg").error, "rowlark: Text not found\n");
+  EXPECT_EQ(Run("history list").output, "");
+  EXPECT_EQ(Run("history list --config other.cfg").output, "xyz\n");
+  EXPECT_EQ(Run("profiles remove ORDERS.csv").status, 0);
+  EXPECT_EQ(Run("profiles remove orders.csv").status, 1);
+  for (const auto* wrong :
+       {"profiles remove default", "profiles set x --range 1", "profiles set x --columns A,,B",
+        "profiles set x --jump 7", "profiles", "history list --language klingon",
+        "search orders.csv --config / 5 --go-to --language polish x"}) {
+    EXPECT_EQ(Run(wrong).status, 2) << wrong;
+  }
+  EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\n");
 }
 
 }  // namespace

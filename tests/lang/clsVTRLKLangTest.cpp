@@ -4,8 +4,15 @@
 
 #include <vector>
 
+#include "TempFolder.h"
+#include "util/Utf.h"
+
 namespace rowlark {
 namespace {
+
+clsVTRLKLang::Environment NoLanguage(const mclsVTFileSystem& files) {
+  return {files, u"/nowhere", [] { return std::u16string(); }, [] { return std::u16string(u"H:\\"); }};
+}
 
 TEST(Lang, PreparesTexts) {
   struct Row {
@@ -21,7 +28,8 @@ TEST(Lang, PreparesTexts) {
       {u"%1", {u"&100%1"}, u"&100%1"},
       {u"%1 stays", {}, u"%1 stays"},
   };
-  clsVTRLKLang lang;
+  const mclsVTFileSystem files;
+  clsVTRLKLang lang(NoLanguage(files));
   for (const Row& row : rows) EXPECT_EQ(lang.GetText(u"Key", row.text, row.values), row.result);
   EXPECT_EQ(lang.GetText(u"Key", u"Error: %1 %1", u"5"), u"Error: 5 5");
   EXPECT_EQ(lang.GetText(u"Key", u"%1%2", {u"a", u"b"}), u"ab");
@@ -31,7 +39,8 @@ TEST(Lang, FindsTheAccelerator) {
   struct Row {
     std::u16string_view text, result, accelerator;
   };
-  clsVTRLKLang lang;
+  const mclsVTFileSystem files;
+  clsVTRLKLang lang(NoLanguage(files));
   for (const Row& row : {Row{u"&Search", u"Search", u"S"}, Row{u"Show &All &rows", u"Show All rows", u"A"},
                          Row{u"Close&", u"Close", u""}, Row{u"Close", u"Close", u""}}) {
     std::u16string accelerator = u"before";
@@ -39,6 +48,41 @@ TEST(Lang, FindsTheAccelerator) {
     EXPECT_EQ(accelerator, row.accelerator);
     EXPECT_EQ(lang.GetText(u"Key", row.text), row.text);
   }
+}
+
+TEST(Lang, ReadsFilesAndTellsWhenAnotherOneIsLoaded) {
+  const TempFolder folder;
+  folder.Write("german.lng", "\xEF\xBB\xBFKey = Ja\nEmpty =\nHELP_FILE_NAME = de.chm\n");
+  folder.Write("french.lng", "KEY = Oui ; note\n");
+  const mclsVTFileSystem files;
+  auto environment = NoLanguage(files);
+  environment.LibraryFolder = ToUtf16(folder.Path().string());
+  std::u16string setup = u"german";
+  environment.SetupLanguage = [&setup] { return setup; };
+  clsVTRLKLang lang(environment);
+  std::string loaded;
+  const auto connection =
+      lang.NewLangLoaded().Connect([&](const std::u16string& file) { loaded += ToUtf8(file) + ' '; });
+  EXPECT_EQ(lang.GetText(u"Key", u"Yes"), u"Ja");
+  EXPECT_EQ(lang.GetText(u"Empty", u"full"), u"full");
+  EXPECT_EQ(lang.HelpFile(), u"H:\\de.chm");
+  lang.LoadLangFile();
+  lang.SetLangFile(u"german.lng");  // unloads and no more
+  EXPECT_EQ(loaded, "");
+  EXPECT_EQ(lang.GetText(u"Key", u"Yes"), u"Ja");
+  EXPECT_EQ(loaded, "german.lng ");
+  lang.SetLangFile(u"french.lng");
+  EXPECT_EQ(lang.GetText(u"Key", u"Yes"), u"Oui");
+  EXPECT_EQ(lang.HelpFile(), u"");
+  lang.SetLangFile(u"missing.lng");
+  EXPECT_EQ(lang.GetText(u"Key", u"Yes"), u"Yes");
+  EXPECT_EQ(loaded, "german.lng french.lng missing.lng ");
+  setup.clear();
+  lang.SetLangFile(u"");
+  EXPECT_EQ(lang.LangFile(), u"english.lng");
+  lang.SetPath(lang.Path() + u"\\");
+  EXPECT_FALSE(lang.Path().ends_with(u"\\\\"));
+  EXPECT_EQ(lang.GetText(u"Key", u"Yes"), u"Yes");
 }
 
 }  // namespace

@@ -177,8 +177,8 @@ TEST(DetectSearchRange, CompletesOpenBoundsOrTakesTheFilter) {
 }
 
 TEST(Runtime, InstancesShareTheStateAndTheLastOneReleasesIt) {
-  standalone::ScriptedMessagePump pump;
-  SharedState shared(pump);
+  testing::TestPlatform platform;
+  SharedState& shared = platform.shared;
   {
     clsVTRLKRuntime first(shared);
     first.SetExcelApp(testing::SampleHost("x").application);

@@ -5,15 +5,15 @@
 #include <string_view>
 #include <vector>
 
+#include "Platform.h"
 #include "Sheet.h"
-#include "host/standalone/ScriptedMessagePump.h"
 #include "runtime/clsVTRLKRuntime.h"
 
 namespace rowlark::testing {
 
-struct Session : SampleHost {
+struct Session : SampleHost, TestPlatform {
   explicit Session(std::string_view cells, std::u16string_view version = u"16.0", bool read_only = false)
-      : SampleHost(cells, u"C:\\Data\\Book1.xls", version, read_only), shared(pump), runtime(shared) {
+      : SampleHost(cells, u"C:\\Data\\Book1.xls", version, read_only), runtime(shared) {
     runtime.SetExcelApp(application);
     runtime.SearchOptions->CompareMethod = CompareMode::Text;
     runtime.SearchOptions->UseFilter = true;
@@ -36,8 +36,6 @@ struct Session : SampleHost {
     sheet->Range(range)->AutoFilter(arguments);
   }
 
-  standalone::ScriptedMessagePump pump;
-  SharedState shared;
   clsVTRLKRuntime runtime;
   std::string events;  // of Searching: T at the start, F at the end
   Connection searching;

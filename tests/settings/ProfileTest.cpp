@@ -1,8 +1,8 @@
 // Workbook profiles and their collection.
 #include <gtest/gtest.h>
 
+#include "Platform.h"
 #include "Sheet.h"
-#include "host/standalone/ScriptedMessagePump.h"
 #include "settings/clsVTRLKItems.h"
 #include "util/mclsVTString.h"
 
@@ -27,8 +27,8 @@ class Profile : public ::testing::Test {
     return item;
   }
 
-  standalone::ScriptedMessagePump pump;
-  SharedState shared{pump};
+  testing::TestPlatform platform;
+  SharedState& shared = platform.shared;
   SampleHost sample{"x"};
 };
 

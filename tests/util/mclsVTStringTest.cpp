@@ -36,7 +36,7 @@ TEST(String, PackedLists) {
   EXPECT_EQ(S::ArraySplit(u"000000010x?"), List{u"x"});  // a single character left over
   for (const PackedCount count : {PackedCount::Record, PackedCount::Text}) {
     EXPECT_EQ(S::ArraySplit(S::ArrayJoin(list, count), count), list);
-    EXPECT_EQ(S::ArraySplitStored(S::ArrayJoin(list, count)), list);
+    EXPECT_EQ(S::ArraySalvage(S::ArrayJoin(list, count)), list);
   }
 }
 
@@ -52,8 +52,11 @@ TEST(String, DamagedPackedListsAreTypeMismatches) {
       EXPECT_EQ(error.Source(), u"VTRLKRuntime.mclsVTString.ArraySplit");
     }
   }
-  EXPECT_THROW(S::ArraySplitStored(u"000000001ab"), AutomationError);
-  EXPECT_THROW(S::ArraySplitStored(u"0"), AutomationError);
+  // Of what is damaged the elements before the damage are saved, and on demand the rest of a cut one.
+  EXPECT_EQ(S::ArraySalvage(u"000000001a00000000xb"), List{u"a"});
+  EXPECT_EQ(S::ArraySalvage(u"000000001a000000009b"), List{u"a"});
+  EXPECT_EQ(S::ArraySalvage(u"000000001a000000009b", true), (List{u"a", u"b"}));
+  EXPECT_EQ(S::ArraySalvage(u"0", true), List());
 }
 
 TEST(String, InstrRight) {

@@ -1,4 +1,5 @@
-// A message pump whose messages come from a script: for tests, and for programs without a window.
+// A message pump with a clock of its own, whose messages come from a script: for tests, and for programs without
+// a window.
 #pragma once
 
 #include <cstdint>
@@ -12,11 +13,14 @@ class ScriptedMessagePump final : public host::MessagePump {
  public:
   // Called at every pass with the number of the pass, from 1; it may call any operation, so passes may nest.
   std::function<void(int64_t pass)> OnPass;
+  uint32_t Now = 0;  // milliseconds; only waiting makes it go on
 
   void ProcessMessages() noexcept override {
     ++passes_;
     if (OnPass) OnPass(passes_);
   }
+  void WaitForInput(uint32_t milliseconds) noexcept override { Now += milliseconds; }
+  uint32_t TickCount() const noexcept override { return Now; }
   int64_t Passes() const { return passes_; }
 
  private:

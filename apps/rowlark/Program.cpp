@@ -1,0 +1,107 @@
+#include "Program.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <stdexcept>
+#include <system_error>
+
+#include "util/Utf.h"
+
+namespace rowlark {
+namespace {
+
+// A native path as the system writes paths.
+std::u16string SystemPath(const std::filesystem::path& path) {
+  std::error_code failed;
+  const auto absolute = std::filesystem::absolute(path, failed);
+  auto text = ToUtf16((failed ? path : absolute).string());
+  std::ranges::replace(text, u'/', u'\\');
+  return text;
+}
+
+// The language files lie beside the program.
+std::u16string LanguageFolder() {
+  std::error_code failed;
+  const auto program = std::filesystem::read_symlink("/proc/self/exe", failed);
+  return SystemPath(program.parent_path() / "languages");
+}
+
+std::u16string ConfigurationFolder() {
+  const auto variable = [](const char* name) {
+    const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+    return std::filesystem::path(value == nullptr ? "" : value);
+  };
+  // A relative path in this variable is to be ignored.
+  auto folder = variable("XDG_CONFIG_HOME");
+  if (!folder.is_absolute()) folder = variable("HOME") / ".config";
+  return SystemPath(folder / "vantrel" / "rowlark") + u"\\";
+}
+
+}  // namespace
+
+void ConsoleWindows::MsgBox(std::u16string_view text, host::MsgBoxIcon, std::u16string_view) noexcept {
+  std::u16string line(text);
+  std::erase(line, u'\r');
+  std::ranges::replace(line, u'\n', u' ');
+  std::fprintf(stderr, "rowlark: %s\n", ToUtf8(line).c_str());
+}
+
+Program::Program(const ProgramArguments& arguments)
+    : registry_(standalone::DefaultRegistryPaths()),
+      application_(MakeRef<standalone::Application>()),
+      shared_(Platform{pump_, registry_, help_, windows_, files_, LanguageFolder(), ConfigurationFolder()}),
+      runtime_(shared_) {
+  runtime_.SetExcelApp(application_);
+  if (!arguments.config.empty()) Items().CfgFileName = SystemPath(arguments.config);
+  runtime_.Init();
+  saved_ = Items().ToString(false);
+  if (!arguments.language.empty()) ChooseLanguage(arguments.language);
+}
+
+void Program::ChooseLanguage(const std::string& name) {
+  auto& language = runtime_.Language();
+  if (name == "default") {
+    reset_language_ = true;
+    language.SetLangFile(u"");
+    return;
+  }
+  const auto file = ToUtf16(name) + u".lng";
+  if (name.find_first_of("/\\") != std::string::npos || !files_.IsFileExists(language.Path() + file)) {
+    mclsVTDictionary found;
+    files_.DirScanFiles(language.Path(), found, false);
+    std::string names;
+    for (const auto& path : found) {
+      const auto base = std::filesystem::path(ToUtf8(path.substr(path.find_last_of(u"\\/") + 1)));
+      if (base.extension() == ".lng") names += ", " + base.stem().string();
+    }
+    throw std::runtime_error("--language: no language '" + name + "' (default" + names + ")");
+  }
+  language.SetLangFile(file);
+}
+
+Ref<standalone::Worksheet> Program::OpenWorkbook(const std::filesystem::path& path) {
+  application_->AddWorkbook(SystemPath(path));
+  return static_cast<standalone::Worksheet*>(application_->ActiveSheet().get());
+}
+
+std::shared_ptr<clsVTRLKItem> Program::CloneDefault(const std::filesystem::path& workbook) {
+  return Items().DefaultItem->Clone(SystemPath(workbook));
+}
+
+bool Program::Save() {
+  const auto text = Items().ToString(reset_language_);
+  if (text == saved_) return true;
+  if (Items().CfgSave(reset_language_)) {
+    saved_ = text;
+    return true;
+  }
+  auto file = Items().CfgFileName;
+  std::ranges::replace(file, u'\\', u'/');
+  windows_.MsgBox(
+      runtime_.Language().GetText(u"Err.WriteCfg", u"Configuration write error in file\\n%1", file),
+      host::MsgBoxIcon::Critical, u"");
+  return false;
+}
+
+}  // namespace rowlark

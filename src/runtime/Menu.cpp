@@ -1,0 +1,85 @@
+#include "runtime/Menu.h"
+
+#include <string_view>
+
+#include "runtime/Failure.h"
+#include "settings/Product.h"
+
+namespace rowlark {
+namespace {
+
+constexpr std::u16string_view kMenuItemID = u"MenuItemID";
+
+// All custom pop-ups of the host share one identifier; the tag tells ours.
+constexpr std::u16string_view kTag = u"VantrelRLK";
+
+struct Entry {
+  std::u16string_view key;
+  std::u16string_view caption;
+  std::u16string_view macro;
+  bool begin_group;
+};
+
+constexpr Entry kEntries[] = {
+    {u"Menu.Find", u"S&earch...", u"VantrelRLK_ShowSearch", false},
+    {u"Menu.Unhide", u"&Show All", u"VantrelRLK_Unhide", false},
+    {u"Menu.Preferences", u"&Options...", u"VantrelRLK_ShowOptions", true},
+    {u"Menu.Help", u"&Help...", u"VantrelRLK_CallHelp", true},
+    {u"Menu.TechSupport", u"&Technical Support", u"VantrelRLK_CallTechSupport", false},
+    {u"Menu.About", u"&About...", u"VantrelRLK_ShowAbout", true},
+};
+
+}  // namespace
+
+Ref<host::CommandBar> Menu::Bar() const {
+  return Require(Require(shared_.ExcelApp)->CommandBars(u"Worksheet Menu Bar"));
+}
+
+void Menu::RemoveFrom(host::CommandBar& bar) {
+  const auto remove = [&bar](int32_t id) {
+    while (const auto control = bar.FindControl(id, kTag)) control->Delete();
+  };
+  constexpr int32_t kNone = 0;
+  const int32_t stored =
+      shared_.Registry.GetLong(host::Hive::HKEY_LOCAL_MACHINE, kProductKey, kMenuItemID, kNone);
+  if (stored != kNone) remove(stored);
+  if (id_ && *id_ != stored) remove(*id_);
+  id_.reset();
+}
+
+void Menu::Remove() { RemoveFrom(*Bar()); }
+
+void Menu::Create() {
+  struct BuildingGuard {
+    explicit BuildingGuard(bool& building) : building_(building) { building_ = true; }
+    ~BuildingGuard() { building_ = false; }
+    bool& building_;
+  };
+  const BuildingGuard guard(building_);
+
+  const auto bar = Bar();
+  RemoveFrom(*bar);
+  auto& language = *shared_.Language;
+  const auto menu = Require(bar->AddControl(host::msoControlPopup, true));
+  try {
+    menu->SetTag(kTag);
+    id_ = menu->Id();
+    shared_.Registry.SetLong(host::Hive::HKEY_LOCAL_MACHINE, kProductKey, kMenuItemID, *id_);
+    menu->SetCaption(language.GetText(u"Menu.Root", u"&Rowlark"));
+    menu->SetBeginGroup(true);
+    for (const auto& entry : kEntries) {
+      const auto button = Require(menu->AddControl(host::msoControlButton));
+      button->SetCaption(language.GetText(entry.key, entry.caption));
+      button->SetOnAction(entry.macro);
+      if (entry.begin_group) button->SetBeginGroup(true);
+    }
+  } catch (...) {
+    try {
+      menu->Delete();
+    } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch): the first failure is the one to tell
+    }
+    throw;
+  }
+}
+
+}  // namespace rowlark

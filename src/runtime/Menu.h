@@ -1,0 +1,35 @@
+// The add-in's menu on the host's "Worksheet Menu Bar".
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "settings/SharedState.h"
+
+namespace rowlark {
+
+class Menu {
+ public:
+  explicit Menu(SharedState& shared) : shared_(shared) {}
+
+  // Removes the menu if there is one, also one that an earlier run has left behind, and builds it with the
+  // captions of the present language. Throws host::Error; no half-built menu stays.
+  void Create();
+  // A menu that is not there is no error.
+  void Remove();
+
+  // The texts of a menu may come from a language that is loaded only now; whoever hears of that must not
+  // build the menu again while it is being built.
+  bool Building() const { return building_; }
+
+ private:
+  Ref<host::CommandBar> Bar() const;
+  void RemoveFrom(host::CommandBar& bar);
+
+  SharedState& shared_;
+  bool building_ = false;
+  // Of the menu made here: a user may not be allowed to store it where later runs of the host read it.
+  std::optional<int32_t> id_;
+};
+
+}  // namespace rowlark

@@ -1,0 +1,11 @@
+// What the product is called, and where its registry values lie.
+#pragma once
+
+#include <string_view>
+
+namespace rowlark {
+
+inline constexpr std::u16string_view kProductTitle = u"Vantrel Rowlark";
+inline constexpr std::u16string_view kProductKey = u"SOFTWARE\\Vantrel\\Office Addins\\Rowlark\\1.0";
+
+}  // namespace rowlark

@@ -1,0 +1,26 @@
+#include "settings/SharedState.h"
+
+#include "settings/Product.h"
+
+namespace rowlark {
+
+void SharedState::Acquire() {
+  if (users_++ > 0) return;
+  Terminating = false;
+  const auto read = [this](std::u16string_view value) {
+    return Registry.GetString(host::Hive::HKEY_LOCAL_MACHINE, kProductKey, value, u"");
+  };
+  HelpDirectory = read(u"HelpPath");
+  Language = std::make_shared<clsVTRLKLang>(
+      clsVTRLKLang::Environment{Platform.Files, Platform.LibraryFolder,
+                                [read] { return read(u"SetupLanguage"); }, [this] { return HelpDirectory; }});
+}
+
+void SharedState::Release() {
+  if (--users_ > 0) return;
+  Terminating = true;
+  ExcelApp = nullptr;
+  Language.reset();
+}
+
+}  // namespace rowlark

@@ -1,0 +1,82 @@
+// What a program stands on, for tests: a registry in memory, help and windows that remember what they were
+// asked.
+#pragma once
+
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "host/standalone/ScriptedMessagePump.h"
+#include "settings/SharedState.h"
+#include "util/Text.h"
+#include "util/Utf.h"
+
+namespace rowlark::testing {
+
+class MemoryRegistry final : public host::Registry {
+ public:
+  bool MachineWideIsWritable = true;
+
+  std::optional<host::RegistryValue> Read(host::Hive hive, std::u16string_view key,
+                                          std::u16string_view name) const override {
+    const auto found = values_.find({hive, FoldCase(key), FoldCase(name)});
+    return found == values_.end() ? std::nullopt : std::optional(found->second);
+  }
+  bool CreateKey(host::Hive, std::u16string_view) override { return true; }
+  bool Write(host::Hive hive, std::u16string_view key, std::u16string_view name,
+             const host::RegistryValue& value) override {
+    if (hive == host::Hive::HKEY_LOCAL_MACHINE && !MachineWideIsWritable) return false;
+    values_.insert_or_assign({hive, FoldCase(key), FoldCase(name)}, value);
+    return true;
+  }
+  bool DeleteValue(host::Hive hive, std::u16string_view key, std::u16string_view name) override {
+    return values_.erase({hive, FoldCase(key), FoldCase(name)}) > 0;
+  }
+  bool DeleteKey(host::Hive, std::u16string_view) override { return false; }
+
+ private:
+  std::map<std::tuple<host::Hive, std::u16string, std::u16string>, host::RegistryValue> values_;
+};
+
+class RecordingHelp final : public host::Help {
+ public:
+  intptr_t Window = 1;
+  std::vector<std::string> Calls;  // "path command context"
+
+  intptr_t HtmlHelp(std::u16string_view file, host::HelpCommand command, int32_t context) noexcept override {
+    Calls.push_back(ToUtf8(file) + ' ' + std::to_string(static_cast<int32_t>(command)) + ' ' +
+                    std::to_string(context));
+    return Window;
+  }
+};
+
+class RecordingWindows final : public host::WindowSystem {
+ public:
+  std::vector<std::string> Messages;  // "title: text (icon)"
+
+  void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override {
+    Messages.push_back(ToUtf8(title) + ": " + ToUtf8(text) + " (" +
+                       std::to_string(static_cast<int32_t>(icon)) + ')');
+  }
+  intptr_t WindowOfClass(std::u16string_view class_name) const noexcept override {
+    return class_name == u"XLMAIN" ? 97 : 0;
+  }
+};
+
+// Paths are those of the machine unless drives are mapped.
+struct TestPlatform {
+  explicit TestPlatform(std::u16string_view library_folder = u"/nowhere",
+                        std::u16string_view config_folder = u"/nowhere/")
+      : shared(Platform{pump, registry, help, windows, files, std::u16string(library_folder),
+                        std::u16string(config_folder)}) {}
+
+  standalone::ScriptedMessagePump pump;
+  MemoryRegistry registry;
+  RecordingHelp help;
+  RecordingWindows windows;
+  mclsVTFileSystem files;
+  SharedState shared;
+};
+
+}  // namespace rowlark::testing

@@ -1,0 +1,170 @@
+// Start-up, menu and help, as the add-in workbook drives them.
+#include <gtest/gtest.h>
+
+#include "Session.h"
+#include "TempFolder.h"
+#include "host/Forwarding.h"
+#include "runtime/modMain.h"
+#include "settings/Product.h"
+
+namespace rowlark {
+namespace {
+
+using host::Hive;
+using testing::SampleHost;
+using testing::TestPlatform;
+
+// A user's session of the host over a folder with two languages.
+struct Addin : TempFolder, TestPlatform, SampleHost {
+  Addin()
+      : TestPlatform(ToUtf16(Path().string()), ToUtf16(Path().string() + "/config/")),
+        SampleHost("x"),
+        runtime(shared) {
+    Write("english.lng", "Menu.Root = &Rowlark\nHELP_FILE_NAME = help_en.chm\n");
+    Write("german.lng",
+          "; Deutsch\nMenu.Root = &Zeilen\nMenu.Find = S&uchen...\nHELP_FILE_NAME = help_de.chm\n");
+    shared.HelpDirectory = ToUtf16(Path().string() + "/");
+  }
+
+  // "&Rowlark: S&earch.../VantrelRLK_ShowSearch ..." of every menu on the bar that is ours; "|" begins a
+  // group.
+  std::string Menus() const {
+    std::string text;
+    for (const auto& menu : application->WorksheetMenuBar()->Controls()) {
+      if (menu->Tag() != u"VantrelRLK") continue;
+      text += ToUtf8(menu->Caption()) + ':';
+      for (const auto& button : menu->Controls()) {
+        text += (button->BeginGroup() ? " |" : " ") + ToUtf8(button->Caption()) + '/' +
+                ToUtf8(button->OnAction());
+      }
+    }
+    return text;
+  }
+  // The captions alone.
+  std::string Captions() const {
+    std::string text;
+    for (const auto& menu : application->WorksheetMenuBar()->Controls())
+      text += ToUtf8(menu->Caption()) + ' ';
+    return text;
+  }
+
+  clsVTRLKRuntime runtime;
+};
+
+TEST(Menu, OffersEveryMacro) {
+  Addin addin;
+  addin.runtime.SetExcelApp(addin.application);
+  addin.runtime.MenuCreate();
+  EXPECT_EQ(addin.Menus(),
+            "&Rowlark: S&earch.../VantrelRLK_ShowSearch &Show All/VantrelRLK_Unhide "
+            "|&Options.../VantrelRLK_ShowOptions |&Help.../VantrelRLK_CallHelp "
+            "&Technical Support/VantrelRLK_CallTechSupport |&About.../VantrelRLK_ShowAbout");
+  addin.runtime.MenuRemove();
+  addin.runtime.MenuRemove();
+  EXPECT_EQ(addin.Menus(), "");
+}
+
+TEST(Menu, IsThereOnceWhateverHappens) {
+  for (const bool administrator : {true, false}) {
+    Addin addin;
+    addin.registry.MachineWideIsWritable = administrator;
+    const auto bar = addin.application->CommandBars(u"Worksheet Menu Bar");
+    bar->AddControl(host::msoControlPopup, true)->SetCaption(u"theirs");
+    addin.runtime.Init();
+    addin.runtime.SetExcelApp(addin.application);
+    addin.runtime.MenuCreate();
+    addin.runtime.MenuCreate();
+    EXPECT_EQ(addin.Captions(), "theirs &Rowlark ");
+    addin.runtime.Language().SetLangFile(u"german.lng");
+    EXPECT_EQ(addin.Captions(), "theirs &Zeilen ");
+    // Unloaded: a text of the menu loads the language again, while the menu is being built.
+    addin.runtime.Language().SetPath(addin.runtime.Language().Path());
+    addin.runtime.MenuCreate();
+    EXPECT_EQ(addin.Captions(), "theirs &Zeilen ");
+    if (administrator) {  // a later run of the host finds what this one has left behind
+      clsVTRLKRuntime later(addin.shared);
+      later.MenuCreate();
+      EXPECT_EQ(addin.Captions(), "theirs &Zeilen ");
+    }
+  }
+}
+
+TEST(Menu, IsNeverHalfBuilt) {
+  for (int64_t n = 1;; ++n) {
+    Addin addin;
+    host::FaultyHost faulty(n);
+    addin.runtime.SetExcelApp(faulty.Wrap(Ref<host::Application>(addin.application)));
+    try {
+      addin.runtime.MenuCreate();
+    } catch (const host::Error&) {
+      EXPECT_EQ(addin.Menus(), "") << faulty.Failed();
+    }
+    addin.runtime.SetExcelApp(nullptr);
+    if (faulty.Failed().empty()) break;
+  }
+}
+
+TEST(Init, LoadsTheConfigurationAndItsLanguage) {
+  Addin addin;
+  addin.registry.MachineWideIsWritable = true;
+  addin.shared.Registry.SetString(Hive::HKEY_LOCAL_MACHINE, kProductKey, u"SetupLanguage", u"english");
+  addin.runtime.Init();
+  EXPECT_EQ(ToUtf8(addin.runtime.Items->CfgFileName), addin.Path().string() + "/config/rowlark.cfg");
+  addin.runtime.Language().SetLangFile(u"german.lng");
+  addin.runtime.Items->SetHotKeySearch(u"^g");
+  EXPECT_TRUE(addin.runtime.Items->CfgSave(false));
+
+  clsVTRLKRuntime next(addin.shared);
+  next.SetExcelApp(addin.application);
+  addin.runtime.Language().SetLangFile(u"english.lng");
+  next.Init();
+  EXPECT_EQ(next.Items->HotKeySearch(), u"^g");
+  EXPECT_EQ(next.Language().LangFile(), u"german.lng");
+  next.OnAddinInstall();
+  next.Init();
+  EXPECT_EQ(next.Language().LangFile(), u"english.lng");
+}
+
+TEST(Help, OpensTheFileOfTheLanguageIfItIsThere) {
+  Addin addin;
+  const auto folder = addin.Path().string() + "/";
+  addin.runtime.CallTechSupport();
+  addin.runtime.Language().SetLangFile(u"german.lng");
+  addin.runtime.CallHelp();  // the German file is missing
+  addin.Write("help_de.chm", "help");
+  addin.runtime.CallHelp();
+  EXPECT_EQ(ToUtf8(addin.runtime.HelpFile()), folder + "help_de.chm");
+  EXPECT_EQ(addin.help.Calls,
+            (std::vector<std::string>{folder + "vt_rlk_en.chm 15 1200", folder + "vt_rlk_en.chm 1 0",
+                                      folder + "help_de.chm 1 0"}));
+  EXPECT_TRUE(addin.windows.Messages.empty());
+  addin.help.Window = 0;
+  addin.runtime.CallHelp();
+  EXPECT_EQ(addin.windows.Messages, std::vector<std::string>{"Vantrel Rowlark: Can't open help file\r\n" +
+                                                             folder + "help_de.chm (48)"});
+}
+
+TEST(Host, TellsItsMainWindowFromVersion9On) {
+  for (const auto& [version, window] :
+       {std::pair(u"8.0", 97), std::pair(u"9.0", 1), std::pair(u"16.0", 1), std::pair(u"x", 1)}) {
+    TestPlatform platform;
+    const clsVTRLKRuntime runtime(platform.shared);
+    EXPECT_EQ(HostMainWindow(platform.shared), 0);
+    platform.shared.ExcelApp = MakeRef<standalone::Application>(version);
+    EXPECT_EQ(HostMainWindow(platform.shared), window);
+  }
+}
+
+TEST(Messages, AreAwaitedUntilTheTimeIsOverOrTheLibraryEnds) {
+  TestPlatform platform;
+  platform.pump.Now = 0xFFFFFFF0;  // the tick count begins anew in between
+  WaitForMessages(platform.shared, 100);
+  EXPECT_EQ(platform.pump.Now, 0xFFFFFFF0 + 100);
+  EXPECT_EQ(platform.pump.Passes(), 2);
+  platform.pump.OnPass = [&](int64_t pass) { platform.shared.Terminating = pass == 5; };
+  WaitForMessages(platform.shared, kNoTimeout);
+  EXPECT_EQ(platform.pump.Passes(), 5);
+}
+
+}  // namespace
+}  // namespace rowlark
