@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Sets up, builds and runs every test: once as a debug build, once under the address and undefined-behaviour
-# sanitizers.
+# Sets up, builds and runs every test: as a debug build, under the address and undefined-behaviour sanitizers, and
+# the fuzz targets for half a minute each.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 
-for preset in linux linux-asan; do
+for preset in linux linux-asan fuzz; do
   cmake --preset "$preset" >/dev/null
   cmake --build --preset "$preset"
   ctest --preset "$preset"

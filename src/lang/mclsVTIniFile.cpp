@@ -13,6 +13,9 @@ constexpr std::u16string_view kLineBreaks = u"\r\n";
 constexpr std::u16string_view kBlanksAndLineBreaks = u"\r\n\t ";
 constexpr std::u16string_view kContinued = u" _";
 
+// Every key of a section repeats its name, so that a longer one could fill the memory.
+constexpr std::size_t kMaxSectionName = 255;
+
 std::u16string Source(std::u16string_view member) {
   return std::u16string(u"VTRLKRuntime.mclsVTIniFile.").append(member);
 }
@@ -137,7 +140,8 @@ mclsVTIniFile::Table mclsVTIniFile::Parse(std::u16string_view text) const {
 
     line = Trim(joined, kBlanks);
     if (line.size() >= 2 && line.front() == u'[' && line.back() == u']') {
-      section = Trim(line, u"[] \t");
+      const std::u16string_view name = Trim(line, u"[] \t");
+      if (name.size() <= kMaxSectionName) section = name;
       continue;
     }
     const Halves halves = Split(Split(line, sepComment_).before, sepData_);

@@ -3,7 +3,8 @@
 // case; of lines with the same key the first counts.
 //
 // A line that ends in " _" goes on in the next one, joined by one blank. A line is cut at the first comment
-// separator, so no value holds one; then the first data separator ends the key. Other lines mean nothing.
+// separator, so no value holds one; then the first data separator ends the key. Other lines mean nothing, nor
+// does a header with a name of more than 255 characters.
 //
 // Failures raise AutomationError with the member as its source.
 #pragma once
