@@ -26,7 +26,7 @@ class MemoryRegistry final : public host::Registry {
   bool CreateKey(host::Hive, std::u16string_view) override { return true; }
   bool Write(host::Hive hive, std::u16string_view key, std::u16string_view name,
              const host::RegistryValue& value) override {
-    if (hive == host::Hive::HKEY_LOCAL_MACHINE && !MachineWideIsWritable) return false;
+    if (hive == host::Hive::LocalMachine && !MachineWideIsWritable) return false;
     values_.insert_or_assign({hive, FoldCase(key), FoldCase(name)}, value);
     return true;
   }

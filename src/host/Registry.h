@@ -9,13 +9,14 @@
 
 namespace rowlark::host {
 
-enum class Hive { HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER };
+// HKEY_LOCAL_MACHINE and HKEY_CURRENT_USER.
+enum class Hive { LocalMachine, CurrentUser };
 
-// Types of values (winnt.h).
+// REG_SZ, REG_BINARY and REG_DWORD of winnt.h.
 enum class RegistryType : uint32_t {
-  REG_SZ = 1,      // UTF-16 units, little endian, with a terminating zero
-  REG_BINARY = 3,  // any bytes
-  REG_DWORD = 4,   // four bytes, little endian
+  String = 1,  // UTF-16 units, little endian, with a terminating zero
+  Binary = 3,  // any bytes
+  Dword = 4,   // four bytes, little endian
 };
 
 struct RegistryValue {

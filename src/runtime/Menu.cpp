@@ -40,8 +40,7 @@ void Menu::RemoveFrom(host::CommandBar& bar) {
     while (const auto control = bar.FindControl(id, kTag)) control->Delete();
   };
   constexpr int32_t kNone = 0;
-  const int32_t stored =
-      shared_.Registry.GetLong(host::Hive::HKEY_LOCAL_MACHINE, kProductKey, kMenuItemID, kNone);
+  const int32_t stored = shared_.Registry.GetLong(host::Hive::LocalMachine, kProductKey, kMenuItemID, kNone);
   if (stored != kNone) remove(stored);
   if (id_ && *id_ != stored) remove(*id_);
   id_.reset();
@@ -64,7 +63,7 @@ void Menu::Create() {
   try {
     menu->SetTag(kTag);
     id_ = menu->Id();
-    shared_.Registry.SetLong(host::Hive::HKEY_LOCAL_MACHINE, kProductKey, kMenuItemID, *id_);
+    shared_.Registry.SetLong(host::Hive::LocalMachine, kProductKey, kMenuItemID, *id_);
     menu->SetCaption(language.GetText(u"Menu.Root", u"&Rowlark"));
     menu->SetBeginGroup(true);
     for (const auto& entry : kEntries) {

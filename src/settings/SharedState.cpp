@@ -8,7 +8,7 @@ void SharedState::Acquire() {
   if (users_++ > 0) return;
   Terminating = false;
   const auto read = [this](std::u16string_view value) {
-    return Registry.GetString(host::Hive::HKEY_LOCAL_MACHINE, kProductKey, value, u"");
+    return Registry.GetString(host::Hive::LocalMachine, kProductKey, value, u"");
   };
   HelpDirectory = read(u"HelpPath");
   Language = std::make_shared<clsVTRLKLang>(

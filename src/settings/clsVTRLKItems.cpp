@@ -72,7 +72,7 @@ bool clsVTRLKItems::ToObject(std::u16string_view strData) {
   mstrHotKeyUnhide = options[3];
   auto language = options[4];
   if (language.empty()) {
-    language = shared_.Registry.GetString(host::Hive::HKEY_LOCAL_MACHINE, kProductKey, u"SetupLanguage", u"");
+    language = shared_.Registry.GetString(host::Hive::LocalMachine, kProductKey, u"SetupLanguage", u"");
     if (!language.empty()) language += u".lng";
   }
   shared_.Language->SetLangFile(language);

@@ -107,7 +107,7 @@ TEST(Menu, IsNeverHalfBuilt) {
 TEST(Init, LoadsTheConfigurationAndItsLanguage) {
   Addin addin;
   addin.registry.MachineWideIsWritable = true;
-  addin.shared.Registry.SetString(Hive::HKEY_LOCAL_MACHINE, kProductKey, u"SetupLanguage", u"english");
+  addin.shared.Registry.SetString(Hive::LocalMachine, kProductKey, u"SetupLanguage", u"english");
   addin.runtime.Init();
   EXPECT_EQ(ToUtf8(addin.runtime.Items->CfgFileName), addin.Path().string() + "/config/rowlark.cfg");
   addin.runtime.Language().SetLangFile(u"german.lng");

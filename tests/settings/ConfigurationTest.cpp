@@ -158,7 +158,7 @@ TEST(Configuration, TakesTheLanguageOfTheSetUpWhereItNamesNone) {
   for (const auto* setup : {u"", u"german"}) {
     Settings settings;
     if (*setup != u'\0') {
-      settings.shared.Registry.SetString(Hive::HKEY_LOCAL_MACHINE, kProductKey, u"SetupLanguage", setup);
+      settings.shared.Registry.SetString(Hive::LocalMachine, kProductKey, u"SetupLanguage", setup);
     }
     FillExample(settings);
     settings.items.ToObject(settings.items.ToString(true));
@@ -178,13 +178,14 @@ TEST(Configuration, KeepsWhatDamageLeaves) {
     EXPECT_EQ(cut.items.Exists(u"Sales.xls"), size >= text.find(u"Sales.xls000000002") + 9) << size;
     EXPECT_EQ(cut.items.DefaultItem->StartCol(), size >= cells_end ? -1 : 0) << size;
   }
+  Settings damaged;
   for (std::size_t at = 0; at < text.size(); ++at) {
-    for (const char16_t c : {u'0', u'9', u'x', u'\0', u'\xFFFD'}) {
+    for (char16_t c = 0; c < 256; ++c) {
       auto changed = text;
       changed[at] = c;
-      Settings damaged;
-      EXPECT_TRUE(damaged.items.ToObject(changed));
-      EXPECT_LE(damaged.items.ToString(false).size(), 2 * text.size());
+      clsVTRLKItems items(damaged.shared);
+      EXPECT_TRUE(items.ToObject(changed));
+      EXPECT_LE(items.ToString(false).size(), 2 * text.size());
     }
   }
 }

@@ -20,8 +20,8 @@ namespace {
 using host::Hive;
 using host::RegistryType;
 
-constexpr Hive kUser = Hive::HKEY_CURRENT_USER;
-constexpr Hive kMachine = Hive::HKEY_LOCAL_MACHINE;
+constexpr Hive kUser = Hive::CurrentUser;
+constexpr Hive kMachine = Hive::LocalMachine;
 constexpr std::u16string_view kKey = u"SOFTWARE\\Vantrel\\Ä";
 
 class RegistryStore : public ::testing::Test {
@@ -45,9 +45,9 @@ TEST_F(RegistryStore, KeepsTypedValues) {
   EXPECT_TRUE(registry_.SetString(kUser, kKey, u"", u""));
   EXPECT_TRUE(registry_.SetLong(kUser, kKey, u"a \"=\" b", -7));
   EXPECT_TRUE(registry_.SetBinary(kUser, kKey, u"Bytes", std::vector<uint8_t>{0, 0xFF, 0x1A}));
-  EXPECT_TRUE(file_.Write(kUser, kKey, u"Odd", {RegistryType::REG_SZ, {1}}));
-  EXPECT_TRUE(file_.Write(kUser, kKey, u"None", {RegistryType::REG_SZ, {}}));
-  EXPECT_TRUE(file_.Write(kUser, kKey, u"Short", {RegistryType::REG_DWORD, {1, 2}}));
+  EXPECT_TRUE(file_.Write(kUser, kKey, u"Odd", {RegistryType::String, {1}}));
+  EXPECT_TRUE(file_.Write(kUser, kKey, u"None", {RegistryType::String, {}}));
+  EXPECT_TRUE(file_.Write(kUser, kKey, u"Short", {RegistryType::Dword, {1, 2}}));
 
   EXPECT_EQ(registry_.GetString(kUser, u"software\\VANTREL\\ä\\", u"TEXT", u"x"), text);
   EXPECT_EQ(registry_.GetString(kUser, kKey, u"", u"x"), u"");

@@ -115,7 +115,7 @@ std::optional<RegistryValue> ParseValue(std::string_view text) {
     if (data.ends_with('\r')) data.remove_suffix(1);
     const std::optional<std::u16string> plain = TakeEscaped(data);
     if (!plain || !data.empty()) return std::nullopt;
-    RegistryValue value{RegistryType::REG_SZ, {}};
+    RegistryValue value{RegistryType::String, {}};
     for (const char16_t unit : *plain) AppendUnit(value.bytes, unit);
     AppendUnit(value.bytes, u'\0');
     return value;
@@ -126,15 +126,15 @@ std::optional<RegistryValue> ParseValue(std::string_view text) {
         *number > std::numeric_limits<uint32_t>::max()) {
       return std::nullopt;
     }
-    RegistryValue value{RegistryType::REG_DWORD, {}};
+    RegistryValue value{RegistryType::Dword, {}};
     for (int shift = 0; shift < 32; shift += 8) {
       value.bytes.push_back(static_cast<uint8_t>(static_cast<uint64_t>(*number) >> shift & 0xFF));
     }
     return value;
   }
   for (const auto& [word, number] :
-       {std::pair("hex", RegistryType::REG_BINARY), std::pair("hex(1)", RegistryType::REG_SZ),
-        std::pair("hex(4)", RegistryType::REG_DWORD)}) {
+       {std::pair("hex", RegistryType::Binary), std::pair("hex(1)", RegistryType::String),
+        std::pair("hex(4)", RegistryType::Dword)}) {
     if (type != word) continue;
     std::optional<std::vector<uint8_t>> bytes = ParseHex(data);
     if (!bytes) return std::nullopt;
@@ -146,12 +146,12 @@ std::optional<RegistryValue> ParseValue(std::string_view text) {
 std::string FormatValue(const RegistryValue& value) {
   const std::vector<uint8_t>& bytes = value.bytes;
   const std::size_t size = bytes.size();
-  if (value.type == RegistryType::REG_DWORD && size == 4) {
+  if (value.type == RegistryType::Dword && size == 4) {
     uint32_t number = 0;
     for (std::size_t i = 4; i-- > 0;) number = number << 8 | bytes[i];
     return "dword:" + std::to_string(static_cast<int32_t>(number));
   }
-  if (value.type == RegistryType::REG_SZ && size >= 2 && size % 2 == 0 && bytes[size - 2] == 0 &&
+  if (value.type == RegistryType::String && size >= 2 && size % 2 == 0 && bytes[size - 2] == 0 &&
       bytes[size - 1] == 0) {
     std::u16string text;
     for (std::size_t i = 0; i + 2 < size; i += 2) {
@@ -160,7 +160,7 @@ std::string FormatValue(const RegistryValue& value) {
     return "string:" + Escape(text);
   }
   std::string text = "hex";
-  if (value.type != RegistryType::REG_BINARY) {
+  if (value.type != RegistryType::Binary) {
     text += '(' + std::to_string(static_cast<uint32_t>(value.type)) + ')';
   }
   text += ':';
@@ -279,7 +279,7 @@ FileRegistry::Lines::iterator FileRegistry::FindValue(Lines& lines, std::u16stri
 }
 
 const std::u16string& FileRegistry::PathOf(Hive hive) const {
-  return hive == Hive::HKEY_LOCAL_MACHINE ? paths_.machine : paths_.user;
+  return hive == Hive::LocalMachine ? paths_.machine : paths_.user;
 }
 
 std::optional<FileRegistry::Lines> FileRegistry::Load(const std::u16string& file) const {

@@ -1,5 +1,5 @@
-// A message pump with a clock of its own, whose messages come from a script: for tests, and for programs without
-// a window.
+// A message pump with a clock of its own, whose messages come from a script: for tests, and for programs
+// without a window.
 #pragma once
 
 #include <cstdint>
