@@ -10,6 +10,6 @@ if [ "${1:-}" = --fix ]; then
 fi
 clang-format --dry-run -Werror "${sources[@]}"
 
-cmake --preset linux >/dev/null
+cmake --preset linux-release >/dev/null
 printf '%s\n' "${sources[@]}" | grep -E '^(src|apps|bench)/.*\.cpp$' |
-  xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/linux --extra-arg=-Wno-unknown-warning-option --warnings-as-errors='*'
+  xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/linux-release --extra-arg=-Wno-unknown-warning-option --warnings-as-errors='*'
