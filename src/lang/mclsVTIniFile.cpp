@@ -65,14 +65,14 @@ void mclsVTIniFile::SetFullName(std::u16string_view path) {
     throw AutomationError(kNoSource, Source(u"FullName"),
                           std::u16string(u"FullName = '").append(path).append(u"'"));
   }
-  fullName_ = path;
-  isFile_ = true;
+  full_name_ = path;
+  is_file_ = true;
   loaded_ = false;
 }
 
 std::u16string mclsVTIniFile::SourceString() {
   Load(u"SourceString");
-  return isFile_ ? JoinLines(text_) : text_;
+  return is_file_ ? JoinLines(text_) : text_;
 }
 
 void mclsVTIniFile::SetSourceString(std::u16string_view text) {
@@ -81,32 +81,32 @@ void mclsVTIniFile::SetSourceString(std::u16string_view text) {
     throw AutomationError(kNoSource, Source(u"SourceString"), u"The source string is empty");
   }
   text_ = text;
-  isFile_ = false;
+  is_file_ = false;
   loaded_ = true;
   parsed_ = false;
 }
 
 void mclsVTIniFile::SetSepData(std::u16string_view separator) {
-  sepData_ = separator;
+  sep_data_ = separator;
   parsed_ = false;
 }
 
 void mclsVTIniFile::SetSepComment(std::u16string_view separator) {
-  sepComment_ = separator;
+  sep_comment_ = separator;
   parsed_ = false;
 }
 
 void mclsVTIniFile::Load(std::u16string_view member) {
-  if (isFile_) {
+  if (is_file_) {
     // Taken before the file is read, so that a change in between is seen next time.
-    const auto time = files_.FileModified(fullName_);
-    if (!loaded_ || !time || time != sourceTime_) {
+    const auto time = files_.FileModified(full_name_);
+    if (!loaded_ || !time || time != source_time_) {
       try {
-        text_ = Trim(files_.StringRead(fullName_), kBlanksAndLineBreaks);
+        text_ = Trim(files_.StringRead(full_name_), kBlanksAndLineBreaks);
       } catch (const AutomationError&) {
-        throw AutomationError(kLoadFailed, Source(member), u"Error in loading INI file: " + fullName_);
+        throw AutomationError(kLoadFailed, Source(member), u"Error in loading INI file: " + full_name_);
       }
-      sourceTime_ = time;
+      source_time_ = time;
       loaded_ = true;
       parsed_ = false;
     }
@@ -124,12 +124,12 @@ mclsVTIniFile::Table mclsVTIniFile::Parse(std::u16string_view text) const {
   while (!rest.empty()) {
     const std::size_t begin = text.size() - rest.size();
     std::u16string_view line = TakeLine(rest);
-    const auto isContinued = [&] {
+    const auto is_continued = [&] {
       return line.ends_with(kContinued) && line.data() + line.size() < text.data() + text.size();
     };
-    if (isContinued()) {
+    if (is_continued()) {
       joined.clear();
-      for (; isContinued(); line = TakeLine(rest)) {
+      for (; is_continued(); line = TakeLine(rest)) {
         joined.append(Trim(line.substr(0, line.size() - kContinued.size()), kBlanks)).append(u" ");
       }
       joined.append(Trim(line, kBlanks));
@@ -144,7 +144,7 @@ mclsVTIniFile::Table mclsVTIniFile::Parse(std::u16string_view text) const {
       if (name.size() <= kMaxSectionName) section = name;
       continue;
     }
-    const Halves halves = Split(Split(line, sepComment_).before, sepData_);
+    const Halves halves = Split(Split(line, sep_comment_).before, sep_data_);
     if (!halves.after) continue;
     table.push_back({FullKey(section, Trim(halves.before, kBlanks)),
                      std::u16string(Trim(*halves.after, kBlanks)), begin, end});
@@ -153,33 +153,33 @@ mclsVTIniFile::Table mclsVTIniFile::Parse(std::u16string_view text) const {
   return table;
 }
 
-const mclsVTIniFile::Row* mclsVTIniFile::Find(const Table& table, std::u16string_view keyName,
-                                              std::u16string_view sectionName) {
-  const std::u16string key = FullKey(sectionName, keyName);
+const mclsVTIniFile::Row* mclsVTIniFile::Find(const Table& table, std::u16string_view key_name,
+                                              std::u16string_view section_name) {
+  const std::u16string key = FullKey(section_name, key_name);
   const auto found =
       std::lower_bound(table.begin(), table.end(), key,
                        [](const Row& row, const std::u16string& name) { return row.key < name; });
   return found != table.end() && found->key == key ? &*found : nullptr;
 }
 
-std::optional<std::u16string> mclsVTIniFile::GetData(std::u16string_view keyName,
-                                                     std::u16string_view sectionName) {
+std::optional<std::u16string> mclsVTIniFile::GetData(std::u16string_view key_name,
+                                                     std::u16string_view section_name) {
   Load(u"GetData");
-  const Row* const row = Find(table_, keyName, sectionName);
+  const Row* const row = Find(table_, key_name, section_name);
   return row == nullptr ? std::nullopt : std::optional(row->value);
 }
 
-void mclsVTIniFile::PutData(std::u16string_view keyName, std::u16string_view value,
-                            std::u16string_view sectionName) {
+void mclsVTIniFile::PutData(std::u16string_view key_name, std::u16string_view value,
+                            std::u16string_view section_name) {
   Load(u"PutData");
-  const Row* const row = Find(table_, keyName, sectionName);
+  const Row* const row = Find(table_, key_name, section_name);
   if (row == nullptr) {
     throw AutomationError(kKeyNotFound, Source(u"PutData"),
-                          std::u16string(u"Key not found: ").append(keyName));
+                          std::u16string(u"Key not found: ").append(key_name));
   }
 
   const std::u16string_view line = std::u16string_view(text_).substr(row->begin, row->end - row->begin);
-  const auto after = Split(Split(line, sepComment_).before, sepData_).after;
+  const auto after = Split(Split(line, sep_comment_).before, sep_data_).after;
   std::u16string changed = text_;
   if (after) {
     std::u16string_view old = TrimRight(*after, kBlanks);
@@ -192,17 +192,17 @@ void mclsVTIniFile::PutData(std::u16string_view keyName, std::u16string_view val
 
   // The one way to know that a value can be kept: read it back.
   const Table table = Parse(changed);
-  const Row* const written = Find(table, keyName, sectionName);
+  const Row* const written = Find(table, key_name, section_name);
   if (table.size() != table_.size() || written == nullptr || written->value != Trim(value, kBlanks)) {
     throw AutomationError::InvalidCall(Source(u"PutData"));
   }
   try {
-    files_.StringWrite(fullName_, changed);
+    files_.StringWrite(full_name_, changed);
   } catch (const AutomationError&) {
-    throw AutomationError(kWriteFailed, Source(u"PutData"), u"Error in write in INI file: " + fullName_);
+    throw AutomationError(kWriteFailed, Source(u"PutData"), u"Error in write in INI file: " + full_name_);
   }
   // A file is read again; its time may be the same as before.
-  loaded_ = !isFile_;
+  loaded_ = !is_file_;
   parsed_ = false;
   text_ = std::move(changed);
 }

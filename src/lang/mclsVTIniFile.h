@@ -32,7 +32,7 @@ class mclsVTIniFile {
   explicit mclsVTIniFile(const mclsVTFileSystem& files) : files_(files) {}
 
   // The file to read from. One that is missing raises `kNoSource` and the source stays what it was.
-  const std::u16string& FullName() const noexcept { return fullName_; }
+  const std::u16string& FullName() const noexcept { return full_name_; }
   void SetFullName(std::u16string_view path);
 
   // The text to read from instead of a file; one of blanks and line breaks alone raises `kNoSource`. Reading
@@ -41,19 +41,19 @@ class mclsVTIniFile {
   void SetSourceString(std::u16string_view text);
 
   // What parts key and value ("="), and what begins a comment ("'"). Empty separators part nothing.
-  const std::u16string& SepData() const noexcept { return sepData_; }
+  const std::u16string& SepData() const noexcept { return sep_data_; }
   void SetSepData(std::u16string_view separator);
-  const std::u16string& SepComment() const noexcept { return sepComment_; }
+  const std::u16string& SepComment() const noexcept { return sep_comment_; }
   void SetSepComment(std::u16string_view separator);
 
   // The value of a key, or nothing when there is no such key; an empty section stands for the lines before
   // the first header. Raises `kLoadFailed`.
-  std::optional<std::u16string> GetData(std::u16string_view keyName, std::u16string_view sectionName);
+  std::optional<std::u16string> GetData(std::u16string_view key_name, std::u16string_view section_name);
 
   // Replaces the value of a key that is there in its line and writes the source to `FullName`. Raises
   // `kLoadFailed`, `kKeyNotFound`, `kWriteFailed`, and an invalid call for a value that could not be read
   // back (line breaks, comment separators).
-  void PutData(std::u16string_view keyName, std::u16string_view value, std::u16string_view sectionName);
+  void PutData(std::u16string_view key_name, std::u16string_view value, std::u16string_view section_name);
 
  private:
   struct Row {
@@ -65,15 +65,15 @@ class mclsVTIniFile {
   using Table = std::vector<Row>;  // sorted by key
 
   Table Parse(std::u16string_view text) const;
-  static const Row* Find(const Table& table, std::u16string_view keyName, std::u16string_view sectionName);
+  static const Row* Find(const Table& table, std::u16string_view key_name, std::u16string_view section_name);
   void Load(std::u16string_view member);
 
   const mclsVTFileSystem& files_;
-  std::u16string fullName_;
-  std::u16string sepData_ = u"=";
-  std::u16string sepComment_ = u"'";
-  std::optional<std::filesystem::file_time_type> sourceTime_;  // of the file when it was read
-  bool isFile_ = true;
+  std::u16string full_name_;
+  std::u16string sep_data_ = u"=";
+  std::u16string sep_comment_ = u"'";
+  std::optional<std::filesystem::file_time_type> source_time_;  // of the file when it was read
+  bool is_file_ = true;
   bool loaded_ = false;  // the text is that of the source
   bool parsed_ = false;  // the table is that of the text
   std::u16string text_;

@@ -34,10 +34,10 @@ std::error_code SetTimes(const std::filesystem::path& file, const FileTimes& tim
 
 // Gives a file new content, or makes the file. Whatever happens, and wherever the process ends, the file
 // holds the old content whole or the new content whole, on disk. A link is followed; the file keeps its
-// permissions. Only a regular file that may be written is replaced. `betweenSteps` is called at every point
+// permissions. Only a regular file that may be written is replaced. `between_steps` is called at every point
 // where the process may end.
 std::error_code ReplaceContent(const std::filesystem::path& file, std::string_view bytes,
-                               const std::function<void()>& betweenSteps);
+                               const std::function<void()>& between_steps);
 
 // While it lives, no other process holds the lock of that file, which is made when missing. Waits for its
 // turn.

@@ -84,8 +84,8 @@ std::u16string Decode(std::string_view bytes) {
 
 std::u16string Absolute(std::u16string_view path, std::u16string_view base) {
   if (!PathMap::RootName(path).empty()) return std::u16string(path);
-  const bool isRooted = !path.empty() && kSeparators.find(path.front()) != kSeparators.npos;
-  if (isRooted) return std::u16string(PathMap::RootName(base)).append(path);
+  const bool is_rooted = !path.empty() && kSeparators.find(path.front()) != kSeparators.npos;
+  if (is_rooted) return std::u16string(PathMap::RootName(base)).append(path);
   return std::u16string(base).append(1, PathMap::Separator(base)).append(path);
 }
 
@@ -120,12 +120,12 @@ bool mclsVTFileSystem::IsDirEmpty(std::u16string_view directory) const {
   if (!IsPathExists(directory)) return true;
   std::error_code error;
   fs::directory_iterator entry(paths_.ToNative(directory), error);
-  bool isEmpty = true;
-  for (; !error && isEmpty && entry != fs::directory_iterator(); entry.increment(error)) {
-    isEmpty = platform::ToText(entry->path().filename()).starts_with(u'.');
+  bool is_empty = true;
+  for (; !error && is_empty && entry != fs::directory_iterator(); entry.increment(error)) {
+    is_empty = platform::ToText(entry->path().filename()).starts_with(u'.');
   }
   CheckDir(error, u"IsDirEmpty", directory);
-  return isEmpty;
+  return is_empty;
 }
 
 std::error_code mclsVTFileSystem::Kill(const fs::path& path, bool force) {
@@ -166,12 +166,12 @@ void mclsVTFileSystem::DirKill(std::u16string_view directory, bool force) const 
   CheckDir(error, u"DirKill", directory);
 }
 
-std::error_code mclsVTFileSystem::Rename(fs::path path, std::u16string_view newName) {
-  if (newName.empty() || newName.find_first_of(kSeparators) != newName.npos) {
+std::error_code mclsVTFileSystem::Rename(fs::path path, std::u16string_view new_name) {
+  if (new_name.empty() || new_name.find_first_of(kSeparators) != new_name.npos) {
     return std::make_error_code(std::errc::invalid_argument);
   }
   if (!path.has_filename()) path = path.parent_path();
-  const fs::path renamed = path.parent_path() / platform::ToPath(newName);
+  const fs::path renamed = path.parent_path() / platform::ToPath(new_name);
   std::error_code error;
   // The same file is there where letter case does not tell names apart.
   if (fs::exists(fs::symlink_status(renamed, error)) && !fs::equivalent(path, renamed, error)) {
@@ -181,17 +181,17 @@ std::error_code mclsVTFileSystem::Rename(fs::path path, std::u16string_view newN
   return error;
 }
 
-void mclsVTFileSystem::FileRename(std::u16string_view file, std::u16string_view newName) const {
+void mclsVTFileSystem::FileRename(std::u16string_view file, std::u16string_view new_name) const {
   const fs::path path = paths_.ToNative(file);
   std::error_code error = MissingFile(path);
-  if (!error) error = Rename(path, newName);
+  if (!error) error = Rename(path, new_name);
   CheckFile(error, u"FileRename", file);
 }
 
-void mclsVTFileSystem::DirRename(std::u16string_view directory, std::u16string_view newName) const {
+void mclsVTFileSystem::DirRename(std::u16string_view directory, std::u16string_view new_name) const {
   const fs::path path = paths_.ToNative(directory);
   std::error_code error = MissingDir(path);
-  if (!error) error = Rename(path, newName);
+  if (!error) error = Rename(path, new_name);
   CheckDir(error, u"DirRename", directory);
 }
 
@@ -282,12 +282,12 @@ void mclsVTFileSystem::StringWrite(std::u16string_view file, std::u16string_view
   WriteBytes(file, ToUtf8(text), u"StringWrite");
 }
 
-std::u16string mclsVTFileSystem::NormalizePath(std::u16string_view path, bool addBackslash,
-                                               std::u16string_view baseDirectory) const {
+std::u16string mclsVTFileSystem::NormalizePath(std::u16string_view path, bool add_backslash,
+                                               std::u16string_view base_directory) const {
   std::error_code ignored;
   const std::u16string current = platform::ToText(fs::current_path(ignored));
-  const std::u16string base = Absolute(baseDirectory, current);
-  if (!baseDirectory.empty()) fs::current_path(paths_.ToNative(base), ignored);
+  const std::u16string base = Absolute(base_directory, current);
+  if (!base_directory.empty()) fs::current_path(paths_.ToNative(base), ignored);
 
   const std::u16string full = Absolute(path, base);
   const std::u16string_view root = PathMap::RootName(full);
@@ -309,7 +309,7 @@ std::u16string mclsVTFileSystem::NormalizePath(std::u16string_view path, bool ad
 
   std::u16string normal(root);
   for (const std::u16string_view part : parts) normal.append(1, separator).append(part);
-  if (parts.empty() || addBackslash) normal += separator;
+  if (parts.empty() || add_backslash) normal += separator;
   return normal;
 }
 

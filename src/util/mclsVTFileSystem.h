@@ -49,8 +49,8 @@ class mclsVTFileSystem {
   void DirKill(std::u16string_view directory, bool force = false) const;
 
   // Renames within the same folder; never onto something that exists.
-  void FileRename(std::u16string_view file, std::u16string_view newName) const;
-  void DirRename(std::u16string_view directory, std::u16string_view newName) const;
+  void FileRename(std::u16string_view file, std::u16string_view new_name) const;
+  void DirRename(std::u16string_view directory, std::u16string_view new_name) const;
 
   // Makes every missing folder of the path. A drive must exist ("Drive is not found X:") and be ready
   // ("Device X: is not ready").
@@ -73,8 +73,8 @@ class mclsVTFileSystem {
   // The absolute path without "." and "..", in the form of the part that it begins with; on demand with a
   // separator at its end. A base directory becomes the process's current directory if it can, and relative
   // paths start there.
-  std::u16string NormalizePath(std::u16string_view path, bool addBackslash = false,
-                               std::u16string_view baseDirectory = {}) const;
+  std::u16string NormalizePath(std::u16string_view path, bool add_backslash = false,
+                               std::u16string_view base_directory = {}) const;
 
  protected:
   // Called while a file is replaced, wherever the process might end.
@@ -85,7 +85,7 @@ class mclsVTFileSystem {
   void WriteBytes(std::u16string_view file, std::string_view bytes, std::u16string_view member) const;
   // Both return the failure.
   static std::error_code Kill(const std::filesystem::path& path, bool force);
-  static std::error_code Rename(std::filesystem::path path, std::u16string_view newName);
+  static std::error_code Rename(std::filesystem::path path, std::u16string_view new_name);
 
   PathMap paths_;
 };

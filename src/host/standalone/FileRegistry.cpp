@@ -249,9 +249,9 @@ FileRegistry::Lines::iterator FileRegistry::EndOfSection(Lines& lines, Lines::it
 }
 
 FileRegistry::Lines::iterator FileRegistry::FindHeader(Lines& lines, Lines::iterator from,
-                                                       std::u16string_view foldedKey) {
-  return std::find_if(from, lines.end(), [foldedKey](const Line& line) {
-    return line.kind == Line::Kind::Header && line.name == foldedKey;
+                                                       std::u16string_view folded_key) {
+  return std::find_if(from, lines.end(), [folded_key](const Line& line) {
+    return line.kind == Line::Kind::Header && line.name == folded_key;
   });
 }
 
@@ -265,15 +265,15 @@ FileRegistry::Lines::iterator FileRegistry::MakeHeader(Lines& lines, std::u16str
 
 FileRegistry::Lines::iterator FileRegistry::FindValue(Lines& lines, std::u16string_view key,
                                                       std::u16string_view name) {
-  const std::u16string foldedKey = FoldCase(key), foldedName = FoldCase(name);
-  auto header = FindHeader(lines, lines.begin(), foldedKey);
+  const std::u16string folded_key = FoldCase(key), folded_name = FoldCase(name);
+  auto header = FindHeader(lines, lines.begin(), folded_key);
   while (header != lines.end()) {
     const auto end = EndOfSection(lines, header + 1);
-    const auto found = std::find_if(header + 1, end, [&foldedName](const Line& line) {
-      return line.kind == Line::Kind::Value && line.name == foldedName;
+    const auto found = std::find_if(header + 1, end, [&folded_name](const Line& line) {
+      return line.kind == Line::Kind::Value && line.name == folded_name;
     });
     if (found != end) return found;
-    header = FindHeader(lines, end, foldedKey);
+    header = FindHeader(lines, end, folded_key);
   }
   return lines.end();
 }

@@ -63,7 +63,7 @@ class FileRegistry final : public host::Registry {
   static Line HeaderLine(std::u16string_view key);
   // Where the values of a key end that begin behind a line.
   static Lines::iterator EndOfSection(Lines& lines, Lines::iterator from);
-  static Lines::iterator FindHeader(Lines& lines, Lines::iterator from, std::u16string_view foldedKey);
+  static Lines::iterator FindHeader(Lines& lines, Lines::iterator from, std::u16string_view folded_key);
   // The first header of the key, made if need be.
   static Lines::iterator MakeHeader(Lines& lines, std::u16string_view key);
   static Lines::iterator FindValue(Lines& lines, std::u16string_view key, std::u16string_view name);

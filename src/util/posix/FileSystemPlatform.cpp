@@ -37,14 +37,14 @@ class Descriptor {
 // A new file in a folder, removed again unless it was renamed.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const fs::path& folder) : file_(Create(folder, path_)), isThere_(*file_ >= 0) {}
+  explicit TemporaryFile(const fs::path& folder) : file_(Create(folder, path_)), is_there_(*file_ >= 0) {}
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {
-    if (isThere_) ::unlink(path_.c_str());
+    if (is_there_) ::unlink(path_.c_str());
   }
 
-  bool IsThere() const { return isThere_; }
+  bool IsThere() const { return is_there_; }
 
   bool Write(std::string_view bytes) {
     while (!bytes.empty()) {
@@ -70,7 +70,7 @@ class TemporaryFile {
 
   bool RenameTo(const fs::path& target) {
     if (::rename(path_.c_str(), target.c_str()) != 0) return false;
-    isThere_ = false;
+    is_there_ = false;
     return true;
   }
 
@@ -87,7 +87,7 @@ class TemporaryFile {
 
   fs::path path_;
   Descriptor file_;
-  bool isThere_;
+  bool is_there_;
 };
 
 // Where a path leads, the file itself need not exist.
@@ -146,36 +146,36 @@ std::error_code SetTimes(const fs::path& file, const FileTimes& times) {
 }
 
 std::error_code ReplaceContent(const fs::path& file, std::string_view bytes,
-                               const std::function<void()>& betweenSteps) {
+                               const std::function<void()>& between_steps) {
   std::error_code error;
   const fs::path target = FollowLinks(file, error);
   if (error) return error;
   if (!target.has_filename()) return std::make_error_code(std::errc::no_such_file_or_directory);
 
   struct stat old {};
-  const bool isThere = ::stat(target.c_str(), &old) == 0;
-  if (!isThere && errno != ENOENT) return LastError();
-  if (isThere) {
+  const bool is_there = ::stat(target.c_str(), &old) == 0;
+  if (!is_there && errno != ENOENT) return LastError();
+  if (is_there) {
     if (S_ISDIR(old.st_mode)) return std::make_error_code(std::errc::is_a_directory);
     if (!S_ISREG(old.st_mode)) return std::make_error_code(std::errc::operation_not_permitted);
     if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) return LastError();
   }
 
-  betweenSteps();
+  between_steps();
   const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
   TemporaryFile beside(folder);
   if (!beside.IsThere()) return LastError();
-  betweenSteps();
+  between_steps();
   if (!beside.Write(bytes)) return LastError();
-  betweenSteps();
-  if (isThere && !beside.TakePermissions(old)) return LastError();
-  betweenSteps();
+  between_steps();
+  if (is_there && !beside.TakePermissions(old)) return LastError();
+  between_steps();
   if (!beside.Flush()) return LastError();
-  betweenSteps();
+  between_steps();
   if (!beside.Close()) return LastError();
-  betweenSteps();
+  between_steps();
   if (!beside.RenameTo(target)) return LastError();
-  betweenSteps();
+  between_steps();
   Flush(folder);
   return {};
 }
