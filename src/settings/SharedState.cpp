@@ -11,6 +11,9 @@ void SharedState::Acquire() {
     return Registry.GetString(host::Hive::LocalMachine, kProductKey, value, u"");
   };
   HelpDirectory = read(u"HelpPath");
+  if (!HelpDirectory.empty() && !HelpDirectory.ends_with(u'\\') && !HelpDirectory.ends_with(u'/')) {
+    HelpDirectory += u'\\';
+  }
   Language = std::make_shared<clsVTRLKLang>(
       clsVTRLKLang::Environment{Platform.Files, Platform.LibraryFolder,
                                 [read] { return read(u"SetupLanguage"); }, [this] { return HelpDirectory; }});
