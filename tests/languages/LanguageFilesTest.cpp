@@ -4,21 +4,18 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <regex>
 #include <set>
 #include <sstream>
-#include <string>
-#include <string_view>
-#include <utility>
-#include <vector>
 
 #include "util/Text.h"
 #include "util/Utf.h"
 
 namespace rowlark {
 namespace {
+
+using Texts = std::vector<std::pair<std::string, std::string>>;
 
 const std::filesystem::path kFolder = ROWLARK_FOLDER;
 
@@ -33,8 +30,7 @@ const Language kLanguages[] = {
     {"german.lng", "German", "Deutsch", "vt_rlk_de.chm"},
     {"polish.lng", "Polish", "Polski", "vt_rlk_pl.chm"},
     {"russian.lng", "Russian", "Русский", "vt_rlk_ru.chm", U"абвгдеёжзийклмнопрстуфхцчшщъыьэюя"},
-    {"spanish.lng", "Spanish", "Español", "vt_rlk_es.chm"},
-};
+    {"spanish.lng", "Spanish", "Español", "vt_rlk_es.chm"}};
 
 // Captions that are on the screen together: those with the prefix, but for one.
 constexpr std::pair<std::string_view, std::string_view> kForms[] = {{"Menu.", "Menu.Root"},
@@ -43,17 +39,14 @@ constexpr std::pair<std::string_view, std::string_view> kForms[] = {{"Menu.", "M
                                                                     {"Edit.UI.", ""}};
 
 // The sources give these keys two default texts; this one is not the file's.
-const std::set<std::pair<std::string, std::string>> kOtherDefaults = {
-    {"Err.SearchHide", "Error #%1: Can't show/hide rows %2"},
-    {"Options.UI.Tree.Books", "Books"},
-    {"Options.UI.Tree.Edit", "Edit"}};
+const Texts kOtherDefaults = {{"Err.SearchHide", "Error #%1: Can't show/hide rows %2"},
+                              {"Options.UI.Tree.Books", "Books"},
+                              {"Options.UI.Tree.Edit", "Edit"}};
 
 std::string ReadAll(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
-
-using Texts = std::vector<std::pair<std::string, std::string>>;
 
 // Key and text of every line that is not a comment. One text has no key and begins with the "=".
 Texts ReadTexts(std::string_view file) {
@@ -76,8 +69,7 @@ Texts ReadTexts(std::string_view file) {
 // What a text shares with its English twin: placeholders, line breaks, whether it has an accelerator.
 std::multiset<std::string> Shape(const std::string& text) {
   static const std::regex mark(R"(%\d*|\\.?|&)");
-  const std::sregex_token_iterator first(text.begin(), text.end(), mark);
-  return {first, {}};
+  return {std::sregex_token_iterator(text.begin(), text.end(), mark), std::sregex_token_iterator()};
 }
 
 TEST(LanguageFiles, HaveTheSameKeysAndShapes) {
@@ -87,35 +79,33 @@ TEST(LanguageFiles, HaveTheSameKeysAndShapes) {
   for (const Language& language : kLanguages) {
     SCOPED_TRACE(language.file);
     const Texts texts = ReadTexts(language.file);
-    for (std::size_t i = 0; i < std::min(texts.size(), english.size()); ++i) {
+    ASSERT_EQ(texts.size(), english.size());
+    for (std::size_t i = 0; i < texts.size(); ++i) {
       ASSERT_EQ(texts[i].first, english[i].first) << "the order is English's";
       EXPECT_EQ(Shape(texts[i].second), Shape(english[i].second)) << texts[i].first;
     }
-    EXPECT_EQ(texts.size(), english.size());
     std::map<std::string, std::string> header(texts.begin(), texts.end());
     EXPECT_EQ(header["PRG_KEY"], "VTRLK 1.x");
     EXPECT_EQ(header["LANGUAGE_NAME"], language.own_name);
     EXPECT_EQ(header["LANGUAGE_NAME_ENG"], language.name);
     EXPECT_EQ(header["HELP_FILE_NAME"], language.help_file);
   }
-  const auto files = std::filesystem::directory_iterator(kFolder / "languages");
-  EXPECT_EQ(
-      std::count_if(begin(files), end(files), [](const auto& f) { return f.path().extension() == ".lng"; }),
-      std::ssize(kLanguages));
+  const std::filesystem::directory_iterator files(kFolder / "languages");
+  const auto is_language = [](const auto& file) { return file.path().extension() == ".lng"; };
+  EXPECT_EQ(std::count_if(begin(files), end(files), is_language), std::ssize(kLanguages));
 }
 
 TEST(LanguageFiles, AcceleratorsOfAFormAreTypeableAndDiffer) {
   for (const Language& language : kLanguages) {
     for (const auto& [prefix, except] : kForms) {
-      std::map<char32_t, std::string> taken;
+      std::set<char32_t> taken;
       for (const auto& [key, text] : ReadTexts(language.file)) {
         const std::size_t mark = text.find('&');
         if (!key.starts_with(prefix) || key == except || mark == std::string::npos) continue;
         std::string_view rest = std::string_view(text).substr(mark + 1);
         const char32_t letter = ToLower(TakeUtf8(rest));
-        EXPECT_NE(language.letters.find(letter), std::u32string_view::npos) << language.file << ' ' << key;
-        const auto [other, is_new] = taken.emplace(letter, key);
-        EXPECT_TRUE(is_new) << language.file << ' ' << key << " and " << other->second;
+        EXPECT_NE(language.letters.find(letter), language.letters.npos) << language.file << ' ' << key;
+        EXPECT_TRUE(taken.insert(letter).second) << language.file << ' ' << key << ": taken";
       }
     }
   }
