@@ -35,16 +35,14 @@ TEST(Dictionary, FindsReplacesAndRemoves) {
   dictionary.Add(u"key", u"second");
   dictionary.Add(u"other", 2);
   EXPECT_EQ(std::get<std::u16string>(dictionary.Data(u"kEy")), u"first");
-
   dictionary.SetData(u"KEY", 1.5);
   dictionary.SetData(1, 7);
-  EXPECT_EQ(std::get<int32_t>(dictionary.Data(u"other")), 7);
+  EXPECT_EQ(dictionary.Data(u"other"), mclsVTDictionary::Value(7));
   dictionary.SetKey(0, u"OTHER");  // taken
   EXPECT_EQ(Keys(dictionary), u"Key other ");
   dictionary.SetKey(0, dictionary.Key(0).substr(1));
   EXPECT_EQ(Keys(dictionary), u"ey other ");
-  EXPECT_EQ(std::get<double>(dictionary.Data(u"EY")), 1.5);
-
+  EXPECT_EQ(dictionary.Data(u"EY"), mclsVTDictionary::Value(1.5));
   dictionary.Remove(0);
   EXPECT_TRUE(!dictionary.Exists(u"ey") && dictionary.Exists(u"OTHER"));
   dictionary.Remove(u"OTHER");

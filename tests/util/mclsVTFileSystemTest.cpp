@@ -33,8 +33,9 @@ std::u16string FailureOf(const std::function<void()>& operation) {
 // Runs `work` in a process of its own, which succeeds when it comes to the end without a failure.
 pid_t Start(const std::function<void()>& work) {
   const pid_t process = ::fork();
-  if (process == 0) work(), ::_exit(testing::Test::HasFailure() ? 1 : 0);
-  return process;
+  if (process != 0) return process;
+  work();
+  ::_exit(testing::Test::HasFailure() ? 1 : 0);
 }
 bool Succeeds(pid_t process) {
   int status = 0;
