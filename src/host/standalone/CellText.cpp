@@ -110,19 +110,29 @@ const CellText::Block* CellText::BlockOf(int32_t row) const {
   return index < blocks_.size() ? blocks_[index].get() : nullptr;
 }
 
-std::string_view CellText::Cell(int32_t row, int32_t column, bool folded) const {
+std::string_view CellText::Row(int32_t row, bool folded) const {
   const auto* block = BlockOf(row);
   const auto index = RowInBlock(row);
-  std::string_view found;
-  if (block != nullptr && index < static_cast<std::size_t>(block->Rows())) {
-    const auto& twin = block->twins[folded ? 1 : 0];
-    ForEachCell({twin.Row(index), twin.start[index + 1] - twin.start[index]},
-                [&](int32_t at, std::string_view text) {
-                  if (at == column) found = text;
-                  return at == column;
-                });
+  if (block == nullptr || index >= static_cast<std::size_t>(block->Rows())) return {};
+  const auto& twin = block->twins[folded ? 1 : 0];
+  return {twin.Row(index), twin.start[index + 1] - twin.start[index]};
+}
+
+std::string_view CellText::Cell(int32_t row, int32_t column, bool folded) const {
+  return CellReader(*this, folded).Cell(row, column);
+}
+
+std::string_view CellReader::Cell(int32_t row, int32_t column) {
+  if (row != row_ || column < column_) {
+    row_ = row;
+    column_ = 1;
+    rest_ = text_.Row(row, folded_);
   }
-  return found;
+  for (; column_ < column && rest_.size() > 1; ++column_) {
+    rest_.remove_prefix(std::min(rest_.find(CellText::kSeparator, 1), rest_.size()));
+  }
+  if (column_ < column || rest_.size() <= 1) return {};
+  return rest_.substr(1, rest_.find(CellText::kSeparator, 1) - 1);
 }
 
 void CellText::SetCell(int32_t row, int32_t column, std::string_view text) {
@@ -131,13 +141,13 @@ void CellText::SetCell(int32_t row, int32_t column, std::string_view text) {
     for (auto& twin : block.twins) AddRow(twin, [](std::string&) {});
   }
   const auto index = RowInBlock(row);
-  auto& exact = block.twins[0];
   std::vector<std::string_view> cells;
-  ForEachCell({exact.Row(index), exact.start[index + 1] - exact.start[index]},
-              [&](int32_t, std::string_view cell) {
-                cells.push_back(cell);
-                return false;
-              });
+  for (auto rest = Row(row); rest.size() > 1;) {
+    rest.remove_prefix(1);
+    const auto end = rest.find(kSeparator);
+    cells.push_back(rest.substr(0, end));
+    rest.remove_prefix(end);
+  }
   if (cells.size() < static_cast<std::size_t>(column)) cells.resize(static_cast<std::size_t>(column));
   cells[static_cast<std::size_t>(column) - 1] = text;
 

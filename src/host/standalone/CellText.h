@@ -39,6 +39,8 @@ class CellText {
   void AppendRow(std::span<const std::string_view> cells);
 
   std::string_view Cell(int32_t row, int32_t column, bool folded = false) const;
+  // What a row stores: separators and texts; empty for a row that stores nothing.
+  std::string_view Row(int32_t row, bool folded = false) const;
   void SetCell(int32_t row, int32_t column, std::string_view text);
 
   // The smallest rectangle that holds every cell that ever had a text.
@@ -64,18 +66,20 @@ class CellText {
   uint64_t version_ = 0;
 };
 
-// The rest of a row: calls `visit(column, text)` for each stored cell until it returns true.
-template <class Visit>
-bool ForEachCell(std::string_view row, Visit&& visit) {
-  int32_t column = 1;
-  while (row.size() > 1) {
-    row.remove_prefix(1);
-    const auto end = row.find(CellText::kSeparator);
-    if (visit(column, row.substr(0, end))) return true;
-    row.remove_prefix(end);
-    ++column;
-  }
-  return false;
-}
+// Reads cells one after the other: going on to the right in a row costs only the way from the last cell read.
+class CellReader {
+ public:
+  CellReader(const CellText& text, bool folded) : text_(text), folded_(folded) {}
+
+  // Empty for a cell that stores nothing.
+  std::string_view Cell(int32_t row, int32_t column);
+
+ private:
+  const CellText& text_;
+  bool folded_;
+  int32_t row_ = 0;
+  int32_t column_ = 0;     // of the cell that `rest_` begins with
+  std::string_view rest_;  // of the row, from the separator before that cell
+};
 
 }  // namespace rowlark::standalone

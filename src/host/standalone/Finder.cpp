@@ -28,6 +28,12 @@ const char* CellStart(const char* row, const char* end, int32_t column) {
   return row;
 }
 
+// Where the text of the cell begins that a place lies in.
+const char* CellBegin(const char* place) {
+  while (place[-1] != CellText::kSeparator) --place;
+  return place;
+}
+
 std::optional<Rect> Intersect(const Rect& a, const Rect& b) {
   const Rect both{std::max(a.first_row, b.first_row), std::max(a.first_column, b.first_column),
                   std::min(a.last_row, b.last_row), std::min(a.last_column, b.last_column)};
@@ -131,7 +137,8 @@ std::optional<Cell> Finder::Wrap(const Haystack& haystack, std::size_t after_are
       (areas.size() == 1 || first_.areas == areas.data())) {
     const Cell start{areas[0].first_row, areas[0].first_column};
     batch_.text = nullptr;
-    return Matches(haystack, start) ? start : first_.cell;
+    CellReader reader(haystack.text, !pattern_.MatchCase());
+    return Matches(haystack, start, reader) ? start : first_.cell;
   }
   const std::size_t begin = Forward() ? 0 : areas.size() - 1;
   for (std::size_t area = begin;; area = Forward() ? area + 1 : area - 1) {
@@ -152,9 +159,9 @@ std::optional<Cell> Finder::Wrap(const Haystack& haystack, std::size_t after_are
 }
 
 // The host finds values as they are shown: not in hidden rows.
-bool Finder::Matches(const Haystack& haystack, Cell cell) const {
+bool Finder::Matches(const Haystack& haystack, Cell cell, CellReader& reader) const {
   if (look_in_ == host::xlValues && haystack.hidden.Contains(cell.row)) return false;
-  return pattern_.Matches(haystack.text.Cell(cell.row, cell.column, !pattern_.MatchCase()));
+  return pattern_.Matches(reader.Cell(cell.row, cell.column));
 }
 
 std::optional<Cell> Finder::Successor(const Rect& area, Cell cell) const {
@@ -250,7 +257,7 @@ void Finder::FillBatch(const Haystack& haystack, const Rect& area, Cell from, bo
           std::memchr(text, CellText::kSeparator, static_cast<std::size_t>(row_end - text)));
       if (columns >= area.first_column) {
         const Cell cell{found_row, columns};
-        if (pattern_.LiteralSuffices() || Matches(haystack, cell)) {
+        if (pattern_.LiteralSuffices() || pattern_.Matches({CellBegin(text), cell_end})) {
           batch_.matches[batch_.count++] = {cell, cell_end};
           if (batch_.count == 1) end = std::min(end, cell_end + kBatchBytes);
           if (batch_.count == batch_.matches.size()) {
@@ -284,9 +291,10 @@ std::optional<Cell> Finder::InAreaByCell(const Haystack& haystack, const Rect& a
   const Rect turned = turn(rect);
   const Cell start =
       Forward() ? Cell{area.first_row, area.first_column} : Cell{area.last_row, area.last_column};
+  CellReader reader(haystack.text, !pattern_.MatchCase());
   for (auto at = Enter(turned, turn(from.value_or(start)), Forward()); at;
        at = Step(turned, *at, Forward())) {
-    if (const Cell cell = turn(*at); Matches(haystack, cell)) return cell;
+    if (const Cell cell = turn(*at); Matches(haystack, cell, reader)) return cell;
   }
   return std::nullopt;
 }

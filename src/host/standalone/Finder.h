@@ -89,7 +89,7 @@ class Finder {
   // Whether the batch stands at that cell of that haystack.
   bool StandsAt(const Haystack& haystack, Cell cell) const;
   void StartBatch(const Haystack& haystack, const Rect& area);
-  bool Matches(const Haystack& haystack, Cell cell) const;
+  bool Matches(const Haystack& haystack, Cell cell, CellReader& reader) const;
   std::optional<Cell> Successor(const Rect& area, Cell cell) const;
   std::optional<Cell> Wrap(const Haystack& haystack, std::size_t area, Cell after);
   // The first match of an area at or behind `from`, or in the whole of it, as the first of a new batch.
