@@ -126,7 +126,7 @@ std::string_view CellReader::Cell(int32_t row, int32_t column) {
   if (row != row_ || column < column_) {
     row_ = row;
     column_ = 1;
-    rest_ = text_.Row(row, folded_);
+    rest_ = text_->Row(row, folded_);
   }
   for (; column_ < column && rest_.size() > 1; ++column_) {
     rest_.remove_prefix(std::min(rest_.find(CellText::kSeparator, 1), rest_.size()));

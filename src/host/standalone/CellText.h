@@ -69,13 +69,17 @@ class CellText {
 // Reads cells one after the other: going on to the right in a row costs only the way from the last cell read.
 class CellReader {
  public:
-  CellReader(const CellText& text, bool folded) : text_(text), folded_(folded) {}
+  CellReader(const CellText& text, bool folded) : text_(&text), version_(text.Version()), folded_(folded) {}
+
+  // Whether it reads that text, as it was when the reader was made.
+  bool Reads(const CellText& text) const { return text_ == &text && version_ == text.Version(); }
 
   // Empty for a cell that stores nothing.
   std::string_view Cell(int32_t row, int32_t column);
 
  private:
-  const CellText& text_;
+  const CellText* text_;
+  uint64_t version_;
   bool folded_;
   int32_t row_ = 0;
   int32_t column_ = 0;     // of the cell that `rest_` begins with

@@ -90,6 +90,7 @@ void Finder::Begin(const host::FindArguments& arguments) {
 void Finder::Forget() {
   sampled_ = nullptr;
   batch_.text = nullptr;
+  reader_.reset();
   first_ = {};
 }
 
@@ -137,8 +138,7 @@ std::optional<Cell> Finder::Wrap(const Haystack& haystack, std::size_t after_are
       (areas.size() == 1 || first_.areas == areas.data())) {
     const Cell start{areas[0].first_row, areas[0].first_column};
     batch_.text = nullptr;
-    CellReader reader(haystack.text, !pattern_.MatchCase());
-    return Matches(haystack, start, reader) ? start : first_.cell;
+    return Matches(haystack, start) ? start : first_.cell;
   }
   const std::size_t begin = Forward() ? 0 : areas.size() - 1;
   for (std::size_t area = begin;; area = Forward() ? area + 1 : area - 1) {
@@ -159,9 +159,10 @@ std::optional<Cell> Finder::Wrap(const Haystack& haystack, std::size_t after_are
 }
 
 // The host finds values as they are shown: not in hidden rows.
-bool Finder::Matches(const Haystack& haystack, Cell cell, CellReader& reader) const {
+bool Finder::Matches(const Haystack& haystack, Cell cell) {
   if (look_in_ == host::xlValues && haystack.hidden.Contains(cell.row)) return false;
-  return pattern_.Matches(reader.Cell(cell.row, cell.column));
+  if (!reader_ || !reader_->Reads(haystack.text)) reader_.emplace(haystack.text, !pattern_.MatchCase());
+  return pattern_.Matches(reader_->Cell(cell.row, cell.column));
 }
 
 std::optional<Cell> Finder::Successor(const Rect& area, Cell cell) const {
@@ -279,7 +280,7 @@ void Finder::FillBatch(const Haystack& haystack, const Rect& area, Cell from, bo
 }
 
 std::optional<Cell> Finder::InAreaByCell(const Haystack& haystack, const Rect& area,
-                                         std::optional<Cell> from) const {
+                                         std::optional<Cell> from) {
   Rect rect = area;
   if (!pattern_.IsEmpty()) {  // only cells with a text can match
     const auto used = haystack.text.Used();
@@ -291,10 +292,9 @@ std::optional<Cell> Finder::InAreaByCell(const Haystack& haystack, const Rect& a
   const Rect turned = turn(rect);
   const Cell start =
       Forward() ? Cell{area.first_row, area.first_column} : Cell{area.last_row, area.last_column};
-  CellReader reader(haystack.text, !pattern_.MatchCase());
   for (auto at = Enter(turned, turn(from.value_or(start)), Forward()); at;
        at = Step(turned, *at, Forward())) {
-    if (const Cell cell = turn(*at); Matches(haystack, cell, reader)) return cell;
+    if (const Cell cell = turn(*at); Matches(haystack, cell)) return cell;
   }
   return std::nullopt;
 }

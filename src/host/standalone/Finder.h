@@ -89,13 +89,12 @@ class Finder {
   // Whether the batch stands at that cell of that haystack.
   bool StandsAt(const Haystack& haystack, Cell cell) const;
   void StartBatch(const Haystack& haystack, const Rect& area);
-  bool Matches(const Haystack& haystack, Cell cell, CellReader& reader) const;
+  bool Matches(const Haystack& haystack, Cell cell);
   std::optional<Cell> Successor(const Rect& area, Cell cell) const;
   std::optional<Cell> Wrap(const Haystack& haystack, std::size_t area, Cell after);
   // The first match of an area at or behind `from`, or in the whole of it, as the first of a new batch.
   std::optional<Cell> InArea(const Haystack& haystack, const Rect& area, std::optional<Cell> from);
-  std::optional<Cell> InAreaByCell(const Haystack& haystack, const Rect& area,
-                                   std::optional<Cell> from) const;
+  std::optional<Cell> InAreaByCell(const Haystack& haystack, const Rect& area, std::optional<Cell> from);
   // Fills the batch, going on from where it stands when `resume` is set.
   void FillBatch(const Haystack& haystack, const Rect& area, Cell from, bool resume);
 
@@ -110,6 +109,7 @@ class Finder {
   host::XlSearchDirection direction_ = host::xlNext;
 
   Batch batch_;
+  std::optional<CellReader> reader_;  // stands at the last cell that was looked at by itself
   FirstMatch first_;
 };
 
