@@ -112,6 +112,14 @@ TEST(Find, SeesValuesInVisibleRowsAndFormulasEverywhere) {
   EXPECT_EQ(FindAll(*sample.sheet->Range(u"A1:A4"), arguments), "A2 A3 A4 A1");
 }
 
+// Matches are found some thousand bytes at a time; one may begin before such an end and go on behind it.
+TEST(Find, MissesNothingBetweenTwoBatches) {
+  for (std::size_t filler = 4070; filler < 4110; ++filler) {
+    const SampleHost sample("needle|" + std::string(filler, 'x') + "|needle|needle");
+    EXPECT_EQ(FindAll(*sample.sheet->Range(u"A1:A4"), What(u"needle")), "A3 A4 A1") << filler;
+  }
+}
+
 TEST(Scan, AgreesWithAnObviousSearch) {
   std::mt19937 random(1);
   const auto pick = [&](std::size_t n) { return static_cast<std::size_t>(random()) % n; };

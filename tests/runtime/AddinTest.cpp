@@ -89,6 +89,25 @@ TEST(Menu, IsThereOnceWhateverHappens) {
   }
 }
 
+// Counts the menus that are made.
+class CountingHost final : public host::Forwarding {
+ public:
+  int Menus = 0;
+  void OnCall(std::string_view operation) override {
+    Menus += operation == "CommandBar.Controls.Add" ? 1 : 0;
+  }
+};
+
+TEST(Menu, IsBuiltOnceWhenItsTextsLoadTheLanguage) {
+  Addin addin;
+  addin.runtime.Language().SetPath(addin.runtime.Language().Path());  // unloaded
+  CountingHost counting;
+  addin.runtime.SetExcelApp(counting.Wrap(Ref<host::Application>(addin.application)));
+  addin.runtime.MenuCreate();
+  EXPECT_EQ(counting.Menus, 1);
+  addin.runtime.SetExcelApp(nullptr);
+}
+
 TEST(Menu, IsNeverHalfBuilt) {
   for (int64_t n = 1;; ++n) {
     Addin addin;

@@ -2,6 +2,7 @@
 // can.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 #include "Session.h"
@@ -116,6 +117,9 @@ TEST(Reentrance, DoStopEndsEveryWait) {
       if (later < 2) {
         EXPECT_EQ(session.events, "TF");
       }
+      if (later == 0) {  // no loop goes on
+        EXPECT_LE(session.pump.Passes(), std::max<int64_t>(point, 4) + 1);
+      }
     });
   }
 }
@@ -138,22 +142,35 @@ TEST(Reentrance, ListenersOfTheEventMaySearch) {
 // A host that calls back from inside an operation.
 class CallingHost final : public host::Forwarding {
  public:
-  std::function<void()> OnFind;
+  CallingHost(std::string_view operation, std::function<void()> call)
+      : operation_(operation), call_(std::move(call)) {}
   void OnCall(std::string_view operation) override {
-    if (operation == "Range.Find" && OnFind) std::exchange(OnFind, nullptr)();
+    if (operation == operation_ && call_) std::exchange(call_, nullptr)();
   }
+
+ private:
+  std::string_view operation_;
+  std::function<void()> call_;
 };
 
 TEST(Reentrance, ACallFromInsideAHostOperationIsRefused) {
   Session session(kTable);
-  CallingHost calling;
   std::u16string error = u"untouched";
   bool nested = true;
-  calling.OnFind = [&] { nested = session.runtime.Search(u"bob", error); };
+  CallingHost calling("Range.Find", [&] { nested = session.runtime.Search(u"bob", error); });
   session.runtime.SetExcelApp(calling.Wrap(Ref<host::Application>(session.application)));
   EXPECT_EQ(session.Search(u"ann"), "found");
   EXPECT_FALSE(nested);
   EXPECT_EQ(error, u"untouched");
+  session.runtime.SetExcelApp(nullptr);
+}
+
+TEST(Reentrance, ARowThatIsHiddenMeanwhileDoesNotCount) {
+  Session session(kTable);
+  session.runtime.SearchOptions->UseFilter = false;
+  CallingHost calling("Range.EntireRow.Hidden", [&] { session.sheet->SetHidden({2, 1, 2, 1}, true); });
+  session.runtime.SetExcelApp(calling.Wrap(Ref<host::Application>(session.application)));
+  EXPECT_EQ(session.Search(u"ann"), "Text not found");
   session.runtime.SetExcelApp(nullptr);
 }
 
