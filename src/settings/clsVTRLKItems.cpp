@@ -104,15 +104,11 @@ bool clsVTRLKItems::CfgSave(bool ResetLangFile) {
 
 bool clsVTRLKItems::CfgLoad() {
   if (!shared_.Platform.Files.IsFileExists(CfgFileName)) return true;
-  std::u16string text;
   try {
-    text = shared_.Platform.Files.StringRead(CfgFileName);
+    return ToObject(shared_.Platform.Files.StringRead(CfgFileName));
   } catch (const std::exception&) {
     return false;
   }
-  if (text.ends_with(u'\n')) text.pop_back();  // as editors leave it
-  if (text.ends_with(u'\r')) text.pop_back();
-  return ToObject(text);
 }
 
 // Only profiles are ever added.

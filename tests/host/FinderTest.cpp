@@ -115,8 +115,8 @@ TEST(Find, SeesValuesInVisibleRowsAndFormulasEverywhere) {
 // Matches are found some thousand bytes at a time; one may begin before such an end and go on behind it.
 TEST(Find, MissesNothingBetweenTwoBatches) {
   for (std::size_t filler = 4070; filler < 4110; ++filler) {
-    const SampleHost sample("needle|" + std::string(filler, 'x') + "|needle|needle");
-    EXPECT_EQ(FindAll(*sample.sheet->Range(u"A1:A4"), What(u"needle")), "A3 A4 A1") << filler;
+    const SampleHost sample("x|needle|" + std::string(filler, 'x') + "|needle");
+    EXPECT_EQ(FindAll(*sample.sheet->Range(u"A1:A4"), What(u"needle")), "A2 A4") << filler;
   }
 }
 
