@@ -50,6 +50,12 @@ std::u16string ChangePiece(std::u16string_view piece, int32_t mode) {
   return changed += ToLower(piece);
 }
 
+// The first or last separator; none when it is empty.
+std::size_t FindSeparator(std::u16string_view source, std::u16string_view separator, bool last) {
+  if (separator.empty()) return source.npos;
+  return last ? source.rfind(separator) : source.find(separator);
+}
+
 std::optional<std::size_t> ReadCount(std::u16string_view digits) {
   if (digits.size() != kCountDigits) return std::nullopt;
   std::size_t count = 0;
@@ -197,9 +203,7 @@ std::u16string mclsVTString::Filter(std::u16string_view source, std::u16string_v
 std::u16string mclsVTString::GetLeft(std::u16string_view source, std::u16string_view separator,
                                      bool from_right, bool include_separator, bool whole_if_not_found) {
   Position(source.size(), u"GetLeft");
-  const std::size_t at = separator.empty() ? source.npos
-                         : from_right      ? source.rfind(separator)
-                                           : source.find(separator);
+  const std::size_t at = FindSeparator(source, separator, from_right);
   if (at == source.npos) return std::u16string(whole_if_not_found ? source : std::u16string_view());
   return std::u16string(source.substr(0, include_separator ? at + separator.size() : at));
 }
@@ -207,9 +211,7 @@ std::u16string mclsVTString::GetLeft(std::u16string_view source, std::u16string_
 std::u16string mclsVTString::GetRight(std::u16string_view source, std::u16string_view separator,
                                       bool from_left, bool include_separator, bool whole_if_not_found) {
   Position(source.size(), u"GetRight");
-  const std::size_t at = separator.empty() ? source.npos
-                         : from_left       ? source.find(separator)
-                                           : source.rfind(separator);
+  const std::size_t at = FindSeparator(source, separator, !from_left);
   if (at == source.npos) return std::u16string(whole_if_not_found ? source : std::u16string_view());
   return std::u16string(source.substr(include_separator ? at : at + separator.size()));
 }
