@@ -1,0 +1,27 @@
+#pragma once
+
+#include "controls/Control.h"
+
+namespace rowlark::controls {
+
+// A change of its value is a click, whoever makes it.
+class CheckBox final : public Control {
+ public:
+  CheckBox(Form& form, std::u16string_view name) : Control(form, ControlKind::CheckBox, name) {}
+
+  bool Value() const { return value_; }
+  void SetValue(bool checked) {
+    if (Set(value_, checked, Property::Value)) Click.Raise();
+  }
+
+  void UserClicked() override {
+    OnUser([this] {
+      if (Enabled() && Shown()) SetValue(!value_);
+    });
+  }
+
+ private:
+  bool value_ = false;
+};
+
+}  // namespace rowlark::controls

@@ -1,0 +1,92 @@
+// A window with controls. It is loaded once, shown and hidden any number of times, and unloaded once;
+// handlers that are on the stack then keep it alive and find it unloaded.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "controls/Control.h"
+#include "controls/Layout.h"
+#include "util/Ref.h"
+
+namespace rowlark::controls {
+
+class Form : public Control, public RefCounted {
+ public:
+  const std::vector<Control*>& Controls() const { return controls_; }
+  // The one that has the focus; null before any had it.
+  Control* ActiveControl() const { return active_control_; }
+
+  bool Loaded() const { return loaded_; }
+  // Runs Form_Unload, takes the form off the screen and lets go of its view. Only the first call counts.
+  void Unload() noexcept;
+
+  // A modal form disables its owner; whoever shows it waits until it is hidden or unloaded.
+  void Show(bool modal = false);
+  void Hide() { SetVisible(false); }
+  bool Modal() const { return modal_; }
+
+  // Position and outer size on the screen, in twips.
+  int32_t Left() const { return left_; }
+  int32_t Top() const { return top_; }
+  Size WindowSize() const;
+  void Move(int32_t left, int32_t top);
+
+  // The host's window above which the form floats: it hides and minimises with that window and has no task
+  // button of its own. 0: none.
+  intptr_t Owner() const { return owner_; }
+  void SetOwner(intptr_t window) { Set(owner_, window, Property::Owner); }
+  // Above all windows of the screen.
+  bool Topmost() const { return topmost_; }
+  void SetTopmost(bool topmost) { Set(topmost_, topmost, Property::Topmost); }
+
+  // Size of the area with the controls, in dialog units.
+  Size ClientSize() const { return client_; }
+  // Gives the controls their places, after texts have changed.
+  void Arrange();
+
+  // The window system that shows the form from now on.
+  void Attach(View& view) { view_ = &view; }
+
+  Slot<> Activate;
+
+  // What the user does. Keys go to the form first, then to the control that has the focus; what is left of
+  // them is returned, 0 when they were swallowed.
+  void UserActivated();
+  void UserMoved(int32_t left, int32_t top);
+  int32_t UserKeyDown(int32_t key, int32_t shift);
+  char16_t UserKeyPress(char16_t character);
+  int32_t UserKeyUp(int32_t key, int32_t shift);
+  // With the system's close button.
+  void UserClosed();
+
+ protected:
+  explicit Form(std::u16string_view name) : Control(name) {}
+
+  // At the end of the constructor, since it names the controls.
+  void SetLayout(Layout layout);
+  void Load();
+
+  virtual void Form_Load() {}
+  virtual void Form_Unload() {}
+  // The system's close button; unloads the form.
+  virtual void Form_Close() { Unload(); }
+
+ private:
+  friend class Control;
+
+  std::vector<Control*> controls_;
+  Control* active_control_ = nullptr;
+  View* view_ = nullptr;
+  Layout layout_;
+  Size client_;
+  int32_t left_ = 0;
+  int32_t top_ = 0;
+  intptr_t owner_ = 0;
+  bool topmost_ = false;
+  bool modal_ = false;
+  bool loaded_ = false;
+};
+
+}  // namespace rowlark::controls

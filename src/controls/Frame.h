@@ -1,0 +1,14 @@
+#pragma once
+
+#include "controls/Control.h"
+
+namespace rowlark::controls {
+
+// A titled border around other controls, which come and go with it. Its accelerator belongs to the first of
+// them that takes the focus.
+class Frame final : public Control {
+ public:
+  Frame(Form& form, std::u16string_view name) : Control(form, ControlKind::Frame, name) {}
+};
+
+}  // namespace rowlark::controls

@@ -1,0 +1,168 @@
+#include "controls/Keyboard.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "controls/Button.h"
+#include "controls/ComboBox.h"
+#include "controls/ListView.h"
+#include "controls/TextBox.h"
+#include "controls/TreeView.h"
+#include "util/Text.h"
+
+namespace rowlark::controls {
+namespace {
+
+std::vector<Control*> InTabOrder(const Form& form) {
+  auto controls = form.Controls();
+  std::ranges::sort(controls, {}, &Control::TabIndex);
+  return controls;
+}
+
+void MoveFocus(Form& form, bool back) {
+  auto controls = InTabOrder(form);
+  if (back) std::ranges::reverse(controls);
+  const auto current = std::ranges::find(controls, form.ActiveControl());
+  if (current != controls.end()) std::rotate(controls.begin(), current + 1, controls.end());
+  const auto next = std::ranges::find_if(controls, &Control::Focusable);
+  if (next != controls.end()) (*next)->UserFocused();
+}
+
+void ClickIfAny(Form& form, bool Button::*role) {
+  for (Control* control : form.Controls()) {
+    if (control->Kind == ControlKind::Button && static_cast<Button*>(control)->*role)
+      return control->UserClicked();
+  }
+}
+
+// Buttons and boxes are clicked; the accelerator of anything else belongs to what stands behind it.
+bool PressAccelerator(Form& form, int32_t key) {
+  bool found = false;
+  for (Control* control : InTabOrder(form)) {
+    if (found && control->Focusable()) {
+      control->UserFocused();
+      return true;
+    }
+    if (found || !control->Shown() || !control->Enabled()) continue;
+    if (Accelerator(control->Caption()) != ToLower(static_cast<char32_t>(key))) continue;
+    if (control->Focusable()) {
+      control->UserFocused();
+      control->UserClicked();
+      return true;
+    }
+    found = true;
+  }
+  return found;
+}
+
+void Replace(TextInput& input, int32_t start, int32_t length, std::u16string_view with) {
+  auto text = input.Text();
+  text.replace(static_cast<std::size_t>(start), static_cast<std::size_t>(length), with);
+  input.UserTyped(text, start + static_cast<int32_t>(with.size()));
+}
+
+bool Edit(TextInput& input, int32_t key, int32_t shift) {
+  const int32_t start = input.SelStart();
+  const int32_t length = input.SelLength();
+  const auto move = [&](int32_t caret) {
+    caret = std::clamp(caret, 0, input.End());
+    input.UserSelected((shift & kShift) != 0 ? input.Anchor() : caret, caret);
+  };
+  const bool extend = (shift & kShift) != 0;
+  switch (key) {
+    case kKeyLeft:
+      move(length > 0 && !extend ? start : input.Caret() - 1);
+      return true;
+    case kKeyRight:
+      move(length > 0 && !extend ? start + length : input.Caret() + 1);
+      return true;
+    case kKeyHome:
+      move(0);
+      return true;
+    case kKeyEnd:
+      move(input.End());
+      return true;
+    case kKeyBack:
+      if (length > 0)
+        Replace(input, start, length, u"");
+      else if (start > 0)
+        Replace(input, start - 1, 1, u"");
+      return true;
+    case kKeyDelete:
+      if (length > 0)
+        Replace(input, start, length, u"");
+      else if (start < input.End())
+        Replace(input, start, 1, u"");
+      return true;
+    default:
+      return false;
+  }
+}
+
+void UseKey(Form& form, int32_t key, int32_t shift) {
+  Control* control = form.ActiveControl();
+  if ((shift & kAlt) != 0) {
+    PressAccelerator(form, key);
+    return;
+  }
+  if (key == kKeyTab) return MoveFocus(form, (shift & kShift) != 0);
+  if (key == kKeyEscape) return ClickIfAny(form, &Button::Cancel);
+  if (key == kKeyReturn && (control == nullptr || control->Kind != ControlKind::Button)) {
+    return ClickIfAny(form, &Button::Default);
+  }
+  if (control == nullptr) return;
+  const int32_t step = key == kKeyDown ? 1 : key == kKeyUp ? -1 : 0;
+  switch (control->Kind) {
+    case ControlKind::Button:
+      if (key == kKeyReturn || key == kKeySpace) control->UserClicked();
+      break;
+    case ControlKind::CheckBox:
+    case ControlKind::OptionButton:
+      if (key == kKeySpace) control->UserClicked();
+      break;
+    case ControlKind::ComboBox:
+      if (auto& box = static_cast<ComboBox&>(*control); step != 0) {
+        box.UserPicked(box.ListIndex() + step);
+      } else if (!box.DropDownList) {
+        Edit(box, key, shift);
+      }
+      break;
+    case ControlKind::TextBox:
+      Edit(static_cast<TextBox&>(*control), key, shift);
+      break;
+    case ControlKind::ListView:
+      if (auto& list = static_cast<ListView&>(*control); step != 0) list.UserPicked(list.Selected() + step);
+      break;
+    case ControlKind::TreeView:
+      if (auto& tree = static_cast<TreeView&>(*control); step != 0) tree.UserPicked(tree.Selected() + step);
+      break;
+    default:
+      break;
+  }
+}
+
+void UseCharacter(Form& form, char16_t character) {
+  Control* control = form.ActiveControl();
+  if (control == nullptr || character < u' ' || character == 127) return;
+  const bool text = control->Kind == ControlKind::TextBox || (control->Kind == ControlKind::ComboBox &&
+                                                              !static_cast<ComboBox*>(control)->DropDownList);
+  if (!text) return;
+  auto& input = static_cast<TextInput&>(*control);
+  Replace(input, input.SelStart(), input.SelLength(), std::u16string_view(&character, 1));
+}
+
+}  // namespace
+
+void PressKey(Form& form, int32_t key, int32_t shift, char16_t character) {
+  const Ref<Form> keep(&form);
+  if (const int32_t left = form.UserKeyDown(key, shift); left != 0) {
+    if (character != 0) character = form.UserKeyPress(character);
+    if (form.Loaded()) {
+      UseKey(form, left, shift);
+      if (character != 0 && (shift & (kCtrl | kAlt)) == 0) UseCharacter(form, character);
+    }
+  }
+  form.UserKeyUp(key, shift);
+}
+
+}  // namespace rowlark::controls

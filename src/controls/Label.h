@@ -1,0 +1,15 @@
+#pragma once
+
+#include "controls/Control.h"
+
+namespace rowlark::controls {
+
+// Text of one or more lines. Its accelerator belongs to the control behind it.
+class Label final : public Control {
+ public:
+  Label(Form& form, std::u16string_view name) : Control(form, ControlKind::Label, name) {}
+
+  bool Link = false;  // shown as something to click
+};
+
+}  // namespace rowlark::controls

@@ -1,0 +1,57 @@
+// Where the controls of a form stand. A layout is a tree of grids: every column of a grid is as wide as its
+// widest text, in whatever language, so no text is cut and the form grows where it must. All sizes are dialog
+// units: a quarter of the average character's width, an eighth of its height.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "controls/Control.h"
+
+namespace rowlark::controls {
+
+class Layout {
+ public:
+  Layout() = default;
+  // One control; it gets at least that size, and what its text needs.
+  Layout(Control& control, Size minimum = {}) : control_(&control), minimum_(minimum) {}
+
+  // Cells side by side, one above the other, in rows of so many columns, or all in the same place.
+  static Layout Row(std::vector<Layout> cells);
+  static Layout Column(std::vector<Layout> cells);
+  static Layout Grid(std::size_t columns, std::vector<Layout> cells);
+  static Layout Stack(std::vector<Layout> cells);
+  // A frame with something in it.
+  static Layout Framed(Control& frame, Layout content);
+
+  // Its column takes what width is left over, its row what height.
+  Layout Wide() &&;
+  Layout High() &&;
+
+  // Tells the controls the frames around them and their tab order, which is the order of the layout.
+  void Order() const;
+  // The size that everything needs.
+  Size Measure(const View* view);
+  // Gives every control its bounds.
+  void Place(const Rect& area) const;
+
+ private:
+  enum class Shape { Control, Grid, Stack };
+
+  void Order(Control* container, int32_t& tab_index) const;
+  Size MeasureControl(const View* view) const;
+  Size MeasureGrid(const View* view);
+  void PlaceGrid(const Rect& area) const;
+  bool FillsHeight() const;
+
+  Shape shape_ = Shape::Control;
+  Control* control_ = nullptr;  // or the frame around the cells
+  Size minimum_;
+  bool wide_ = false;
+  bool high_ = false;
+  std::size_t columns_ = 1;
+  std::vector<Layout> cells_;
+  Size size_;  // as measured
+};
+
+}  // namespace rowlark::controls

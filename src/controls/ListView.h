@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/Control.h"
+
+namespace rowlark::controls {
+
+// Rows with an icon, in report view. Indices count from 0; -1 is none.
+class ListView final : public Control {
+ public:
+  struct Column {
+    std::u16string key;
+    int32_t width;  // dialog units; 0: what the list has
+  };
+  struct Item {
+    std::u16string text;
+    std::u16string small_icon;  // name of a picture
+    int32_t tag;
+  };
+
+  ListView(Form& form, std::u16string_view name) : Control(form, ControlKind::ListView, name) {}
+
+  const std::vector<Column>& Columns() const { return columns_; }
+  const std::vector<Item>& Items() const { return items_; }
+  void AddColumn(Column column) {
+    columns_.push_back(std::move(column));
+    Notify(Property::List);
+  }
+  void AddItem(Item item) {
+    items_.push_back(std::move(item));
+    Notify(Property::List);
+  }
+  // Columns and rows.
+  void Clear() {
+    columns_.clear();
+    items_.clear();
+    selected_ = -1;
+    Notify(Property::List);
+  }
+
+  // Raises ItemClick, also for the row that is selected already.
+  void Select(int32_t index) {
+    if (index < 0 || index >= static_cast<int32_t>(items_.size())) return;
+    Set(selected_, index, Property::ListIndex);
+    ItemClick.Raise();
+  }
+  int32_t Selected() const { return selected_; }
+  const Item* SelectedItem() const {
+    return selected_ < 0 ? nullptr : &items_[static_cast<std::size_t>(selected_)];
+  }
+
+  Slot<> ItemClick;
+
+  void UserPicked(int32_t index) {
+    OnUser([&] { Select(index); });
+  }
+
+ private:
+  std::vector<Column> columns_;
+  std::vector<Item> items_;
+  int32_t selected_ = -1;
+};
+
+}  // namespace rowlark::controls

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "controls/Control.h"
+
+namespace rowlark::controls {
+
+// One of several in the same frame (or on the bare form), of which one at most is selected. Being selected is
+// a click, whoever does it.
+class OptionButton final : public Control {
+ public:
+  OptionButton(Form& form, std::u16string_view name) : Control(form, ControlKind::OptionButton, name) {}
+
+  bool Value() const { return value_; }
+  void SetValue(bool selected);
+  void UserClicked() override;
+
+ private:
+  bool value_ = false;
+};
+
+}  // namespace rowlark::controls

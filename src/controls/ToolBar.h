@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/Control.h"
+
+namespace rowlark::controls {
+
+class ToolBar final : public Control {
+ public:
+  struct Button {
+    std::u16string key;
+    std::u16string caption;
+    std::u16string tool_tip;
+  };
+
+  ToolBar(Form& form, std::u16string_view name) : Control(form, ControlKind::ToolBar, name) {}
+
+  const std::vector<Button>& Buttons() const { return buttons_; }
+  void SetButtons(std::vector<Button> buttons) {
+    buttons_ = std::move(buttons);
+    Notify(Property::List);
+  }
+
+  Slot<std::u16string_view> ButtonClick;  // with the button's key
+
+  void UserPressed(std::u16string_view key) {
+    OnUser([&] { ButtonClick.Raise(key); });
+  }
+
+ private:
+  std::vector<Button> buttons_;
+};
+
+}  // namespace rowlark::controls

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/Control.h"
+
+namespace rowlark::controls {
+
+// Nodes with a key and a text, all at the top level. Indices count from 0; -1 is none.
+class TreeView final : public Control {
+ public:
+  struct Node {
+    std::u16string key;
+    std::u16string text;
+  };
+
+  TreeView(Form& form, std::u16string_view name) : Control(form, ControlKind::TreeView, name) {}
+
+  const std::vector<Node>& Nodes() const { return nodes_; }
+  void AddNode(std::u16string_view key) {
+    nodes_.push_back({std::u16string(key), {}});
+    Notify(Property::List);
+  }
+  void SetNodeText(std::size_t index, std::u16string_view text) {
+    nodes_[index].text = text;
+    Notify(Property::List);
+  }
+
+  int32_t Selected() const { return selected_; }
+  // Raises NodeClick, also for the node that is selected already.
+  void Select(int32_t index) {
+    if (index < 0 || index >= static_cast<int32_t>(nodes_.size())) return;
+    Set(selected_, index, Property::ListIndex);
+    NodeClick.Raise(nodes_[static_cast<std::size_t>(index)]);
+  }
+
+  Slot<const Node&> NodeClick;
+
+  void UserPicked(int32_t index) {
+    OnUser([&] { Select(index); });
+  }
+
+ private:
+  std::vector<Node> nodes_;
+  int32_t selected_ = -1;
+};
+
+}  // namespace rowlark::controls

@@ -1,0 +1,61 @@
+// What shows a form on a screen.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace rowlark::controls {
+
+class Control;
+class Form;
+
+struct Size {
+  int32_t width = 0;
+  int32_t height = 0;
+  friend bool operator==(const Size&, const Size&) = default;
+};
+
+struct Rect {
+  int32_t left = 0;
+  int32_t top = 0;
+  int32_t width = 0;
+  int32_t height = 0;
+  friend bool operator==(const Rect&, const Rect&) = default;
+};
+
+// What of a control was set by code, so that its window has to follow.
+enum class Property {
+  Caption,
+  Text,
+  Selection,  // of text
+  Value,
+  Enabled,
+  Visible,
+  ToolTip,
+  List,       // the entries of a list, the nodes of a tree, the buttons of a tool bar
+  ListIndex,  // the selected one of them
+  Focus,
+  Layout,    // of a form: all bounds
+  Position,  // of a form
+  Owner,     // of a form
+  Topmost,   // of a form
+  Timer,     // started anew, or stopped
+};
+
+class View {
+ public:
+  virtual ~View() = default;
+
+  virtual void Changed(Control& control, Property property) noexcept = 0;
+
+  // The form is being unloaded: its window goes, and nothing of it may be reported any more.
+  virtual void Released(Form& form) noexcept = 0;
+
+  // Width of a line of text in the forms' font, in horizontal dialog units.
+  virtual int32_t TextWidth(std::u16string_view text) const noexcept = 0;
+
+  // Outer size, in twips, of a window whose inner area has that size in dialog units.
+  virtual Size WindowSize(Size client) const noexcept = 0;
+};
+
+}  // namespace rowlark::controls
