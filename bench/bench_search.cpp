@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "CsvFile.h"
-#include "Platform.h"
+#include "Library.h"
 #include "Queries.h"
 #include "host/standalone/Application.h"
 #include "runtime/clsVTRLKRuntime.h"
@@ -52,8 +52,8 @@ void Load(benchmark::State& state, const std::string& path) {
 }
 
 void Search(benchmark::State& state, const Table& table, const Query& query) {
-  testing::TestPlatform platform;
-  clsVTRLKRuntime runtime(platform.shared);
+  testing::TestLibrary platform;
+  clsVTRLKRuntime runtime(platform.shared, platform.forms);
   runtime.SetExcelApp(table.application);
   runtime.SearchOptions->CompareMethod = CompareMode::Text;
   runtime.SearchOptions->SearchWords = query.words;

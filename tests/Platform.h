@@ -1,12 +1,14 @@
-// What a program stands on, for tests: a registry in memory, help and windows that remember what they were
-// asked.
+// What a program stands on, for tests: a registry in memory, help that remembers what it was asked, windows
+// without a screen.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <tuple>
 #include <vector>
 
+#include "Windows.h"
 #include "host/standalone/ScriptedMessagePump.h"
 #include "settings/SharedState.h"
 #include "util/Text.h"
@@ -17,16 +19,21 @@ namespace rowlark::testing {
 class MemoryRegistry final : public host::Registry {
  public:
   bool MachineWideIsWritable = true;
+  int64_t FailingCall = 0;  // the call that fails, from 1; 0: none
+  int64_t Calls = 0;
+  std::function<void(std::string)> Log;  // hears of what is written
 
   std::optional<host::RegistryValue> Read(host::Hive hive, std::u16string_view key,
                                           std::u16string_view name) const override {
+    if (Fails()) return std::nullopt;
     const auto found = values_.find({hive, FoldCase(key), FoldCase(name)});
     return found == values_.end() ? std::nullopt : std::optional(found->second);
   }
   bool CreateKey(host::Hive, std::u16string_view) override { return true; }
   bool Write(host::Hive hive, std::u16string_view key, std::u16string_view name,
              const host::RegistryValue& value) override {
-    if (hive == host::Hive::LocalMachine && !MachineWideIsWritable) return false;
+    if (Fails() || (hive == host::Hive::LocalMachine && !MachineWideIsWritable)) return false;
+    if (Log) Log("write " + ToUtf8(name));
     values_.insert_or_assign({hive, FoldCase(key), FoldCase(name)}, value);
     return true;
   }
@@ -36,6 +43,8 @@ class MemoryRegistry final : public host::Registry {
   bool DeleteKey(host::Hive, std::u16string_view) override { return false; }
 
  private:
+  bool Fails() const { return ++const_cast<MemoryRegistry*>(this)->Calls == FailingCall; }
+
   std::map<std::tuple<host::Hive, std::u16string, std::u16string>, host::RegistryValue> values_;
 };
 
@@ -51,19 +60,6 @@ class RecordingHelp final : public host::Help {
   }
 };
 
-class RecordingWindows final : public host::WindowSystem {
- public:
-  std::vector<std::string> Messages;  // "title: text (icon)"
-
-  void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override {
-    Messages.push_back(ToUtf8(title) + ": " + ToUtf8(text) + " (" +
-                       std::to_string(static_cast<int32_t>(icon)) + ')');
-  }
-  intptr_t WindowOfClass(std::u16string_view class_name) const noexcept override {
-    return class_name == u"XLMAIN" ? 97 : 0;
-  }
-};
-
 // Paths are those of the machine unless drives are mapped.
 struct TestPlatform {
   explicit TestPlatform(std::u16string_view library_folder = u"/nowhere",
@@ -74,7 +70,7 @@ struct TestPlatform {
   standalone::ScriptedMessagePump pump;
   MemoryRegistry registry;
   RecordingHelp help;
-  RecordingWindows windows;
+  ScriptedWindows windows{pump};
   mclsVTFileSystem files;
   SharedState shared;
 };

@@ -51,7 +51,8 @@ Program::Program(const ProgramArguments& arguments)
     : registry_(standalone::DefaultRegistryPaths()),
       application_(MakeRef<standalone::Application>()),
       shared_(Platform{pump_, registry_, help_, windows_, files_, LanguageFolder(), ConfigurationFolder()}),
-      runtime_(shared_) {
+      forms_(shared_),
+      runtime_(shared_, forms_) {
   runtime_.SetExcelApp(application_);
   if (!arguments.config.empty()) Items().CfgFileName = SystemPath(arguments.config);
   runtime_.Init();

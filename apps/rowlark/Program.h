@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "forms/FormSet.h"
 #include "host/standalone/Application.h"
 #include "host/standalone/FileRegistry.h"
 #include "host/standalone/ScriptedMessagePump.h"
@@ -22,7 +23,12 @@ struct ProgramArguments {
 // Messages go to standard error, and there are no windows.
 class ConsoleWindows final : public host::WindowSystem {
  public:
+  void Realise(controls::Form&) noexcept override {}
   void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override;
+  bool Ask(std::u16string_view, std::u16string_view) noexcept override { return false; }
+  void OpenLink(controls::Form&, std::u16string_view) noexcept override {}
+  void Beep() noexcept override {}
+  std::vector<controls::Rect> Screens() const noexcept override { return {}; }
   intptr_t WindowOfClass(std::u16string_view) const noexcept override { return 0; }
 };
 
@@ -60,6 +66,7 @@ class Program {
   mclsVTFileSystem files_;
   Ref<standalone::Application> application_;
   SharedState shared_;
+  FormSet forms_;
   clsVTRLKRuntime runtime_;
   bool reset_language_ = false;  // the language is to be that of the set-up again
   std::u16string saved_;         // the configuration as it lies in its file

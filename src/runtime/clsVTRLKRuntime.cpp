@@ -8,17 +8,21 @@
 
 namespace rowlark {
 
-clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared)
+clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared, Forms& forms)
     : Items(std::make_shared<clsVTRLKItems>(shared)),
       SearchOptions(std::make_shared<clsVTRLKOptions>()),
       shared_(shared),
+      forms_(forms),
       menu_(shared) {
   shared_.Acquire();
   new_language_ =
       shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) { evtLang_NewLangLoaded(); });
 }
 
-clsVTRLKRuntime::~clsVTRLKRuntime() { shared_.Release(); }
+clsVTRLKRuntime::~clsVTRLKRuntime() {
+  forms_.Unload(this);
+  shared_.Release();
+}
 
 void clsVTRLKRuntime::SetExcelApp(Ref<host::Application> application) {
   shared_.ExcelApp = std::move(application);
@@ -54,17 +58,9 @@ void clsVTRLKRuntime::CallTechSupport() {
 bool clsVTRLKRuntime::Search(std::u16string_view strSearch, std::u16string& strErr) {
   if (entry_guard_) return false;
   if (searching_) {
-    // The host may call back from inside an operation; the run that called it can not go on before we return.
-    if (run_->OnStack()) return false;
-    entry_guard_ = true;
-    stop_request_ = true;
-    run_->Supersede();
-    while (searching_ && !shared_.Terminating) {
-      PumpMessages(shared_);
-      if (searching_) Advance(*run_);
-    }
-    entry_guard_ = false;
-    if (shared_.Terminating) {  // an earlier run that still goes on is brought to its end by its own call
+    given_up_ = false;
+    if (!EndSearch()) return false;
+    if (shared_.Terminating || given_up_) {
       strErr.clear();
       return false;
     }
@@ -96,7 +92,23 @@ void clsVTRLKRuntime::RaiseSearching(bool searching) { searching_event_.Raise(se
 
 bool clsVTRLKRuntime::StopSearch() {
   stop_request_ = true;
+  given_up_ = entry_guard_;
   PumpMessages(shared_);
+  return true;
+}
+
+bool clsVTRLKRuntime::EndSearch() {
+  if (!searching_) return true;
+  // The host has called back from inside an operation; the run that called it can not go on before we return.
+  if (run_->OnStack()) return false;
+  const bool waiting = std::exchange(entry_guard_, true);
+  stop_request_ = true;
+  run_->Supersede();
+  while (searching_) {
+    if (!shared_.Terminating) PumpMessages(shared_);
+    if (searching_) Advance(*run_);
+  }
+  entry_guard_ = waiting;
   return true;
 }
 
@@ -105,9 +117,35 @@ void clsVTRLKRuntime::DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem&
 }
 
 bool clsVTRLKRuntime::Unhide(bool CallFromSearch, std::u16string& strErrLog) {
+  if (!CallFromSearch && !EndSearch()) return false;
   return ShowAll(shared_, *Items, CallFromSearch, strErrLog);
 }
 
-void clsVTRLKRuntime::DoStop() { shared_.Terminating = true; }
+void clsVTRLKRuntime::ShowSearch() { forms_.ShowSearch(*this); }
+
+void clsVTRLKRuntime::ShowOptions() { forms_.ShowOptions(*this); }
+
+void clsVTRLKRuntime::About() { forms_.ShowAbout(*this); }
+
+void clsVTRLKRuntime::StartEdit() {
+  forms_.ShowEdit(*this);
+  Wait([this] { return shared_.EditFormOpen; });
+}
+
+void clsVTRLKRuntime::Wait(const std::function<bool()>& condition) {
+  while (condition() && !shared_.Terminating) {
+    PumpMessages(shared_);
+    if (run_ != nullptr && !run_->OnStack()) {
+      Advance(*run_);
+    } else {
+      shared_.Platform.Pump.WaitForInput(1);
+    }
+  }
+}
+
+void clsVTRLKRuntime::DoStop() {
+  shared_.Terminating = true;
+  forms_.Unload(nullptr);
+}
 
 }  // namespace rowlark

@@ -5,11 +5,13 @@
 // processed in the middle of a search.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "host/spreadsheet.h"
+#include "runtime/Forms.h"
 #include "runtime/Menu.h"
 #include "runtime/SearchRun.h"
 #include "runtime/clsVTRLKOptions.h"
@@ -21,7 +23,7 @@ namespace rowlark {
 
 class clsVTRLKRuntime {
  public:
-  explicit clsVTRLKRuntime(SharedState& shared);
+  clsVTRLKRuntime(SharedState& shared, Forms& forms);
   clsVTRLKRuntime(const clsVTRLKRuntime&) = delete;
   clsVTRLKRuntime& operator=(const clsVTRLKRuntime&) = delete;
   ~clsVTRLKRuntime();
@@ -63,13 +65,28 @@ class clsVTRLKRuntime {
   // Raised with true at the start and with false at the end of every search.
   Event<bool&>& SearchingEvent() { return searching_event_; }
 
+  // Stops the search under way and brings it to its end, whoever began it; its call returns false with an
+  // empty error. False when that is not possible, because this is called from inside an operation of the host.
+  bool EndSearch();
+
   // Completes the open bounds of a profile from the sheet. Throws host::Error.
   void DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem& objItem);
 
-  // Shows all rows of the active sheet. False when that failed, with the reason in `strErrLog`.
+  // Shows all rows of the active sheet, after ending a search under way. False when that failed, with the
+  // reason in `strErrLog`, which is left untouched when the search could not be ended.
   bool Unhide(bool CallFromSearch, std::u16string& strErrLog);
 
-  // The library ends: every wait and long loop does so soon.
+  // The forms. The search form and the options form stay open; the other two are waited for.
+  void ShowSearch();
+  void ShowOptions();
+  void About();
+  void StartEdit();
+
+  // Processes messages while the condition holds and the library does not end. A search that lies beneath on
+  // the stack goes on meanwhile.
+  void Wait(const std::function<bool()>& condition);
+
+  // The library ends: every wait and long loop does so soon, and the forms are unloaded.
   void DoStop();
 
  private:
@@ -78,10 +95,12 @@ class clsVTRLKRuntime {
   void RaiseSearching(bool searching);
 
   SharedState& shared_;
+  Forms& forms_;
   SearchRun* run_ = nullptr;  // the run under way; it lives in the call of Search that began it
   bool searching_ = false;
   bool stop_request_ = false;
-  bool entry_guard_ = false;  // Search waits for an earlier run to end
+  bool entry_guard_ = false;  // an earlier run is being brought to its end
+  bool given_up_ = false;     // the search that waits for that was stopped as well
   Event<bool&> searching_event_;
   Menu menu_;
   Connection new_language_;

@@ -47,6 +47,11 @@ class SharedState {
   bool Terminating = false;                // every wait and long loop ends when it is set
   bool HistoryCleared = false;             // a temporary history has been emptied in this run of the host
 
+  // Raised and lowered by the forms when they are loaded and unloaded.
+  bool SearchFormLoaded = false;
+  bool EditFormOpen = false;
+  bool OptionsFormOpen = false;
+
  private:
   int users_ = 0;
 };

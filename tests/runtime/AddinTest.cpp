@@ -12,14 +12,14 @@ namespace {
 
 using host::Hive;
 using testing::SampleHost;
-using testing::TestPlatform;
+using testing::TestLibrary;
 
 // A user's session of the host over a folder with two languages.
-struct Addin : TempFolder, TestPlatform, SampleHost {
+struct Addin : TempFolder, TestLibrary, SampleHost {
   Addin()
-      : TestPlatform(ToUtf16(Path().string()), ToUtf16(Path().string() + "/config/")),
+      : TestLibrary(ToUtf16(Path().string()), ToUtf16(Path().string() + "/config/")),
         SampleHost("x"),
-        runtime(shared) {
+        runtime(shared, forms) {
     Write("english.lng", "Menu.Root = &Rowlark\nHELP_FILE_NAME = help_en.chm\n");
     Write("german.lng",
           "; Deutsch\nMenu.Root = &Zeilen\nMenu.Find = S&uchen...\nHELP_FILE_NAME = help_de.chm\n");
@@ -82,7 +82,7 @@ TEST(Menu, IsThereOnceWhateverHappens) {
     addin.runtime.MenuCreate();
     EXPECT_EQ(addin.Captions(), "theirs &Zeilen ");
     if (administrator) {  // a later run of the host finds what this one has left behind
-      clsVTRLKRuntime later(addin.shared);
+      clsVTRLKRuntime later(addin.shared, addin.forms);
       later.MenuCreate();
       EXPECT_EQ(addin.Captions(), "theirs &Zeilen ");
     }
@@ -133,7 +133,7 @@ TEST(Init, LoadsTheConfigurationAndItsLanguage) {
   addin.runtime.Items->SetHotKeySearch(u"^g");
   EXPECT_TRUE(addin.runtime.Items->CfgSave(false));
 
-  clsVTRLKRuntime next(addin.shared);
+  clsVTRLKRuntime next(addin.shared, addin.forms);
   next.SetExcelApp(addin.application);
   addin.runtime.Language().SetLangFile(u"english.lng");
   next.Init();
@@ -166,8 +166,8 @@ TEST(Help, OpensTheFileOfTheLanguageIfItIsThere) {
 TEST(Host, TellsItsMainWindowFromVersion9On) {
   for (const auto& [version, window] :
        {std::pair(u"8.0", 97), std::pair(u"9.0", 1), std::pair(u"16.0", 1), std::pair(u"x", 1)}) {
-    TestPlatform platform;
-    const clsVTRLKRuntime runtime(platform.shared);
+    TestLibrary platform;
+    const clsVTRLKRuntime runtime(platform.shared, platform.forms);
     EXPECT_EQ(HostMainWindow(platform.shared), 0);
     platform.shared.ExcelApp = MakeRef<standalone::Application>(version);
     EXPECT_EQ(HostMainWindow(platform.shared), window);
@@ -175,7 +175,7 @@ TEST(Host, TellsItsMainWindowFromVersion9On) {
 }
 
 TEST(Messages, AreAwaitedUntilTheTimeIsOverOrTheLibraryEnds) {
-  TestPlatform platform;
+  TestLibrary platform;
   platform.pump.Now = 0xFFFFFFF0;  // the tick count begins anew in between
   WaitForMessages(platform.shared, 100);
   EXPECT_EQ(platform.pump.Now, 0xFFFFFFF0 + 100);

@@ -181,17 +181,17 @@ TEST(DetectSearchRange, CompletesOpenBoundsOrTakesTheFilter) {
 }
 
 TEST(Runtime, InstancesShareTheStateAndTheLastOneReleasesIt) {
-  testing::TestPlatform platform;
+  testing::TestLibrary platform;
   SharedState& shared = platform.shared;
   {
-    clsVTRLKRuntime first(shared);
+    clsVTRLKRuntime first(shared, platform.forms);
     first.SetExcelApp(testing::SampleHost("x").application);
-    { const clsVTRLKRuntime second(shared); }
+    { const clsVTRLKRuntime second(shared, platform.forms); }
     EXPECT_TRUE(shared.ExcelApp && shared.Language && !shared.Terminating);
     first.DoStop();
   }
   EXPECT_TRUE(!shared.ExcelApp && !shared.Language && shared.Terminating);
-  const clsVTRLKRuntime next(shared);
+  const clsVTRLKRuntime next(shared, platform.forms);
   EXPECT_FALSE(shared.Terminating);
 }
 

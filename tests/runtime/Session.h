@@ -5,15 +5,15 @@
 #include <string_view>
 #include <vector>
 
-#include "Platform.h"
+#include "Library.h"
 #include "Sheet.h"
 #include "runtime/clsVTRLKRuntime.h"
 
 namespace rowlark::testing {
 
-struct Session : SampleHost, TestPlatform {
+struct Session : SampleHost, TestLibrary {
   explicit Session(std::string_view cells, std::u16string_view version = u"16.0", bool read_only = false)
-      : SampleHost(cells, u"C:\\Data\\Book1.xls", version, read_only), runtime(shared) {
+      : SampleHost(cells, u"C:\\Data\\Book1.xls", version, read_only), runtime(shared, forms) {
     runtime.SetExcelApp(application);
     runtime.SearchOptions->CompareMethod = CompareMode::Text;
     runtime.SearchOptions->UseFilter = true;

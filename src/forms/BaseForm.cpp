@@ -1,0 +1,112 @@
+#include "forms/BaseForm.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "runtime/Failure.h"
+#include "runtime/modMain.h"
+#include "settings/Product.h"
+#include "util/Text.h"
+
+namespace rowlark {
+namespace {
+
+constexpr double kTwipsPerPoint = 20;
+
+// The whole number that a text begins with, blanks before it allowed; 0 when it begins with none.
+int32_t LeadingNumber(std::u16string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(u' '), text.size()));
+  const bool negative = text.starts_with(u'-');
+  if (negative || text.starts_with(u'+')) text.remove_prefix(1);
+  int64_t number = 0;
+  for (const char16_t digit : text) {
+    if (digit < u'0' || digit > u'9') break;
+    number = std::min<int64_t>(number * 10 + (digit - u'0'), std::numeric_limits<int32_t>::max());
+  }
+  return static_cast<int32_t>(negative ? -number : number);
+}
+
+// How far the interval [begin, begin + length) is from [low, low + extent); 0 when they overlap.
+int64_t Distance(int64_t begin, int64_t length, int64_t low, int64_t extent) {
+  return std::max({int64_t{0}, low - (begin + length) + 1, begin - (low + extent) + 1});
+}
+
+// The start nearest to `begin` for which the interval lies within; its start shows when it is too long.
+int32_t Within(int32_t begin, int32_t length, int32_t low, int32_t extent) {
+  return std::max(low, std::min(begin, low + extent - length));
+}
+
+}  // namespace
+
+void BaseForm::Open() {
+  evtLang_ = shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) {
+    const Ref<Form> keep(this);
+    if (Loaded()) evtLang_NewLangLoaded();
+  });
+  shared_.Platform.Windows.Realise(*this);
+  Arrange();
+  Load();
+}
+
+void BaseForm::Form_Unload() {
+  evtLang_.Release();
+  runtime_ = nullptr;
+}
+
+std::u16string BaseForm::Padded(std::u16string_view caption) {
+  std::u16string padded(1, u' ');
+  padded += caption;
+  padded += u' ';
+  return padded;
+}
+
+host::Application& BaseForm::Host() const { return *Require(shared_.ExcelApp); }
+
+void BaseForm::Float() noexcept {
+  Attempt([this] { SetOwner(HostMainWindow(shared_)); });
+}
+
+bool BaseForm::RestorePosition(std::u16string_view value_name) {
+  const auto stored = shared_.Registry.GetString(host::Hive::CurrentUser, kProductKey, value_name, u"");
+  if (stored.empty()) return false;
+  const auto separator = std::min(stored.find(u';'), stored.size() - 1);
+  MoveOntoScreen(LeadingNumber(std::u16string_view(stored).substr(0, separator)),
+                 LeadingNumber(std::u16string_view(stored).substr(separator + 1)));
+  return true;
+}
+
+void BaseForm::StorePosition(std::u16string_view value_name) const {
+  shared_.Registry.SetString(host::Hive::CurrentUser, kProductKey, value_name,
+                             ToText(Left()) + u";" + ToText(Top()));
+}
+
+void BaseForm::CentreOverHost() noexcept {
+  Attempt([this] {
+    const auto& host = Host();
+    const auto size = WindowSize();
+    const auto centre = [](double begin, double length, int32_t own) {
+      return static_cast<int32_t>((begin + length / 2) * kTwipsPerPoint) - own / 2;
+    };
+    MoveOntoScreen(centre(host.Left(), host.Width(), size.width),
+                   centre(host.Top(), host.Height(), size.height));
+  });
+}
+
+// A form can be moved with the mouse as long as something of its title shows.
+void BaseForm::MoveOntoScreen(int32_t left, int32_t top) {
+  constexpr int32_t kTitle = 300;
+  const auto size = WindowSize();
+  const auto screens = shared_.Platform.Windows.Screens();
+  const auto distance = [&](const controls::Rect& screen) {
+    return Distance(left, size.width, screen.left, screen.width) +
+           Distance(top, kTitle, screen.top, screen.height);
+  };
+  const auto nearest = std::ranges::min_element(screens, {}, distance);
+  if (nearest != screens.end() && distance(*nearest) > 0) {
+    left = Within(left, size.width, nearest->left, nearest->width);
+    top = Within(top, size.height, nearest->top, nearest->height);
+  }
+  Move(left, top);
+}
+
+}  // namespace rowlark

@@ -1,0 +1,80 @@
+// What all forms have in common: texts that follow the language, a place on the screen, the host's window.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "controls/Form.h"
+#include "runtime/clsVTRLKRuntime.h"
+#include "settings/SharedState.h"
+#include "util/Event.h"
+
+namespace rowlark {
+
+// Does what may fail; false when it did. Hosts, registries and files fail at times, and a form then goes on
+// without what it wanted of them.
+template <class Action>
+bool Attempt(Action action) noexcept {
+  try {
+    action();
+    return true;
+  } catch (...) {
+    return false;
+  }
+}
+
+// A flag that is set within a scope.
+class ScopedFlag {
+ public:
+  explicit ScopedFlag(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
+  ScopedFlag(const ScopedFlag&) = delete;
+  ScopedFlag& operator=(const ScopedFlag&) = delete;
+  ~ScopedFlag() { flag_ = before_; }
+
+ private:
+  bool& flag_;
+  bool before_;
+};
+
+class BaseForm : public controls::Form {
+ public:
+  // Makes the form's windows, hidden, and loads it. Once.
+  void Open();
+  // Hands the form the runtime object that it works for, which outlives it being loaded.
+  virtual void SetObjectRLKRuntime(clsVTRLKRuntime& runtime) { runtime_ = &runtime; }
+  bool WorksFor(const clsVTRLKRuntime& runtime) const { return runtime_ == &runtime; }
+
+ protected:
+  BaseForm(SharedState& shared, std::u16string_view name) : Form(name), shared_(shared) {}
+
+  virtual void ApplyCaptions() = 0;
+  virtual void evtLang_NewLangLoaded() { ApplyCaptions(); }
+  void Form_Unload() override;
+
+  std::u16string Text(std::u16string_view key, std::u16string_view default_text) const {
+    return shared_.Language->GetText(key, default_text);
+  }
+  // With the blanks that keep a frame's border off the letters.
+  static std::u16string Padded(std::u16string_view caption);
+  host::Application& Host() const;  // throws host::Error without a host
+
+  // Floats above the host's main window; without one on its own.
+  void Float() noexcept;
+
+  // Positions in the registry: "left;top" in twips. Moves the form to a stored one, onto the nearest screen
+  // if that lies on none; false when nothing is stored under that name.
+  bool RestorePosition(std::u16string_view value_name);
+  void StorePosition(std::u16string_view value_name) const;
+  void CentreOverHost() noexcept;
+
+  SharedState& shared_;
+  clsVTRLKRuntime* runtime_ = nullptr;
+
+ private:
+  void MoveOntoScreen(int32_t left, int32_t top);
+
+  Connection evtLang_;
+};
+
+}  // namespace rowlark

@@ -1,0 +1,112 @@
+#include "forms/HotKey.h"
+
+#include "controls/Keys.h"
+#include "util/Text.h"
+
+namespace rowlark {
+namespace {
+
+constexpr std::u16string_view kPlus = u" + ";
+
+struct Modifier {
+  int32_t bit;
+  char16_t code;
+  std::u16string_view name;
+};
+
+constexpr Modifier kModifiers[] = {
+    {controls::kCtrl, u'^', u"Ctrl"}, {controls::kShift, u'+', u"Shift"}, {controls::kAlt, u'%', u"Alt"}};
+
+void AppendPart(std::u16string& text, std::u16string_view part) {
+  text += kPlus;
+  text += part;
+}
+
+}  // namespace
+
+std::u16string KeyName(int32_t key) {
+  constexpr int32_t kPad0 = 96;
+  constexpr int32_t kF1 = 112;
+  if ((key >= u'0' && key <= u'9') || (key >= kPad0 && key <= kPad0 + 9)) return ToText(key % 48);
+  if (key >= u'A' && key <= u'Z') return std::u16string(1, static_cast<char16_t>(key + (u'a' - u'A')));
+  if (key >= kF1 && key <= kF1 + 15) return u"{F" + ToText(key - kF1 + 1) + u"}";
+  switch (key) {
+    case 8:
+      return u"{BACKSPACE}";
+    case 13:
+      return u"~";
+    case 27:
+      return u"{ESCAPE}";
+    case 32:
+      return u" ";
+    case 33:
+      return u"{PGUP}";
+    case 34:
+      return u"{PGDN}";
+    case 35:
+      return u"{END}";
+    case 36:
+      return u"{HOME}";
+    case 37:
+      return u"{LEFT}";
+    case 38:
+      return u"{UP}";
+    case 39:
+      return u"{RIGHT}";
+    case 40:
+      return u"{DOWN}";
+    case 45:
+      return u"{INSERT}";
+    case 46:
+      return u"{DEL}";
+    case 106:  // multiply
+    case 108:  // separator
+      return u"\\";
+    case 107:
+      return u"{+}";
+    case 109:
+      return u"-";
+    case 110:
+      return u".";
+    case 111:
+      return u"/";
+    case 144:
+      return u"{NUMLOCK}";
+    case 145:
+      return u"{SCROLLLOCK}";
+    default:
+      return {};
+  }
+}
+
+std::u16string HotKeyName(std::u16string_view code) {
+  std::u16string name(code);
+  std::erase_if(name, [](char16_t c) { return c == u'^' || c == u'+' || c == u'%'; });
+  return name;
+}
+
+std::u16string HotKeyText(std::u16string_view code) {
+  if (code.empty()) return {};
+  std::u16string text;
+  for (const auto& modifier : kModifiers) {
+    if (code.find(modifier.code) != code.npos) AppendPart(text, modifier.name);
+  }
+  AppendPart(text, HotKeyName(code));
+  return text.substr(kPlus.size());
+}
+
+HotKey CaptureHotKey(int32_t key, int32_t shift) {
+  HotKey captured;
+  for (const auto& modifier : kModifiers) {
+    if ((shift & modifier.bit) == 0) continue;
+    captured.code += modifier.code;
+    AppendPart(captured.text, modifier.name);
+  }
+  const auto name = KeyName(key);
+  captured.code += name;
+  AppendPart(captured.text, name);
+  captured.text.erase(0, kPlus.size());
+  return captured;
+}
+
+}  // namespace rowlark

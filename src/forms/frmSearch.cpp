@@ -1,0 +1,347 @@
+#include "forms/frmSearch.h"
+
+#include <utility>
+
+#include "runtime/Failure.h"
+#include "settings/Product.h"
+
+namespace rowlark {
+namespace {
+
+using controls::Layout;
+using host::Hive;
+
+constexpr int32_t kTypingDelay = 300;      // milliseconds
+constexpr int32_t kDesignPosition = 2880;  // twips, from the left and from the top
+
+// Values of "SearchAllWords", which number the modes in another way than xeVT_SEARCH_WORDS does.
+constexpr int32_t kModeAny = 0;
+constexpr int32_t kModeAll = 1;
+constexpr int32_t kModeCell = 2;
+
+}  // namespace
+
+frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch") {
+  SetCaption(kProductTitle);
+  Form::KeyDown = [this](int32_t& key, int32_t shift) { Form_KeyDown(key, shift); };
+  Activate = [this] { uActivateCboText(); };
+  cboText.Change = [this] { cboText_Change(); };
+  cboText.Click = [this] { cboText_Change(); };
+  cboText.KeyDown = [this](int32_t& key, int32_t shift) { cboText_KeyDown(key, shift); };
+  // Ctrl+Backspace types the character 127.
+  cboText.KeyPress = [](char16_t& character) {
+    if (character == 127) character = 0;
+  };
+  cboText.KeyUp = [](int32_t& key, int32_t shift) {
+    if (key == controls::kKeyBack && shift == controls::kCtrl) key = 0;
+  };
+  for (auto* option : {&optWordsAll, &optWordsCell, &optWordsAny})
+    option->Click = [this] { Options_Click(); };
+  chkCase.Click = [this] { Options_Click(); };
+  chkSearchAll.Click = [this] { Options_Click(); };
+  chkEditMode.Click = [this] { chkEditMode_Click(); };
+  btnMode.Click = [this] { btnMode_Click(); };
+  btnMode.Default = true;
+  btnUnhide.Click = [this] { btnUnhide_Click(); };
+  btnOptions.Click = [this] { runtime_->ShowOptions(); };
+  btnClose.Click = [this] { Unload(); };
+  btnClose.MouseDown = [this] { btnClose.Tag = u"1"; };
+  imgExclamationNormal.Click = [this] { uActivateCboText(); };
+  imgExclamationErr.Click = [this] { uActivateCboText(); };
+  imgExclamationErr.SetVisible(false);
+  tmr0.Tick = [this] { tmr0_Timer(); };
+  boxError.ReadOnly = true;
+  boxError.MultiLine = true;
+  boxError.TabStop = false;
+
+  SetLayout(Layout::Column(
+      {Layout::Framed(fraTextCaption, Layout::Row({Layout(cboText, {170, 12}).Wide(),
+                                                   Layout::Stack({Layout(imgExclamationNormal, {12, 12}),
+                                                                  Layout(imgExclamationErr, {12, 12})})})),
+       Layout::Row({Layout::Column({optWordsAll, optWordsCell, optWordsAny}).Wide(),
+                    Layout::Column({chkCase, chkSearchAll, chkEditMode}).Wide(),
+                    Layout::Grid(2, {btnMode, btnUnhide, btnOptions, btnClose})}),
+       Layout(boxError, {0, 20}).High()}));
+}
+
+void frmSearch::Form_Load() {
+  tmr0.SetEnabled(false);
+  tmr0.SetInterval(kTypingDelay);
+  if (!RestorePosition(u"SearchFormPosSize")) Move(kDesignPosition, kDesignPosition);
+  Float();
+  btnClose.Tag.clear();
+  boxError.SetVisible(false);
+  shared_.SearchFormLoaded = true;
+}
+
+void frmSearch::SetObjectRLKRuntime(clsVTRLKRuntime& runtime) {
+  const ScopedFlag loading(loading_);
+  BaseForm::SetObjectRLKRuntime(runtime);
+  evtRLRTM_ = runtime.SearchingEvent().Connect([this](bool& searching) { evtRLRTM_Searching(searching); });
+  ApplyCaptions();
+
+  const auto number = [this](std::u16string_view value, int32_t missing) {
+    return shared_.Registry.GetLong(Hive::CurrentUser, kProductKey, value, missing);
+  };
+  switch (number(u"SearchAllWords", kModeAll)) {
+    case kModeAll:
+      optWordsAll.SetValue(true);
+      break;
+    case kModeCell:
+      optWordsCell.SetValue(true);
+      break;
+    default:
+      optWordsAny.SetValue(true);
+  }
+  const bool edit = number(u"EditMode", 0) == 1;
+  chkEditMode.SetValue(edit);
+  SetEditMode(edit);
+  chkCase.SetValue(number(u"SearchMatchCase", 0) == 1);
+  chkSearchAll.SetValue(number(u"SearchFilter", 1) == 1);
+  ApplyOptions();
+
+  std::u16string text;
+  if (runtime.Items->AutoDetectSearchText) {
+    Attempt([&] { text = Require(Host().ActiveCell())->Value(); });
+  }
+  cboText.SetText(text);
+  FillHistory();
+  typed_ = text;
+}
+
+void frmSearch::Form_Unload() {
+  auto& items = *runtime_->Items;
+  tmr0.SetEnabled(false);
+  if (runtime_->Searching()) {
+    runtime_->StopSearch();
+    runtime_->EndSearch();
+  }
+  Hide();
+  SetOwner(0);
+  StorePosition(u"SearchFormPosSize");
+  const auto store = [this](std::u16string_view value, int32_t number) {
+    shared_.Registry.SetLong(Hive::CurrentUser, kProductKey, value, number);
+  };
+  store(u"SearchAllWords", optWordsCell.Value() ? kModeCell : optWordsAll.Value() ? kModeAll : kModeAny);
+  store(u"EditMode", chkEditMode.Value() ? 1 : 0);
+  store(u"SearchMatchCase", chkCase.Value() ? 1 : 0);
+  store(u"SearchFilter", chkSearchAll.Value() ? 1 : 0);
+  Attempt([&] {
+    std::u16string discarded;
+    if (items.UnhideOnEsc && items.RowsIsGrouped) runtime_->Unhide(false, discarded);
+  });
+  Attempt([&] {
+    const auto text = cboText.Text();
+    items.RecentItems->Add(text);
+    cboText.AddItem(text, 0);
+  });
+  Attempt([&] {
+    if (ActiveProfile()->DontSaveChanges) Require(Host().ActiveWorkbook())->SetSaved(true);
+  });
+  evtRLRTM_.Release();
+  BaseForm::Form_Unload();
+  shared_.SearchFormLoaded = false;
+}
+
+void frmSearch::ApplyCaptions() {
+  idle_caption_ = Padded(Text(u"Search.UI.SearchBox.Caption", u"Find &what:"));
+  searching_caption_ = Padded(Text(u"Search.UI.SearchBox1.Caption", u"Searching..."));
+  fraTextCaption.SetCaption(runtime_->Searching() ? searching_caption_ : idle_caption_);
+  optWordsAll.SetCaption(Text(u"Search.UI.Opt.CellPart", u"Any &part of cells"));
+  optWordsCell.SetCaption(Text(u"Search.UI.Opt.CellEntire", u"&Entire cells only"));
+  optWordsAny.SetCaption(Text(u"Search.UI.Opt.CellAnyWord", u"&Any of words"));
+  chkCase.SetCaption(Text(u"Search.UI.Chk.MatchCase", u"&Match case"));
+  chkSearchAll.SetCaption(Text(u"Search.UI.Chk.UseFilter", u"Auto&Filter mode"));
+  chkEditMode.SetCaption(Text(u"Search.UI.Chk.EditMode", u"E&dit mode"));
+  btnUnhide.SetCaption(Text(u"Search.UI.Chk.BtnUnhide", u"&Show All"));
+  btnOptions.SetCaption(Text(u"Search.UI.Chk.BtnOptions", u"&Options..."));
+  btnClose.SetCaption(Text(u"Search.UI.Chk.BtnClose", u"&Close"));
+  SetCaption(FormCaption());
+  SetEditMode(edit_mode_);
+}
+
+std::u16string frmSearch::FormCaption() const {
+  bool filtered = false;
+  Attempt([&] { filtered = Require(Require(Host().ActiveWorkbook())->ActiveSheet())->AutoFilterMode(); });
+  std::u16string mode;
+  if (filtered) {
+    mode = Text(u"Search.UI.FormCaption.Mode1", u"[AutoFiltered range]");
+  } else if (const auto profile = ActiveProfile();
+             profile->UsingAutoRange || profile->SearchRange().empty()) {
+    mode = Text(u"Search.UI.FormCaption.Mode2", u"[entire sheet]");
+  } else {
+    mode = u"[" + profile->SearchRange() + u"]";
+  }
+  return shared_.Language->GetText(u"Search.UI.FormCaption", u"Search - %1", mode);
+}
+
+std::shared_ptr<clsVTRLKItem> frmSearch::ActiveProfile() const {
+  const auto& items = *runtime_->Items;
+  std::shared_ptr<clsVTRLKItem> profile;
+  Attempt([&] { profile = items.ByName(Require(Host().ActiveWorkbook())->Name()); });
+  return profile ? profile : items.DefaultItem;
+}
+
+void frmSearch::SetEditMode(bool edit) {
+  edit_mode_ = edit;
+  btnMode.SetCaption(edit ? Text(u"Search.UI.BtnMode.Edit", u"Edi&t")
+                          : Text(u"Search.UI.BtnMode.Jump", u"Go&to"));
+  Arrange();
+}
+
+// The newest text first.
+void frmSearch::FillHistory() {
+  const auto& history = *runtime_->Items->RecentItems;
+  const auto text = cboText.Text();
+  cboText.Clear();
+  for (int32_t i = history.count() - 1; i >= 0; --i) cboText.AddItem(history.Item(i));
+  cboText.SetText(text);
+  cboText.SelectAll();
+}
+
+void frmSearch::ApplyOptions() {
+  auto& options = *runtime_->SearchOptions;
+  options.CompareMethod = chkCase.Value() ? CompareMode::Binary : CompareMode::Text;
+  options.SearchWords = optWordsCell.Value()  ? xcVT_SEARCH_WORDS_CELL
+                        : optWordsAny.Value() ? xcVT_SEARCH_WORDS_ANY
+                                              : xcVT_SEARCH_WORDS_ALL;
+  options.UseFilter = chkSearchAll.Value();
+}
+
+void frmSearch::RestartDelay() {
+  tmr0.SetEnabled(false);
+  tmr0.SetEnabled(true);
+}
+
+void frmSearch::tmr0_Timer() {
+  tmr0.SetEnabled(false);
+  if (!loading_) RunSearch();
+}
+
+bool frmSearch::RunSearch() {
+  const auto text = cboText.Text();
+  return Run([&](std::u16string& error) {
+    if (text.empty()) return runtime_->Unhide(false, error);
+    ApplyOptions();
+    return runtime_->Search(text, error);
+  });
+}
+
+// Meanwhile messages are processed: a later search may have ended this one, and the form may be gone.
+template <class Operation>
+bool frmSearch::Run(Operation operation) {
+  const std::u16string untouched(1, u'\0');
+  std::u16string error = untouched;
+  ShowError(u"");
+  try {
+    if (operation(error)) return Loaded();
+    if (!Loaded()) return false;
+  } catch (...) {
+    if (!Loaded()) return false;
+    error = GenericError(*shared_.Language);
+  }
+  if (error == untouched) {
+    RestartDelay();  // refused while an earlier search is brought to its end
+  } else if (!error.empty()) {
+    ShowError(error);
+  }
+  return false;
+}
+
+void frmSearch::ShowError(std::u16string_view text) {
+  const bool failed = !text.empty();
+  boxError.SetText(text);
+  boxError.SetVisible(failed);
+  imgExclamationErr.SetToolTip(text);
+  imgExclamationErr.SetVisible(failed);
+  imgExclamationNormal.SetVisible(!failed);
+}
+
+void frmSearch::uActivateCboText() {
+  cboText.SetFocus();
+  cboText.SelectAll();
+}
+
+void frmSearch::evtLang_NewLangLoaded() {
+  if (runtime_ == nullptr) return;
+  ApplyCaptions();
+  if (!loading_) RestartDelay();
+}
+
+void frmSearch::evtRLRTM_Searching(bool searching) {
+  fraTextCaption.SetCaption(searching ? searching_caption_ : idle_caption_);
+}
+
+void frmSearch::Form_KeyDown(int32_t& key, int32_t shift) {
+  if (shift == controls::kCtrl && (key == u'F' || key == u'E')) {
+    auto& box = key == u'F' ? chkSearchAll : chkEditMode;
+    key = 0;
+    box.SetValue(!box.Value());
+  } else if (key == controls::kKeyEscape) {
+    key = 0;
+    if (runtime_->Searching()) {
+      runtime_->StopSearch();
+    } else {
+      Unload();
+    }
+  }
+}
+
+void frmSearch::cboText_Change() {
+  if (loading_) return;
+  if (cboText.ListIndex() < 0) typed_ = cboText.Text();
+  RestartDelay();
+}
+
+void frmSearch::cboText_KeyDown(int32_t& key, int32_t shift) {
+  if (key == controls::kKeyDown && cboText.ListIndex() < 0) {
+    typed_ = cboText.Text();
+  } else if (key == controls::kKeyUp && cboText.ListIndex() < 1) {
+    key = 0;
+    cboText.SetListIndex(-1);
+    cboText.SetText(typed_);
+    cboText.SetCaret(cboText.End());
+  } else if (key == controls::kKeyBack && shift == controls::kCtrl) {
+    key = 0;
+    DeleteLastWord();
+  }
+}
+
+// A separator at the end stays.
+void frmSearch::DeleteLastWord() {
+  constexpr std::u16string_view kSeparators = u"\":;., -+=!@#$%^&*()_{}[]/?\\|<>~`'";
+  const auto& text = cboText.Text();
+  const auto separator = text.find_last_of(kSeparators);
+  cboText.SetText(separator == text.npos ? std::u16string() : text.substr(0, separator + 1));
+  cboText.SetCaret(cboText.End());
+}
+
+void frmSearch::chkEditMode_Click() {
+  if (!loading_) SetEditMode(chkEditMode.Value());
+}
+
+void frmSearch::Options_Click() {
+  if (loading_) return;
+  ApplyOptions();
+  RestartDelay();
+}
+
+void frmSearch::btnMode_Click() {
+  if (tmr0.Enabled()) {  // what was typed last has not been searched for yet
+    tmr0.SetEnabled(false);
+    if (!RunSearch()) return;
+  }
+  if (!edit_mode_) return Unload();
+  Hide();
+  Attempt([this] { runtime_->StartEdit(); });  // which waits until the edit form is closed
+  if (!Loaded()) return;
+  Show();
+  uActivateCboText();
+}
+
+void frmSearch::btnUnhide_Click() {
+  Run([this](std::u16string& error) { return runtime_->Unhide(false, error); });
+  if (Loaded()) cboText.SetFocus();
+}
+
+}  // namespace rowlark

@@ -1,0 +1,88 @@
+#include "forms/frmSelectRange.h"
+
+#include "forms/TextRule.h"
+#include "runtime/Failure.h"
+
+namespace rowlark {
+namespace {
+
+using controls::Layout;
+
+constexpr int32_t kDesignTop = 1440;  // twips
+
+}  // namespace
+
+frmSelectRange::frmSelectRange(SharedState& shared) : BaseForm(shared, u"frmSelectRange") {
+  SetCaption(u"Select Range");
+  KeyDown = [this](int32_t& key, int32_t) {
+    if (key == controls::kKeyReturn || key == controls::kKeyExecute) {
+      key = 0;
+      End(true);
+    } else if (key == controls::kKeyEscape) {
+      key = 0;
+      End(false);
+    }
+  };
+  Activate = [this] { box0.SetFocus(); };
+  box0.Change = [this] { ApplyRule(box0, kAddressRule); };
+  btn0.SetCaption(u"OK");
+  btn0.Click = [this] { End(true); };
+  SetLayout(Layout::Row({Layout(box0, {180, 12}).Wide(), Layout(btn0, {24, 14})}));
+}
+
+void frmSelectRange::Form_Load() {
+  ApplyCaptions();
+  const auto screens = shared_.Platform.Windows.Screens();
+  const int32_t width = screens.empty() ? 0 : screens.front().width;
+  Move(width / 2 - WindowSize().width / 2, kDesignTop);
+  Attempt([this] {
+    evtBook_ =
+        Require(Host().ActiveWorkbook())->OnSheetSelectionChange([this](host::Worksheet&, host::Range&) {
+          ShowSelection();
+        });
+  });
+  ShowSelection();
+  SetTopmost(true);
+  visible_ = true;
+  multiple_ = true;
+}
+
+void frmSelectRange::Form_Unload() {
+  visible_ = false;
+  evtBook_.Release();
+  BaseForm::Form_Unload();
+}
+
+void frmSelectRange::ApplyCaptions() {
+  SetCaption(Text(u"SelectRange.UI.FormCaption", u"Range select"));
+  Arrange();
+}
+
+void frmSelectRange::SetAllowMultipleSelection(bool allow) {
+  if (multiple_ == allow) return;
+  multiple_ = allow;
+  ShowSelection();
+}
+
+// Nothing, when something other than cells is selected.
+void frmSelectRange::ShowSelection() {
+  std::u16string addresses;
+  Attempt([&] {
+    const auto selection = Host().Selection();
+    const int32_t areas = !selection ? 0 : multiple_ ? selection->AreasCount() : 1;
+    for (int32_t i = 1; i <= areas; ++i) {
+      if (i > 1) addresses += u';';
+      addresses += selection->Areas(i)->Address();
+    }
+  });
+  std::erase(addresses, u'$');
+  box0.SetText(addresses);
+}
+
+void frmSelectRange::End(bool accepted) {
+  visible_ = false;
+  accepted_ = accepted;
+  Hide();
+}
+
+}  // namespace rowlark
