@@ -268,7 +268,7 @@ void frmOptions::FillLanguages() {
   cbo0_LangFile.SetListIndex(0);
   try {
     for (const auto& path : found) {
-      const auto name = path.substr(path.find_last_of(u'\\') + 1);
+      const auto name = path.substr(path.find_last_of(u"\\/") + 1);
       if (!ToLower(name).ends_with(u".lng")) continue;
       mclsVTIniFile file(files);
       file.SetSepComment(u";");

@@ -67,6 +67,7 @@ frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch") {
 void frmSearch::Form_Load() {
   tmr0.SetEnabled(false);
   tmr0.SetInterval(kTypingDelay);
+  ApplyCaptions();  // which make the form as large as it is
   if (!RestorePosition(u"SearchFormPosSize")) Move(kDesignPosition, kDesignPosition);
   Float();
   btnClose.Tag.clear();
@@ -134,6 +135,7 @@ void frmSearch::Form_Unload() {
     const auto text = cboText.Text();
     items.RecentItems->Add(text);
     cboText.AddItem(text, 0);
+    items.CfgSave(false);
   });
   Attempt([&] {
     if (ActiveProfile()->DontSaveChanges) Require(Host().ActiveWorkbook())->SetSaved(true);
@@ -146,7 +148,8 @@ void frmSearch::Form_Unload() {
 void frmSearch::ApplyCaptions() {
   idle_caption_ = Padded(Text(u"Search.UI.SearchBox.Caption", u"Find &what:"));
   searching_caption_ = Padded(Text(u"Search.UI.SearchBox1.Caption", u"Searching..."));
-  fraTextCaption.SetCaption(runtime_->Searching() ? searching_caption_ : idle_caption_);
+  const bool searching = runtime_ != nullptr && runtime_->Searching();
+  fraTextCaption.SetCaption(searching ? searching_caption_ : idle_caption_);
   optWordsAll.SetCaption(Text(u"Search.UI.Opt.CellPart", u"Any &part of cells"));
   optWordsCell.SetCaption(Text(u"Search.UI.Opt.CellEntire", u"&Entire cells only"));
   optWordsAny.SetCaption(Text(u"Search.UI.Opt.CellAnyWord", u"&Any of words"));
@@ -156,7 +159,7 @@ void frmSearch::ApplyCaptions() {
   btnUnhide.SetCaption(Text(u"Search.UI.Chk.BtnUnhide", u"&Show All"));
   btnOptions.SetCaption(Text(u"Search.UI.Chk.BtnOptions", u"&Options..."));
   btnClose.SetCaption(Text(u"Search.UI.Chk.BtnClose", u"&Close"));
-  SetCaption(FormCaption());
+  if (runtime_ != nullptr) SetCaption(FormCaption());
   SetEditMode(edit_mode_);
 }
 
@@ -263,9 +266,8 @@ void frmSearch::uActivateCboText() {
 }
 
 void frmSearch::evtLang_NewLangLoaded() {
-  if (runtime_ == nullptr) return;
   ApplyCaptions();
-  if (!loading_) RestartDelay();
+  if (runtime_ != nullptr && !loading_) RestartDelay();
 }
 
 void frmSearch::evtRLRTM_Searching(bool searching) {

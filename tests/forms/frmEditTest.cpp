@@ -1,0 +1,164 @@
+// The edit form and the range selection form: small windows that follow the cells of the sheet.
+#include <gtest/gtest.h>
+
+#include "Desk.h"
+
+namespace rowlark {
+namespace {
+
+using controls::PressKey;
+using testing::Desk;
+using testing::SampleHost;
+using testing::Type;
+
+TEST(EditForm, WalksOverTheVisibleRowsWithTheArrowKeys) {
+  Desk desk("a,b|a,b|a,b|a,b|a,b|a,b|a,b|a,b|a,b|a,b|a,b|a,b");  // 12 rows
+  desk.sheet->Range(u"3:9")->SetEntireRowHidden(true);
+  const auto form = desk.Edit();
+  using namespace controls;
+  for (const auto& [from, key, to] : {std::tuple("A10", kKeyUp, "A2"),
+                                      {"A2", kKeyDown, "A10"},
+                                      {"A2", kKeyUp, "A1"},
+                                      {"A1", kKeyUp, "A1"},
+                                      {"A12", kKeyDown, "A13"},  // the row behind the used range
+                                      {"A13", kKeyDown, "A13"},
+                                      {"A1", kKeyLeft, "A1"},
+                                      {"B2", kKeyLeft, "A2"},
+                                      {"B2", kKeyRight, "C2"},
+                                      {"IU2", kKeyRight, "IV2"},
+                                      {"IV2", kKeyRight, "IV2"},
+                                      {"XFD2", kKeyLeft, "XFC2"}}) {
+    desk.sheet->Select(ToUtf16(from));
+    EXPECT_EQ(ToUtf8(form->lblActiveCell.Caption()), from);  // follows the mouse
+    form->box0.UserTyped(u"dropped", 0);
+    EXPECT_EQ(form->UserKeyDown(key, kNoShift), 0);
+    EXPECT_EQ(desk.ActiveCell(), to) << from;
+    EXPECT_EQ(ToUtf8(form->lblActiveCell.Caption()), to);
+    EXPECT_EQ(form->box0.Text(), desk.application->ActiveCell()->Value());
+    EXPECT_EQ(form->box0.SelLength(), form->box0.End());
+  }
+  desk.sheet->Select(u"B2");
+  form->box0.SetCaret(1);
+  PressKey(*form, kKeyLeft, kShift);
+  EXPECT_EQ(form->box0.SelLength(), 1);
+  EXPECT_EQ(desk.ActiveCell(), "B2");
+}
+
+// A million hidden rows are passed over with a few questions.
+TEST(EditForm, CountsNoHiddenRows) {
+  Desk desk("a");
+  desk.sheet->SetCell(1'048'576, 1, u"z");
+  desk.sheet->Range(u"2:1048575")->SetEntireRowHidden(true);
+  host::FaultyHost counter(0);
+  desk.runtime->SetExcelApp(counter.Wrap(Ref<host::Application>(desk.application)));
+  const auto form = desk.Edit();
+  counter.Rearm(0);
+  PressKey(*form, controls::kKeyDown);
+  EXPECT_EQ(desk.ActiveCell(), "A1048576");
+  EXPECT_LT(counter.Calls(), 400);
+  PressKey(*form, controls::kKeyDown);  // the row behind it is not on the sheet
+  EXPECT_EQ(desk.ActiveCell(), "A1048576");
+  PressKey(*form, controls::kKeyUp);
+  EXPECT_EQ(desk.ActiveCell(), "A1");
+  desk.runtime->DoStop();
+  desk.runtime->SetExcelApp(nullptr);
+}
+
+TEST(EditForm, WritesTheCellAndStaysOrCloses) {
+  Desk desk("old");
+  auto form = desk.Edit();
+  EXPECT_EQ(form->Caption(), u"Edit mode - Vantrel Rowlark");
+  Type(*form, u"new");  // over the selected text
+  PressKey(*form, controls::kKeyReturn);
+  EXPECT_EQ(desk.application->ActiveCell()->Value(), u"new");
+  EXPECT_TRUE(form->Loaded());
+  EXPECT_EQ(form->box0.Text(), u"new");
+
+  desk.runtime->Items->EditAutoClose = true;
+  standalone::Protection locked;
+  locked.contents = true;
+  desk.sheet->Protect(locked);
+  form->box0.UserTyped(u"refused", 7);
+  form->btnOK.UserClicked();  // the host does not take it
+  EXPECT_TRUE(form->Loaded());
+  EXPECT_EQ(form->box0.Text(), u"refused");
+  EXPECT_EQ(form->box0.SelLength(), 7);
+  EXPECT_EQ(desk.windows.Beeps, 1);
+  desk.sheet->Protect({});
+  form->btnOK.UserClicked();
+  EXPECT_EQ(desk.application->ActiveCell()->Value(), u"refused");
+  EXPECT_TRUE(desk.NoFormIsLeft());
+
+  form = desk.Edit();
+  Type(*form, u"cancelled");
+  PressKey(*form, controls::kKeyEscape);
+  EXPECT_EQ(desk.application->ActiveCell()->Value(), u"refused");
+  EXPECT_TRUE(desk.NoFormIsLeft());
+}
+
+TEST(EditForm, OpensWhereItWasOrWhereTheSearchFormWasOrOverTheHost) {
+  Desk desk;
+  auto form = desk.Edit();
+  const auto size = form->WindowSize();
+  EXPECT_EQ(form->Left(), 960 * 20 / 2 - size.width / 2);
+  EXPECT_EQ(form->Top(), 540 * 20 / 2 - size.height / 2);
+  form->UserMoved(700, 800);
+  form->UserClosed();
+  EXPECT_EQ(desk.Edit()->Left(), 700);
+  EXPECT_EQ(desk.forms.Edit()->Owner(), 1);
+  desk.forms.Edit()->UserClosed();
+  desk.Store(u"EditFormPosSize", u"");
+  desk.Store(u"SearchFormPosSize", u"500;600");
+  EXPECT_EQ(desk.Edit()->Top(), 600);
+}
+
+TEST(EditForm, StandsAnEmptyHost) {
+  Desk desk;
+  const auto form = desk.Edit();
+  desk.application->Close(desk.book);
+  form->box0.UserTyped(u"kept", 4);
+  PressKey(*form, controls::kKeyDown);
+  form->btnOK.UserClicked();
+  EXPECT_EQ(form->box0.Text(), u"kept");
+  form->UserClosed();
+  EXPECT_TRUE(desk.NoFormIsLeft());
+}
+
+TEST(RangeForm, ShowsTheSelectionAndFiltersWhatIsTyped) {
+  Desk desk;
+  desk.sheet->Select(u"A1:B2,D4");
+  const auto form = MakeRef<frmSelectRange>(desk.shared);
+  form->Open();
+  EXPECT_EQ(form->Caption(), u"Range select");
+  EXPECT_TRUE(form->Topmost() && form->uVisible() && form->AllowMultipleSelection());
+  EXPECT_EQ(form->Left(), 28800 / 2 - form->WindowSize().width / 2);
+  EXPECT_EQ(form->box0.Text(), u"A1:B2;D4");
+  form->SetAllowMultipleSelection(false);
+  EXPECT_EQ(form->box0.Text(), u"A1:B2");
+  desk.sheet->Select(u"C3,D4");
+  EXPECT_EQ(form->box0.Text(), u"C3");
+  for (const auto& [typed, kept] : {std::pair(u"$A$1", u"A1"), std::pair(u"A1, B2", u"A1B2"),
+                                    std::pair(u"a1:c5;e\u00E91", u"a1:c5;e1")}) {
+    form->box0.UserTyped(typed, 2);
+    EXPECT_EQ(form->box0.Text(), kept);
+    EXPECT_EQ(form->box0.Caret(), 2);
+  }
+  form->Show();
+  for (const auto& [key, accepted] :
+       {std::pair(controls::kKeyEscape, false), std::pair(controls::kKeyReturn, true),
+        std::pair(controls::kKeyExecute, true)}) {
+    EXPECT_EQ(form->UserKeyDown(key, 0), 0);
+    EXPECT_FALSE(form->uVisible() || form->Visible());
+    EXPECT_EQ(form->Accepted(), accepted);
+    EXPECT_EQ(form->box0.Text(), u"a1:c5;e1");
+  }
+  form->Unload();
+  desk.book->AddChartSheet();
+  const auto empty = MakeRef<frmSelectRange>(desk.shared);
+  empty->Open();
+  EXPECT_EQ(empty->box0.Text(), u"");
+  empty->Unload();
+}
+
+}  // namespace
+}  // namespace rowlark
