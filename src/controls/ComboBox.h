@@ -24,8 +24,8 @@ class ComboBox final : public TextInput {
   // The text goes as well, without an event.
   void Clear();
 
-  // Selecting an entry makes it the text and raises Click. Any other change of the text ends its selection, and
-  // so does -1, which leaves the text.
+  // Selecting an entry makes it the text and raises Click. Any other change of the text ends its selection,
+  // and so does -1, which leaves the text.
   int32_t ListIndex() const { return list_index_; }
   void SetListIndex(int32_t index);
 

@@ -43,8 +43,8 @@ Control::Control(Form& form, ControlKind kind, std::u16string_view name)
   form.controls_.push_back(this);
 }
 
-Control::Control(std::u16string_view name)
-    : Kind(ControlKind::Form), Name(name), form_(static_cast<Form*>(this)), visible_(false) {}
+Control::Control(Form& self, std::u16string_view name)
+    : Kind(ControlKind::Form), Name(name), form_(&self), visible_(false) {}
 
 void Control::SetVisible(bool visible) {
   if (!Set(visible_, visible, Property::Visible) || Kind != ControlKind::Frame) return;

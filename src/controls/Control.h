@@ -83,7 +83,7 @@ class Control {
 
  protected:
   // A form is a control of its own.
-  explicit Control(std::u16string_view name);
+  Control(Form& self, std::u16string_view name);
 
   void Notify(Property property);
   template <class Value, class NewValue>

@@ -62,7 +62,7 @@ class Form : public Control, public RefCounted {
   void UserClosed();
 
  protected:
-  explicit Form(std::u16string_view name) : Control(name) {}
+  explicit Form(std::u16string_view name) : Control(*this, name) {}
 
   // At the end of the constructor, since it names the controls.
   void SetLayout(Layout layout);

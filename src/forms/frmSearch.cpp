@@ -236,6 +236,9 @@ bool frmSearch::Run(Operation operation) {
   const std::u16string untouched(1, u'\0');
   std::u16string error = untouched;
   ShowError(u"");
+  bool sheet = true;
+  Attempt([&] { sheet = Host().ActiveSheet() != nullptr; });
+  if (!sheet) return false;  // all workbooks have been closed
   try {
     if (operation(error)) return Loaded();
     if (!Loaded()) return false;

@@ -64,8 +64,8 @@ class frmSearch final : public BaseForm {
   void ApplyOptions();
   void RestartDelay();
   bool RunSearch();
-  // Calls an operation of the runtime, which returns whether it succeeded and otherwise says why not. True when
-  // it did, and the form is still there.
+  // Calls an operation of the runtime, which returns whether it succeeded and otherwise says why not. True
+  // when it did, and the form is still there.
   template <class Operation>
   bool Run(Operation operation);
   void ShowError(std::u16string_view text);

@@ -66,7 +66,8 @@ class clsVTRLKRuntime {
   Event<bool&>& SearchingEvent() { return searching_event_; }
 
   // Stops the search under way and brings it to its end, whoever began it; its call returns false with an
-  // empty error. False when that is not possible, because this is called from inside an operation of the host.
+  // empty error. False when that is not possible, because this is called from inside an operation of the
+  // host.
   bool EndSearch();
 
   // Completes the open bounds of a profile from the sheet. Throws host::Error.

@@ -132,7 +132,10 @@ TEST(LanguageFiles, EnglishIsWhatTheSourcesSay) {
       }
     }
   }
-  EXPECT_TRUE(used.contains("Err.Generic") && used.contains("Err.SearchTextNotFound"));
+  // And nothing is left over. Keys without a dot tell what the file is; why rows are not hidden is not told
+  // yet.
+  used.insert({"Err.BookIsReadOnly", "Err.SheetIsProtected"});
+  for (const auto& [key, text] : texts) EXPECT_TRUE(used.contains(key) || key.find('.') == key.npos) << key;
 }
 
 }  // namespace
