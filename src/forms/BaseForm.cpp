@@ -39,10 +39,8 @@ int32_t Within(int32_t begin, int32_t length, int32_t low, int32_t extent) {
 }  // namespace
 
 void BaseForm::Open() {
-  evtLang_ = shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) {
-    const Ref<Form> keep(this);
-    if (Loaded()) evtLang_NewLangLoaded();
-  });
+  evtLang_ =
+      shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) { evtLang_NewLangLoaded(); });
   shared_.Platform.Windows.Realise(*this);
   Arrange();
   Load();

@@ -214,7 +214,7 @@ void frmOptions::chk0_RecentsUse_Click() {
 // A number that is out of bounds leaves the maximum as it was.
 void frmOptions::box0_RecentItems_Change() {
   constexpr int32_t kMost = 999;
-  if (!ApplyRule(box0_RecentItems, kNumberRule) || loading_) return;
+  if (!ApplyRule(box0_RecentItems, kNumberRule)) return;
   const auto number = ToInteger(box0_RecentItems.Text());
   if (number && *number >= 0 && *number <= kMost) History().MaxItemsCount = *number;
 }

@@ -112,7 +112,6 @@ void frmSearch::SetObjectRLKRuntime(clsVTRLKRuntime& runtime) {
 
 void frmSearch::Form_Unload() {
   auto& items = *runtime_->Items;
-  tmr0.SetEnabled(false);
   if (runtime_->Searching()) {
     runtime_->StopSearch();
     runtime_->EndSearch();

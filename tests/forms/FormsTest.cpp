@@ -75,8 +75,9 @@ void CheckLayout(const controls::Form& form, const std::string& language) {
 
 TEST(Forms, FollowTheLanguageAndCutNoText) {
   Desk desk;
-  const auto options = desk.Options();
   const auto search = desk.Search();
+  const auto options = desk.Options();
+  EXPECT_FALSE(search->tmr0.Enabled());  // showing the languages loads none
   const auto edit = desk.Edit();
   desk.script = {[&] {
     std::set<std::u16string> captions;

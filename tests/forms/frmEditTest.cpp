@@ -60,6 +60,10 @@ TEST(EditForm, CountsNoHiddenRows) {
   EXPECT_EQ(desk.ActiveCell(), "A1048576");
   PressKey(*form, controls::kKeyUp);
   EXPECT_EQ(desk.ActiveCell(), "A1");
+  desk.sheet->Range(u"1:1048575")->SetEntireRowHidden(true);
+  desk.sheet->Select(u"A1048576");
+  PressKey(*form, controls::kKeyUp);  // all are hidden
+  EXPECT_EQ(desk.ActiveCell(), "A1048576");
   desk.runtime->DoStop();
   desk.runtime->SetExcelApp(nullptr);
 }

@@ -160,6 +160,10 @@ TEST(OptionsForm, ListsTheLanguagesAndSpeaksTheChosenOne) {
   desk.Start(desk.application);
   EXPECT_EQ(desk.runtime->Language().LangFile(), u"english.lng");
 
+  // A language that is not there for the moment is not forgotten.
+  desk.runtime->Language().SetLangFile(u"german.lng");
+  desk.Options()->UserClosed();
+  EXPECT_EQ(desk.runtime->Language().LangFile(), u"german.lng");
   desk.runtime->Language().SetPath(u"/nowhere");
   form = desk.Options();
   EXPECT_EQ(form->cbo0_LangFile.ListCount(), 1);
@@ -271,6 +275,9 @@ TEST(OptionsForm, EditsTheProfileOfAWorkbook) {
   desk.application->Close(desk.book);
   form->tbr1_0.UserPressed(u"ADD");
   EXPECT_EQ(items.count(), 0);
+  items.DefaultItem->SelectCol = 5;  // what can not be shown without a sheet is not lost
+  form->lvw0.UserPicked(0);
+  EXPECT_EQ(items.DefaultItem->SelectCol, 5);
 }
 
 TEST(OptionsForm, PicksOnTheSheet) {
@@ -303,10 +310,21 @@ TEST(OptionsForm, PicksOnTheSheet) {
   pick(form->btn1_SelSearchCols, u"2:3", kOk);         // no columns in it
   EXPECT_EQ(form->box1_SearchCols.Text(), u"AA,B,C");
 
-  // The form goes while the user picks.
-  desk.script = {[&] { desk.runtime->DoStop(); }};
+  desk.script = {[&] { form->Picker()->UserClosed(); }};
   form->btn1_SelCol.UserClicked();
+  // The form goes while the user picks, and when a pick has just been accepted.
+  desk.script = {[&] { form->UserClosed(); }};
+  form->btn1_SelCol.UserClicked();
+  EXPECT_TRUE(desk.NoFormIsLeft() && !desk.shared.Terminating);
+  const auto again = desk.Options(kBooksPage);
+  desk.script = {[&] {
+    desk.sheet->Select(u"F6");
+    again->Picker()->btn0.UserClicked();
+    desk.runtime->DoStop();
+  }};
+  again->btn1_SelCol.UserClicked();
   EXPECT_TRUE(desk.NoFormIsLeft());
+  EXPECT_EQ(desk.runtime->Items->DefaultItem->SelectCol, 28);
   EXPECT_EQ(form->box1_Col.Text(), u"AB");
 }
 

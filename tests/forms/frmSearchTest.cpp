@@ -80,6 +80,20 @@ TEST(SearchForm, ShowsWhyNothingWasFoundUntilSomethingIs) {
   EXPECT_EQ(form->imgExclamationErr.ToolTip(), u"");
 }
 
+TEST(SearchForm, DoesNothingWhenAllWorkbooksAreClosed) {
+  Desk desk;
+  const auto form = desk.Search();
+  desk.application->Close(desk.book);
+  for (const auto* text : {u"ann", u""}) {
+    form->cboText.UserTyped(text, 0);
+    desk.windows.Elapse(300);
+    EXPECT_EQ(form->boxError.Text(), u"");
+  }
+  form->btnUnhide.UserClicked();
+  form->UserClosed();
+  EXPECT_TRUE(desk.NoFormIsLeft() && desk.events.empty());
+}
+
 TEST(SearchForm, CtrlBackspaceDropsTheLastWord) {
   Desk desk;
   const auto form = desk.Search();
@@ -114,6 +128,12 @@ TEST(SearchForm, StepsThroughTheHistoryAndBackToWhatWasTyped) {
   desk.windows.Elapse(300);
   EXPECT_EQ(desk.Rows(), "2 4 6 8");
   EXPECT_EQ(press(controls::kKeyDown), "dan");
+  // Back to a text that an entry has as well.
+  EXPECT_EQ(press(controls::kKeyUp), "ann");
+  form->cboText.UserTyped(u"dan", 3);
+  EXPECT_EQ(press(controls::kKeyDown), "dan");
+  EXPECT_EQ(press(controls::kKeyUp), "dan");
+  EXPECT_EQ(form->cboText.ListIndex(), -1);
 }
 
 TEST(SearchForm, EscapeStopsASearchAndThenClosesTheForm) {
@@ -130,24 +150,45 @@ TEST(SearchForm, EscapeStopsASearchAndThenClosesTheForm) {
 
 // Typed while a search runs: the search under way gives way at every point, and the last text wins.
 TEST(SearchForm, ABurstOfTypingOverASearchEndsWithTheLastText) {
-  for (std::size_t point = 0; point < 12; ++point) {
+  for (const auto* last : {u"dan", u"no one"}) {
+    for (std::size_t point = 0; point < 12; ++point) {
+      SCOPED_TRACE(point);
+      Desk desk;
+      const auto form = desk.Search();
+      Type(*form, u"ann");
+      desk.script.assign(point, [] {});
+      for (const auto* text : {u"b", u"bo", u"bobo", u"nobody", last}) {
+        desk.script.emplace_back([&desk, &form, text] {
+          form->cboText.UserTyped(text, 0);
+          desk.windows.Elapse(300);
+        });
+      }
+      desk.windows.Elapse(2000);
+      while (!desk.script.empty()) desk.pump.ProcessMessages();
+      desk.windows.Elapse(2000);
+      const bool found = last == std::u16string_view(u"dan");
+      EXPECT_EQ(desk.Rows(), found ? "7" : "1 2 3 4 5 6 7 8");
+      EXPECT_EQ(form->boxError.Text(), found ? u"" : u"Text not found");
+      EXPECT_EQ(form->fraTextCaption.Caption(), u" Find &what: ");
+    }
+  }
+}
+
+TEST(SearchForm, EscapeAlsoCallsOffASearchThatWaitsForAnother) {
+  for (std::size_t point = 0; point < 8; ++point) {
     SCOPED_TRACE(point);
     Desk desk;
     const auto form = desk.Search();
     Type(*form, u"ann");
     desk.script.assign(point, [] {});
-    for (const auto* text : {u"b", u"bo", u"bobo", u"nobody", u"dan"}) {
-      desk.script.emplace_back([&desk, &form, text] {
-        form->cboText.UserTyped(text, 0);
-        desk.windows.Elapse(300);
-      });
-    }
+    desk.script.emplace_back([&] {
+      form->cboText.UserTyped(u"bob", 3);
+      desk.windows.Elapse(300);
+    });
+    desk.script.emplace_back([&] { PressKey(*form, controls::kKeyEscape); });
     desk.windows.Elapse(2000);
-    while (!desk.script.empty()) desk.pump.ProcessMessages();
-    desk.windows.Elapse(2000);
-    EXPECT_EQ(desk.Rows(), "7");
-    EXPECT_FALSE(form->boxError.Visible()) << ToUtf8(form->boxError.Text());
-    EXPECT_EQ(form->fraTextCaption.Caption(), u" Find &what: ");
+    EXPECT_EQ(desk.events, "TF");
+    EXPECT_TRUE(form->Loaded());
   }
 }
 
@@ -293,6 +334,8 @@ TEST(SearchForm, StartsWithTheActiveCellsTextIfAsked) {
   desk.forms.Search()->UserClosed();
   desk.runtime->Items->AutoDetectSearchText = true;
   EXPECT_EQ(desk.Search()->cboText.Text(), u"#N/A");
+  PressKey(*desk.forms.Search(), controls::kKeyUp);
+  EXPECT_EQ(desk.forms.Search()->cboText.Text(), u"#N/A");
   desk.windows.Elapse(1000);
   EXPECT_EQ(desk.events, "");  // the first search comes with the first change
 }

@@ -1,0 +1,151 @@
+// Controls beyond what the forms make of them.
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "controls/Button.h"
+#include "controls/CheckBox.h"
+#include "controls/ComboBox.h"
+#include "controls/Form.h"
+#include "controls/Frame.h"
+#include "controls/Keyboard.h"
+#include "controls/Label.h"
+#include "controls/ListView.h"
+#include "controls/OptionButton.h"
+#include "controls/TextBox.h"
+
+namespace rowlark::controls {
+namespace {
+
+struct Sample final : Form, View {
+  Frame left{*this, u"left"}, right{*this, u"right"};
+  OptionButton a{*this, u"a"}, b{*this, u"b"}, c{*this, u"c"};
+  TextBox box{*this, u"box"};
+  ComboBox combo{*this, u"combo"};
+  ListView list{*this, u"list"};
+  Label label{*this, u"label"};
+  std::map<Control*, Property> told;
+  bool released = false;
+
+  Sample() : Form(u"Sample") {
+    label.SetCaption(u"a long label");
+    SetLayout(Layout::Column(
+        {Layout::Row({Layout::Framed(left, Layout::Column({a, b})), Layout::Framed(right, c).Wide()}),
+         Layout::Row({label, Layout(box).Wide(), combo}), Layout(list, {100, 20}).High()}));
+    Attach(*this);
+    Load();
+    Show();
+    Arrange();
+  }
+  void Changed(Control& control, Property property) noexcept override { told[&control] = property; }
+  void Released(Form&) noexcept override { released = true; }
+  int32_t TextWidth(std::u16string_view text) const noexcept override {
+    return 5 * static_cast<int32_t>(text.size());
+  }
+  controls::Size WindowSize(controls::Size client) const noexcept override { return client; }
+};
+
+TEST(Controls, OptionButtonsExcludeEachOtherWithinTheirFrame) {
+  const auto form = MakeRef<Sample>();
+  form->c.SetValue(true);
+  form->a.UserClicked();
+  form->b.UserClicked();
+  EXPECT_TRUE(!form->a.Value() && form->b.Value() && form->c.Value());
+}
+
+TEST(Controls, AreTakenAlongWithTheirFrame) {
+  const auto form = MakeRef<Sample>();
+  form->told.clear();
+  form->left.SetVisible(false);
+  EXPECT_EQ(form->told.size(), 3U);
+  EXPECT_EQ(form->told[&form->b], Property::Visible);
+  int clicks = 0;
+  form->a.Click = [&] { ++clicks; };
+  form->a.UserClicked();
+  form->left.SetVisible(true);
+  form->a.SetEnabled(false);
+  form->a.UserClicked();
+  EXPECT_EQ(clicks, 0);
+}
+
+TEST(Controls, TextsTellWhatChangedThem) {
+  const auto form = MakeRef<Sample>();
+  std::string events;
+  form->box.Change = [&] { events += 'c'; };
+  form->box.SetText(u"abc");
+  form->box.SetText(u"abc");
+  form->box.UserTyped(u"abcd", 9);
+  EXPECT_EQ(form->box.Caret(), 4);
+  form->box.ReadOnly = true;
+  form->box.UserTyped(u"no", 0);
+  EXPECT_EQ(form->box.Text(), u"abcd");
+  form->combo.Change = [&] { events += 'C'; };
+  form->combo.Click = [&] { events += 'K'; };
+  form->combo.AddItem(u"one");
+  form->combo.AddItem(u"two");
+  form->combo.UserPicked(1);
+  form->combo.AddItem(u"zero", 0);
+  EXPECT_EQ(form->combo.ListIndex(), 2);
+  form->combo.UserPicked(7);
+  form->combo.UserTyped(u"x", 1);
+  EXPECT_EQ(form->combo.ListIndex(), -1);
+  EXPECT_EQ(events, "ccKC");
+  form->combo.Click = [] { throw std::runtime_error("a handler's affair"); };
+  form->combo.SetListIndex(0);
+  EXPECT_EQ(form->combo.Text(), u"zero");
+}
+
+TEST(Controls, KeysReachTheFormFirstAndNobodyAfterItIsUnloaded) {
+  const auto form = MakeRef<Sample>();
+  std::string heard;
+  form->box.SetFocus();
+  form->KeyDown = [&](int32_t& key, int32_t) {
+    heard += 'F';
+    if (key == 'X') key = 0;
+    if (key == 'U') form->Unload();
+  };
+  form->box.KeyDown = [&](int32_t&, int32_t) { heard += 'B'; };
+  form->box.KeyUp = [&](int32_t&, int32_t) { heard += 'u'; };
+  PressKey(*form, 'X', kNoShift, u'x');
+  EXPECT_EQ(heard, "Fu");
+  PressKey(*form, 'Y', kNoShift, u'y');
+  EXPECT_EQ(heard, "FuFBu");
+  EXPECT_EQ(form->box.Text(), u"y");
+  PressKey(*form, 'U', kNoShift, u'u');
+  EXPECT_EQ(heard, "FuFBuF");
+  EXPECT_TRUE(form->released && !form->Visible());
+  form->told.clear();
+  form->box.SetText(u"nobody shows it");
+  form->box.UserTyped(u"", 0);
+  EXPECT_TRUE(form->told.empty());
+}
+
+TEST(Controls, LayoutGivesRoomToTextsAndTheRestToWhoStretches) {
+  const auto form = MakeRef<Sample>();
+  const auto right = [](const Control& control) { return control.Bounds.left + control.Bounds.width; };
+  EXPECT_EQ(form->label.Bounds.width, 60);
+  EXPECT_EQ(form->box.Bounds.width, 40);
+  EXPECT_EQ(right(form->combo), right(form->right));
+  EXPECT_EQ(form->list.Bounds.width, right(form->right) - 7);
+  EXPECT_EQ(form->c.Container, &form->right);
+  form->label.SetCaption(u"a label that is longer");
+  form->Arrange();
+  EXPECT_EQ(form->label.Bounds.width, 110);
+  EXPECT_EQ(form->ClientSize().width, right(form->right) + 7);
+  EXPECT_EQ(form->ClientSize().height, form->list.Bounds.top + form->list.Bounds.height + 7);
+}
+
+TEST(Controls, CaptionsMarkTheirAccelerator) {
+  for (const auto& [caption, plain, accelerator] : {std::tuple(u"&Find", u"Find", U'f'),
+                                                    {u"Go&to", u"Goto", U't'},
+                                                    {u"R&&D", u"R&D", U'\0'},
+                                                    {u"R&&&D", u"R&D", U'd'},
+                                                    {u"&\u0416", u"\u0416", U'\u0436'},
+                                                    {u"end&", u"end&", U'\0'}}) {
+    EXPECT_EQ(PlainCaption(caption), plain);
+    EXPECT_EQ(Accelerator(caption), accelerator);
+  }
+}
+
+}  // namespace
+}  // namespace rowlark::controls
