@@ -59,31 +59,18 @@ void Form::UserMoved(int32_t left, int32_t top) {
   top_ = top;
 }
 
-int32_t Form::UserKeyDown(int32_t key, int32_t shift) {
+template <class Key, class... Args>
+Key Form::Offer(Slot<Key&, Args...> Control::*slot, Key key, Args... args) {
   OnUser([&] {
-    KeyDown.Raise(key, shift);
-    if (key != 0 && loaded_ && active_control_ != nullptr) active_control_->KeyDown.Raise(key, shift);
+    (this->*slot).Raise(key, args...);
+    if (key != 0 && loaded_ && active_control_ != nullptr) (active_control_->*slot).Raise(key, args...);
   });
   return key;
 }
 
-char16_t Form::UserKeyPress(char16_t character) {
-  OnUser([&] {
-    KeyPress.Raise(character);
-    if (character != 0 && loaded_ && active_control_ != nullptr) {
-      active_control_->KeyPress.Raise(character);
-    }
-  });
-  return character;
-}
-
-int32_t Form::UserKeyUp(int32_t key, int32_t shift) {
-  OnUser([&] {
-    KeyUp.Raise(key, shift);
-    if (key != 0 && loaded_ && active_control_ != nullptr) active_control_->KeyUp.Raise(key, shift);
-  });
-  return key;
-}
+int32_t Form::UserKeyDown(int32_t key, int32_t shift) { return Offer(&Control::KeyDown, key, shift); }
+char16_t Form::UserKeyPress(char16_t character) { return Offer(&Control::KeyPress, character); }
+int32_t Form::UserKeyUp(int32_t key, int32_t shift) { return Offer(&Control::KeyUp, key, shift); }
 
 void Form::UserClosed() {
   OnUser([this] { Form_Close(); });

@@ -76,6 +76,9 @@ class Form : public Control, public RefCounted {
  private:
   friend class Control;
 
+  template <class Key, class... Args>
+  Key Offer(Slot<Key&, Args...> Control::*slot, Key key, Args... args);
+
   std::vector<Control*> controls_;
   Control* active_control_ = nullptr;
   View* view_ = nullptr;
