@@ -78,7 +78,7 @@ class Variant : public VARIANT {
     if (object != nullptr) object->AddRef();
   }
   Variant(const Variant& other) : Variant() {
-    if (FAILED(VariantCopy(this, &other))) throw std::bad_alloc();
+    if (FAILED(VariantCopy(this, const_cast<Variant*>(&other)))) throw std::bad_alloc();
   }
   Variant(Variant&& other) noexcept : VARIANT(other) { other.vt = VT_EMPTY; }
   Variant& operator=(Variant other) noexcept {

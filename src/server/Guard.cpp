@@ -1,0 +1,60 @@
+#include "server/Guard.h"
+
+#include <new>
+#include <string>
+
+#include "automation/Variant.h"
+#include "host/Error.h"
+#include "runtime/Failure.h"
+#include "util/AutomationError.h"
+
+namespace rowlark::server {
+namespace {
+
+// Run-time errors of automation clients are numbered within FACILITY_CONTROL; larger numbers are results as
+// they stand.
+HRESULT Result(int32_t number) {
+  if (number < 0) return number;
+  return number > 0 && number <= 0xFFFF ? MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number) : E_FAIL;
+}
+
+void SetErrorObject(const IID& interface_id, std::u16string_view source, std::u16string_view description) {
+  automation::ComPtr<ICreateErrorInfo> error;
+  if (FAILED(CreateErrorInfo(error.Put()))) return;
+  error->SetGUID(interface_id);
+  error->SetSource(automation::Bstr(source).get());
+  error->SetDescription(automation::Bstr(description).get());
+  if (const auto info = automation::ComPtr<IErrorInfo>::From(error.get())) SetErrorInfo(0, info.get());
+}
+
+}  // namespace
+
+HRESULT ReportException(const IID& interface_id, std::u16string_view member) noexcept {
+  HRESULT result = E_FAIL;
+  try {
+    std::u16string source(u"VTRLKRuntime.");
+    source += member;
+    try {
+      throw;
+    } catch (const host::Error& error) {
+      result = Result(error.Number());
+    } catch (const AutomationError& error) {
+      result = Result(error.Number());
+      source = error.Source();
+    } catch (const std::bad_alloc&) {
+      result = E_OUTOFMEMORY;
+    } catch (...) {  // NOLINT(bugprone-empty-catch): described below
+    }
+    std::u16string description;
+    try {
+      throw;
+    } catch (...) {
+      description = CurrentDescription();
+    }
+    SetErrorObject(interface_id, source, description);
+  } catch (...) {  // NOLINT(bugprone-empty-catch): then without a description
+  }
+  return result;
+}
+
+}  // namespace rowlark::server

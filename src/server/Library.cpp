@@ -1,0 +1,26 @@
+#include "server/Library.h"
+
+#include <shlobj.h>
+
+#include "automation/Variant.h"
+
+namespace rowlark::server {
+namespace {
+
+std::u16string FolderOf(std::u16string_view file_name) {
+  return std::u16string(file_name.substr(0, file_name.find_last_of(u'\\')));
+}
+
+std::u16string ConfigurationFolder() {
+  wchar_t folder[MAX_PATH] = {};
+  if (FAILED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder))) return {};
+  return automation::Narrow(folder) + std::u16string(u"\\Vantrel\\Rowlark\\");
+}
+
+}  // namespace
+
+Library::Library(std::u16string_view file_name)
+    : Shared(
+          Platform{pump_, registry_, help_, windows_, files_, FolderOf(file_name), ConfigurationFolder()}) {}
+
+}  // namespace rowlark::server

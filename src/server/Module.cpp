@@ -1,0 +1,48 @@
+#include "server/Module.h"
+
+#include "automation/Variant.h"
+#include "server/Library.h"
+
+namespace rowlark::server {
+
+Module::Module(HINSTANCE instance) : instance_(instance) {}
+
+Module::~Module() = default;
+
+std::u16string Module::FileName() const {
+  std::u16string path(MAX_PATH, u'\0');
+  for (;;) {
+    const DWORD length = GetModuleFileNameW(instance_, reinterpret_cast<wchar_t*>(path.data()),
+                                            static_cast<DWORD>(path.size()));
+    if (length < path.size()) {
+      path.resize(length);
+      return path;
+    }
+    path.resize(path.size() * 2);
+  }
+}
+
+void Module::ObjectGone() {
+  if (InterlockedDecrement(&objects_) > 0) return;
+  program_.reset();
+  type_library_ = nullptr;
+}
+
+automation::ComPtr<ITypeInfo> Module::TypeInfo(const GUID& guid) {
+  automation::ComPtr<ITypeInfo> info;
+  if (!type_library_) LoadTypeLibEx(automation::Wide(FileName().c_str()), REGKIND_NONE, type_library_.Put());
+  if (type_library_) type_library_->GetTypeInfoOfGuid(guid, info.Put());
+  return info;
+}
+
+Library& Module::Program() {
+  if (!program_) program_ = std::make_unique<Library>(FileName());
+  return *program_;
+}
+
+IUnknown* Module::Find(const void* core) const {
+  const auto found = objects_by_core_.find(core);
+  return found == objects_by_core_.end() ? nullptr : found->second;
+}
+
+}  // namespace rowlark::server

@@ -1,0 +1,60 @@
+// What is one per loaded library for COM: its type library, the objects handed out, the locks, and the
+// program that the objects are the outside of.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include <oaidl.h>
+
+#include "automation/ComPtr.h"
+
+namespace rowlark::server {
+
+class Library;
+
+// All of it is used on the host's user-interface thread, but for the counts, which `DllCanUnloadNow` may read
+// from anywhere.
+class Module {
+ public:
+  explicit Module(HINSTANCE instance);
+  ~Module();
+  Module(const Module&) = delete;
+  Module& operator=(const Module&) = delete;
+
+  HINSTANCE Instance() const { return instance_; }
+  // Full path of the library's file.
+  std::u16string FileName() const;
+
+  // Objects and locks keep the library loaded. The program ends with the last object.
+  void Lock() { InterlockedIncrement(&locks_); }
+  void Unlock() { InterlockedDecrement(&locks_); }
+  void ObjectMade() { InterlockedIncrement(&objects_); }
+  void ObjectGone();
+  bool CanUnload() const { return locks_ == 0 && objects_ == 0; }
+
+  // The type information of an interface or a class; null when the library's resources can not be read.
+  automation::ComPtr<ITypeInfo> TypeInfo(const GUID& guid);
+
+  // The program, begun with the first object.
+  Library& Program();
+
+  // The object that stands for a core object, while there is one: the same core object is the same object to
+  // every client.
+  IUnknown* Find(const void* core) const;
+  void Remember(const void* core, IUnknown* object) { objects_by_core_[core] = object; }
+  void Forget(const void* core) { objects_by_core_.erase(core); }
+
+ private:
+  HINSTANCE instance_;
+  volatile LONG locks_ = 0;
+  volatile LONG objects_ = 0;
+  automation::ComPtr<ITypeLib> type_library_;
+  std::unique_ptr<Library> program_;
+  std::unordered_map<const void*, IUnknown*> objects_by_core_;  // not counted
+};
+
+}  // namespace rowlark::server

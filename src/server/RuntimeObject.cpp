@@ -1,0 +1,126 @@
+#include "host/windows/ExcelAdapter.h"
+#include "server/Arguments.h"
+#include "server/Library.h"
+#include "server/Objects.h"
+
+namespace rowlark::server {
+namespace {
+
+using automation::NewBstr;
+using automation::View;
+
+// Calls an operation that tells in a text why it failed. A text that it leaves alone stays the caller's.
+template <class Operation>
+VARIANT_BOOL Try(VARIANT* error, Operation operation) {
+  const TextReference reference(error);
+  const std::u16string untouched(1, u'\0');
+  auto text = untouched;
+  const bool done = operation(text);
+  if (text != untouched) reference.Write(text);
+  return Flag(done);
+}
+
+}  // namespace
+
+RuntimeObject::RuntimeObject(Module& module)
+    : Object(module, u"clsVTRLKRuntime",
+             std::make_shared<clsVTRLKRuntime>(module.Program().Shared, module.Program().Forms)) {
+  events_ = std::make_unique<EventSource>(*static_cast<_clsVTRLKRuntime*>(this), __uuidof(__clsVTRLKRuntime));
+  searching_ = core_->SearchingEvent().Connect([this](bool& searching) {
+    VARIANT_BOOL flag = Flag(searching);
+    VARIANT argument;
+    VariantInit(&argument);
+    argument.vt = VT_BOOL | VT_BYREF;
+    argument.pboolVal = &flag;
+    events_->Fire(1, argument);
+    searching = flag != VARIANT_FALSE;
+  });
+}
+
+HRESULT RuntimeObject::get_Items(_clsVTRLKItems** result) noexcept {
+  return Get(result, [this] { return Wrap<ItemsObject, _clsVTRLKItems>(module_, core_->Items); });
+}
+HRESULT RuntimeObject::put_Items(_clsVTRLKItems* value) noexcept {
+  return Do([&] { core_->Items = Unwrap<::clsVTRLKItems, clsVTRLKItems>(value); });
+}
+HRESULT RuntimeObject::get_SearchOptions(_clsVTRLKOptions** result) noexcept {
+  return Get(result, [this] { return Wrap<OptionsObject, _clsVTRLKOptions>(module_, core_->SearchOptions); });
+}
+HRESULT RuntimeObject::put_SearchOptions(_clsVTRLKOptions* value) noexcept {
+  return Do([&] { core_->SearchOptions = Unwrap<::clsVTRLKOptions, clsVTRLKOptions>(value); });
+}
+HRESULT RuntimeObject::put_ExcelApp(VARIANT value) noexcept {
+  return Do([&] {
+    const auto application = ObjectOf(value);
+    core_->SetExcelApp(application ? windows::WrapExcel(application.get()) : nullptr);
+  });
+}
+HRESULT RuntimeObject::get_Language(_clsVTRLKLang** result) noexcept {
+  return Get(result,
+             [this] { return Wrap<LangObject, _clsVTRLKLang>(module_, module_.Program().Shared.Language); });
+}
+HRESULT RuntimeObject::OnAddinInstall() noexcept {
+  return Do([this] { core_->OnAddinInstall(); });
+}
+HRESULT RuntimeObject::get_Searching(VARIANT_BOOL* result) noexcept {
+  return Get(result, [this] { return Flag(core_->Searching()); });
+}
+HRESULT RuntimeObject::StopSearch(VARIANT_BOOL* result) noexcept {
+  return Get(result, [this] { return Flag(core_->StopSearch()); });
+}
+HRESULT RuntimeObject::Search(BSTR search, VARIANT* error, VARIANT_BOOL* result) noexcept {
+  return Get(result, [&] {
+    return Try(error, [&](std::u16string& text) { return core_->Search(View(search), text); });
+  });
+}
+HRESULT RuntimeObject::DetectSearchRange(VARIANT* sheet, VARIANT* item) noexcept {
+  if (sheet == nullptr || item == nullptr) return E_POINTER;
+  return Do([&] {
+    const auto profile = Unwrap<::clsVTRLKItem, clsVTRLKItem>(ObjectOf(*item).get());
+    const auto worksheet = ObjectOf(*sheet);
+    if (!worksheet) throw AutomationError::TypeMismatch(u"VTRLKRuntime.clsVTRLKRuntime.DetectSearchRange");
+    core_->DetectSearchRange(*windows::WrapWorksheet(worksheet.get()), *profile);
+  });
+}
+HRESULT RuntimeObject::Unhide(VARIANT_BOOL call_from_search, VARIANT* error_log,
+                              VARIANT_BOOL* result) noexcept {
+  return Get(result, [&] {
+    return Try(error_log,
+               [&](std::u16string& text) { return core_->Unhide(call_from_search != VARIANT_FALSE, text); });
+  });
+}
+HRESULT RuntimeObject::About() noexcept {
+  return Do([this] { core_->About(); });
+}
+HRESULT RuntimeObject::ShowOptions() noexcept {
+  return Do([this] { core_->ShowOptions(); });
+}
+HRESULT RuntimeObject::ShowSearch() noexcept {
+  return Do([this] { core_->ShowSearch(); });
+}
+HRESULT RuntimeObject::DoStop() noexcept {
+  return Do([this] { core_->DoStop(); });
+}
+HRESULT RuntimeObject::CallTechSupport() noexcept {
+  return Do([this] { core_->CallTechSupport(); });
+}
+HRESULT RuntimeObject::CallHelp() noexcept {
+  return Do([this] { core_->CallHelp(); });
+}
+HRESULT RuntimeObject::MenuCreate() noexcept {
+  return Do([this] { core_->MenuCreate(); });
+}
+HRESULT RuntimeObject::MenuRemove() noexcept {
+  return Do([this] { core_->MenuRemove(); });
+}
+HRESULT RuntimeObject::StartEdit() noexcept {
+  return Do([this] { core_->StartEdit(); });
+}
+HRESULT RuntimeObject::Init() noexcept {
+  return Do([this] { core_->Init(); });
+}
+HRESULT RuntimeObject::get_HelpFile(BSTR* result) noexcept {
+  return Get(result, [this] { return NewBstr(core_->HelpFile()); });
+}
+
+}  // namespace rowlark::server
