@@ -3,21 +3,20 @@
 
 #include <filesystem>
 #include <fstream>
-#include <stdexcept>
+#include <random>
 #include <string>
 #include <string_view>
 #include <system_error>
-
-#include <stdlib.h>
 
 namespace rowlark {
 
 class TempFolder {
  public:
   TempFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "rowlark-test-XXXXXX").string();
-    if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = name;
+    std::random_device random;
+    do {
+      path_ = std::filesystem::temp_directory_path() / ("rowlark-test-" + std::to_string(random()));
+    } while (!std::filesystem::create_directory(path_));
   }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;

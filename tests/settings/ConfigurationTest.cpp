@@ -1,37 +1,18 @@
 // The configuration file: what is saved is there again, older and damaged files give what can be read.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <random>
 
-#include "Platform.h"
+#include "Settings.h"
 #include "TempFolder.h"
 #include "settings/Product.h"
-#include "settings/clsVTRLKItems.h"
 #include "util/mclsVTString.h"
 
 namespace rowlark {
 namespace {
 
 using host::Hive;
-
-// A user's settings over one configuration file.
-struct Settings : testing::TestPlatform {
-  explicit Settings(const std::filesystem::path& file = {}) : items(shared) {
-    shared.Acquire();
-    items.CfgFileName = ToUtf16(file.string());
-  }
-  ~Settings() { shared.Release(); }
-
-  std::shared_ptr<clsVTRLKItem> Profile(std::u16string_view path) {
-    auto item = std::make_shared<clsVTRLKItem>(shared);
-    item->SetFileFullName(path);
-    return item;
-  }
-
-  clsVTRLKItems items;
-};
+using testing::Settings;
 
 // The example of a configuration that the format's description gives.
 void FillExample(Settings& settings) {
@@ -157,31 +138,6 @@ TEST(Configuration, KeepsWhatDamageLeaves) {
       EXPECT_LE(items.ToString(false).size(), 2 * text.size());
     }
   }
-}
-
-TEST(Configuration, TwoProcessesThatSaveAtOnceLeaveOneOfTheirFiles) {
-  const TempFolder folder;
-  const auto file = folder.Path() / "rowlark.cfg";
-  const auto save = [&file](std::u16string_view name) {
-    Settings settings(file);
-    settings.items.Add(settings.Profile(name));
-    for (int i = 0; i < 50; ++i) settings.items.CfgSave(false);
-  };
-  const pid_t child = fork();
-  ASSERT_GE(child, 0);
-  if (child == 0) {
-    save(u"child.xls");
-    _exit(0);
-  }
-  save(u"parent.xls");
-  int status = 0;
-  waitpid(child, &status, 0);
-  EXPECT_EQ(status, 0);
-  Settings settings(file);
-  EXPECT_TRUE(settings.items.CfgLoad());
-  EXPECT_EQ(settings.items.count(), 1);
-  EXPECT_TRUE(settings.items.Exists(u"child.xls") || settings.items.Exists(u"parent.xls"));
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
 }
 
 TEST(History, KeepsNewTextsAndDropsTheOldest) {

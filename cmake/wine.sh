@@ -1,0 +1,20 @@
+#!/bin/sh
+# Runs a program for Windows: wine.sh PREFIX PROGRAM [ARGUMENTS...]. The prefix, which holds Wine's C: drive and
+# registry, is made when it is missing.
+set -eu
+mkdir -p "$1"
+WINEPREFIX=$(cd "$1" && pwd)
+shift
+export WINEPREFIX
+# No messages of its own, no offers to download browsers; the language, and with it the ANSI code page, is fixed.
+export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" LC_ALL=C.UTF-8
+wine=/usr/lib/wine/wine64
+
+made=$WINEPREFIX/.made
+if [ ! -e "$made" ]; then
+  (
+    flock 9
+    [ -e "$made" ] || { "$wine" wineboot -i >"$WINEPREFIX/wineboot.log" 2>&1 && touch "$made"; }
+  ) 9>"$WINEPREFIX/.lock"
+fi
+exec "$wine" "$@"

@@ -1,0 +1,73 @@
+// Settings of processes that run at the same time, and where their environment puts them.
+#include <gtest/gtest.h>
+
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "TempFolder.h"
+#include "host/standalone/FileRegistry.h"
+#include "settings/Settings.h"
+#include "settings/mclsVTRegistry.h"
+#include "util/Text.h"
+
+namespace rowlark {
+namespace {
+
+using host::Hive;
+using testing::Settings;
+
+TEST(FileRegistry, ProcessesLoseNoValueOfOneAnother) {
+  const TempFolder folder;
+  standalone::FileRegistry file({ToUtf16((folder.Path() / "user").string()), u""});
+  const mclsVTRegistry registry(file);
+  const pid_t child = ::fork();
+  const std::u16string prefix = child == 0 ? u"a" : u"b";
+  for (int32_t i = 0; i < 20; ++i) registry.SetLong(Hive::CurrentUser, u"Key", prefix + ToText(i), i);
+  if (child == 0) ::_exit(0);
+  ASSERT_EQ(::waitpid(child, nullptr, 0), child);
+  for (int32_t i = 0; i < 40; ++i) {
+    EXPECT_EQ(registry.GetLong(Hive::CurrentUser, u"Key", (i < 20 ? u"a" : u"b") + ToText(i % 20), -1),
+              i % 20);
+  }
+}
+
+TEST(FileRegistry, LiesWhereTheEnvironmentSays) {
+  ::setenv("HOME", "/home/u", 1);
+  ::setenv("XDG_CONFIG_HOME", "relative", 1);
+  ::setenv("XDG_CONFIG_DIRS", "relative::/b:/c", 1);
+  EXPECT_EQ(standalone::DefaultRegistryPaths().user, u"/home/u/.config/vantrel/rowlark/registry");
+  EXPECT_EQ(standalone::DefaultRegistryPaths().machine, u"/b/vantrel/rowlark/registry");
+  ::setenv("XDG_CONFIG_HOME", "/x", 1);
+  ::unsetenv("XDG_CONFIG_DIRS");
+  EXPECT_EQ(standalone::DefaultRegistryPaths().user, u"/x/vantrel/rowlark/registry");
+  EXPECT_EQ(standalone::DefaultRegistryPaths().machine, u"/etc/xdg/vantrel/rowlark/registry");
+}
+
+TEST(Configuration, TwoProcessesThatSaveAtOnceLeaveOneOfTheirFiles) {
+  const TempFolder folder;
+  const auto file = folder.Path() / "rowlark.cfg";
+  const auto save = [&file](std::u16string_view name) {
+    Settings settings(file);
+    settings.items.Add(settings.Profile(name));
+    for (int i = 0; i < 50; ++i) settings.items.CfgSave(false);
+  };
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    save(u"child.xls");
+    _exit(0);
+  }
+  save(u"parent.xls");
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+  Settings settings(file);
+  EXPECT_TRUE(settings.items.CfgLoad());
+  EXPECT_EQ(settings.items.count(), 1);
+  EXPECT_TRUE(settings.items.Exists(u"child.xls") || settings.items.Exists(u"parent.xls"));
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+}
+
+}  // namespace
+}  // namespace rowlark
