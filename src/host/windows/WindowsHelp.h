@@ -1,0 +1,24 @@
+// HTML Help, by the library "hhctrl.ocx" of the system folder, loaded when help is first asked for.
+#pragma once
+
+#include <windows.h>
+
+#include "host/Help.h"
+
+namespace rowlark::windows {
+
+class WindowsHelp final : public host::Help {
+ public:
+  intptr_t HtmlHelp(std::u16string_view file, host::HelpCommand command, int32_t context) noexcept override;
+
+ private:
+  using Function = HWND WINAPI(HWND caller, LPCWSTR file, UINT command, DWORD_PTR data);
+
+  // Null where HTML Help is not installed. The library has a thread and windows of its own, which may outlive
+  // this object, so it is never unloaded.
+  static Function* Load();
+
+  Function* html_help_ = nullptr;
+};
+
+}  // namespace rowlark::windows
