@@ -7,8 +7,8 @@
 
 #include <ocidl.h>
 
+#include "automation/Events.h"
 #include "automation/Variant.h"
-#include "server/Events.h"
 #include "server/Guard.h"
 #include "server/Module.h"
 #include "util/AutomationError.h"
@@ -140,7 +140,7 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
   Module& module_;
   const std::u16string_view name_;
   std::shared_ptr<Core_> core_;
-  std::unique_ptr<EventSource> events_;
+  std::unique_ptr<automation::EventSource> events_;
 
  private:
   automation::ComPtr<ITypeInfo> type_info_;

@@ -275,10 +275,11 @@ HRESULT ItemsObject::CfgLoad(VARIANT_BOOL* result) noexcept {
 
 LangObject::LangObject(Module& module, std::shared_ptr<clsVTRLKLang> core)
     : Object(module, u"clsVTRLKLang", std::move(core)) {
-  events_ = std::make_unique<EventSource>(*static_cast<_clsVTRLKLang*>(this), __uuidof(__clsVTRLKLang));
+  events_ =
+      std::make_unique<automation::EventSource>(*static_cast<_clsVTRLKLang*>(this), __uuidof(__clsVTRLKLang));
   new_language_ = core_->NewLangLoaded().Connect([this](const std::u16string& file) {
     automation::Variant argument(file);
-    events_->Fire(1, argument);
+    events_->Fire(1, &argument, 1);
   });
 }
 HRESULT LangObject::get_Path(BSTR* result) noexcept {

@@ -25,14 +25,15 @@ VARIANT_BOOL Try(VARIANT* error, Operation operation) {
 RuntimeObject::RuntimeObject(Module& module)
     : Object(module, u"clsVTRLKRuntime",
              std::make_shared<clsVTRLKRuntime>(module.Program().Shared, module.Program().Forms)) {
-  events_ = std::make_unique<EventSource>(*static_cast<_clsVTRLKRuntime*>(this), __uuidof(__clsVTRLKRuntime));
+  events_ = std::make_unique<automation::EventSource>(*static_cast<_clsVTRLKRuntime*>(this),
+                                                      __uuidof(__clsVTRLKRuntime));
   searching_ = core_->SearchingEvent().Connect([this](bool& searching) {
     VARIANT_BOOL flag = Flag(searching);
     VARIANT argument;
     VariantInit(&argument);
     argument.vt = VT_BOOL | VT_BYREF;
     argument.pboolVal = &flag;
-    events_->Fire(1, argument);
+    events_->Fire(1, &argument, 1);
     searching = flag != VARIANT_FALSE;
   });
 }

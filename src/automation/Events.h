@@ -8,7 +8,7 @@
 
 #include "automation/ComPtr.h"
 
-namespace rowlark::server {
+namespace rowlark::automation {
 
 // The one connection point of an object, and the container that hands it out. Both live and die with the
 // object that owns them.
@@ -19,9 +19,9 @@ class EventSource final : public IConnectionPointContainer, public IConnectionPo
   EventSource(const EventSource&) = delete;
   EventSource& operator=(const EventSource&) = delete;
 
-  // Calls the event on every sink with arguments in their order (at most one is needed). A sink that fails is
-  // the sink's affair, and sinks may connect and disconnect meanwhile.
-  void Fire(DISPID event, VARIANT& argument) noexcept;
+  // Calls the event on every sink; the `count` arguments stand in automation's order, the last one first. A
+  // sink that fails is the sink's affair, and sinks may connect and disconnect meanwhile.
+  void Fire(DISPID event, VARIANT* arguments, UINT count) noexcept;
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override;
   STDMETHODIMP_(ULONG) AddRef() noexcept override { return owner_.AddRef(); }
@@ -39,8 +39,8 @@ class EventSource final : public IConnectionPointContainer, public IConnectionPo
  private:
   IUnknown& owner_;
   const IID event_interface_;
-  std::map<DWORD, automation::ComPtr<IDispatch>> sinks_;
+  std::map<DWORD, ComPtr<IDispatch>> sinks_;
   DWORD last_cookie_ = 0;
 };
 
-}  // namespace rowlark::server
+}  // namespace rowlark::automation

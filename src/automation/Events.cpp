@@ -1,13 +1,11 @@
-#include "server/Events.h"
+#include "automation/Events.h"
 
 #include <olectl.h>
 
-#include "server/Enumerator.h"
+#include "automation/Enumerator.h"
 
-namespace rowlark::server {
+namespace rowlark::automation {
 namespace {
-
-using automation::ComPtr;
 
 struct PointTraits {
   using Held = ComPtr<IConnectionPoint>;
@@ -34,14 +32,14 @@ HRESULT Hand(std::vector<typename Traits::Held> elements, Interface** result) {
 
 }  // namespace
 
-void EventSource::Fire(DISPID event, VARIANT& argument) noexcept {
+void EventSource::Fire(DISPID event, VARIANT* arguments, UINT count) noexcept {
   try {
     const auto sinks = sinks_;
     for (const auto& [cookie, sink] : sinks) {
-      DISPPARAMS arguments{&argument, nullptr, 1, 0};
+      DISPPARAMS parameters{arguments, nullptr, count, 0};
       VARIANT result;
       VariantInit(&result);
-      sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &arguments, &result, nullptr,
+      sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, &result, nullptr,
                    nullptr);
       VariantClear(&result);
     }
@@ -128,4 +126,4 @@ HRESULT EventSource::EnumConnections(IEnumConnections** connections) noexcept {
   }
 }
 
-}  // namespace rowlark::server
+}  // namespace rowlark::automation

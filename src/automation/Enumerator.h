@@ -9,7 +9,7 @@
 
 #include "automation/ComPtr.h"
 
-namespace rowlark::server {
+namespace rowlark::automation {
 
 // `Traits` names the element as clients get it, and how one is copied out of what is held.
 template <class Interface, class Traits>
@@ -74,4 +74,4 @@ class Enumerator final : public Interface {
   ULONG references_ = 0;
 };
 
-}  // namespace rowlark::server
+}  // namespace rowlark::automation
