@@ -1,21 +1,14 @@
 #include "CsvFile.h"
 
-#include <fcntl.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <cerrno>
 #include <cstring>
 #include <deque>
 #include <iterator>
 #include <map>
 #include <stdexcept>
-#include <system_error>
 
+#include "FileBytes.h"
 #include "util/Utf.h"
 
 namespace rowlark {
@@ -29,63 +22,6 @@ constexpr string_view kUtf16BigMark = "\xFE\xFF";
 
 [[noreturn]] void Fail(const std::string& path, const std::string& reason) {
   throw std::runtime_error(path + ": " + reason);
-}
-
-[[noreturn]] void FailWithErrno(const std::string& path) {
-  Fail(path, std::error_code(errno, std::generic_category()).message());
-}
-
-struct Bytes {
-  std::shared_ptr<const void> storage;
-  string_view view;
-};
-
-Bytes Own(std::string text) {
-  auto owned = std::make_shared<const std::string>(std::move(text));
-  const string_view view = *owned;
-  return {std::move(owned), view};
-}
-
-class FileDescriptor {
- public:
-  explicit FileDescriptor(const char* path) : fd_(::open(path, O_RDONLY | O_CLOEXEC)) {}
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  int Get() const noexcept { return fd_; }
-
- private:
-  int fd_;
-};
-
-// Maps a regular file; reads anything else (a pipe, a device) to its end.
-Bytes ReadBytes(const std::string& path) {
-  const FileDescriptor file(path.c_str());
-  struct stat status {};
-  if (file.Get() < 0 || ::fstat(file.Get(), &status) != 0) FailWithErrno(path);
-
-  if (S_ISREG(status.st_mode) && status.st_size > 0) {
-    const auto size = static_cast<std::size_t>(status.st_size);
-    void* const address = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_POPULATE, file.Get(), 0);
-    if (address != MAP_FAILED) {
-      auto unmap = [size](const void* mapped) { ::munmap(const_cast<void*>(mapped), size); };
-      return {{static_cast<const void*>(address), unmap}, {static_cast<const char*>(address), size}};
-    }
-  }
-  std::string text;
-  std::array<char, 1 << 16> buffer{};
-  for (;;) {
-    const ssize_t count = ::read(file.Get(), buffer.data(), buffer.size());
-    if (count > 0) {
-      text.append(buffer.data(), static_cast<std::size_t>(count));
-    } else if (count == 0) {
-      return Own(std::move(text));
-    } else if (errno != EINTR) {
-      FailWithErrno(path);
-    }
-  }
 }
 
 std::string FromUtf16(string_view bytes, std::endian order) {
@@ -248,7 +184,7 @@ char DetectSeparator(string_view text) {
 }  // namespace
 
 CsvFile CsvFile::Open(const std::filesystem::path& path, std::optional<char> separator) {
-  Bytes bytes = ReadBytes(path.string());
+  Bytes bytes = ReadBytes(path);
   return CsvFile(path.string(), std::move(bytes.storage), bytes.view, separator);
 }
 
