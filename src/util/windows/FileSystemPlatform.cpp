@@ -56,19 +56,30 @@ class TemporaryFile {
 
   bool Close() { return file_.Close(); }
 
+  // Other processes, virus scanners among them, hold the target open for moments, and meanwhile it can not be
+  // replaced.
   bool MoveTo(const fs::path& target) {
-    // Keeps the permissions of a file that is there; where there is none, a move does.
-    if (::ReplaceFileW(target.c_str(), path_.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
-                       nullptr) == 0 &&
-        ::MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) ==
-            0) {
-      return false;
+    constexpr int kAttempts = 50;
+    constexpr DWORD kPause = 10;  // milliseconds
+    for (int attempt = 1; !TryMoveTo(target); ++attempt) {
+      const DWORD error = ::GetLastError();
+      if (attempt == kAttempts || (error != ERROR_ACCESS_DENIED && error != ERROR_SHARING_VIOLATION))
+        return false;
+      ::Sleep(kPause);
     }
     is_there_ = false;
     return true;
   }
 
  private:
+  bool TryMoveTo(const fs::path& target) {
+    // Keeps the permissions of a file that is there; where there is none, a move does.
+    return ::ReplaceFileW(target.c_str(), path_.c_str(), nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
+                          nullptr) != 0 ||
+           ::MoveFileExW(path_.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) !=
+               0;
+  }
+
   static HANDLE Create(const fs::path& folder, fs::path& path) {
     for (int attempt = 0; attempt < 10'000; ++attempt) {
       path = folder / (L".rowlark-" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
