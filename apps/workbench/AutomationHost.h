@@ -8,13 +8,17 @@
 //
 // Beside Excel's own members Application has switches for tests; they are neither counted nor refused:
 //   CountCalls             Boolean; setting it to True starts counting from zero
-//   CallCount([Name])      calls of a member: "Range.FindNext", "Range.Hidden" (reads), "Range.Hidden=" (writes),
+//   CallCount([Name])      calls of a member: "Range.FindNext", "Range.Hidden" (reads), "Range.Hidden="
+//   (writes),
 //                          "IDispatch.GetIDsOfNames"; without a name: calls of all members
 //   CallCounts             all of them as lines "name count", sorted
-//   RefuseCalls(Count, [Result], [After])   after `After` more calls, the next `Count` (-1: all) fail with the
+//   RefuseCalls(Count, [Result], [After])   after `After` more calls, the next `Count` (-1: all) fail with
+//   the
 //                          HRESULT `Result`; by default RPC_E_CALL_REJECTED. Count 0 ends it.
 //   RunKey(Key)            the macro that OnKey has assigned to a key, "" without one
 #pragma once
+
+#include <memory>
 
 #include <oaidl.h>
 
@@ -25,7 +29,8 @@
 namespace rowlark::workbench {
 
 // The Application object. It and every object reached through it keep the model alive; all belong to the
-// thread that made them. Throws std::bad_alloc.
-automation::ComPtr<IDispatch> ExposeApplication(const Ref<standalone::Application>& application);
+// thread that made them. `lifetime` is dropped when the last of them goes. Throws std::bad_alloc.
+automation::ComPtr<IDispatch> ExposeApplication(const Ref<standalone::Application>& application,
+                                                std::shared_ptr<void> lifetime = nullptr);
 
 }  // namespace rowlark::workbench

@@ -72,6 +72,7 @@ class Variant : public VARIANT {
     vt = VT_BSTR;
   }
   Variant(const char16_t* text) : Variant(std::u16string_view(text)) {}
+  Variant(const std::u16string& text) : Variant(std::u16string_view(text)) {}
   Variant(IDispatch* object) : Variant() {
     vt = VT_DISPATCH;
     pdispVal = object;

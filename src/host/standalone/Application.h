@@ -44,6 +44,9 @@ class Application final : public host::Application {
   // Handles to its sheets and ranges fail from now on; the workbook opened before it becomes the active one.
   void Close(const Ref<Workbook>& workbook);
 
+  // Those that are open, the active one last.
+  const std::vector<Ref<Workbook>>& Workbooks() const { return workbooks_; }
+
   // Hotkeys in force: key code to macro.
   const std::map<std::u16string, std::u16string>& Keys() const { return keys_; }
   const Ref<CommandBar>& WorksheetMenuBar() const { return menu_bar_; }

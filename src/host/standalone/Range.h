@@ -31,6 +31,7 @@ class Range final : public host::Range {
   Ref<host::Range> SpecialCells(host::XlCellType type) const override;
   void AutoFilter(const host::AutoFilterArguments& arguments) override;
 
+  Worksheet& Sheet() const { return *sheet_; }
   std::span<const Rect> Areas() const {
     return areas_ ? std::span<const Rect>(*areas_) : std::span(&first_, 1);
   }

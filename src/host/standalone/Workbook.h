@@ -30,6 +30,7 @@ class Workbook final : public host::Workbook {
   Ref<ChartSheet> AddChartSheet();
   void ActivateSheet(const Ref<host::Worksheet>& sheet) { active_sheet_ = sheet; }
 
+  const std::vector<Ref<Worksheet>>& Worksheets() const { return sheets_; }
   Application& Host() const { return *host_; }
   void RaiseSelectionChange(host::Worksheet& sheet, host::Range& target);
   void Close();

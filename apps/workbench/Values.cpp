@@ -1,0 +1,185 @@
+#include "Values.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "Call.h"
+#include "util/Text.h"
+#include "util/Utf.h"
+
+namespace rowlark::workbench {
+namespace {
+
+using automation::Variant;
+
+// The host's error values: CVErr numbers, and the codes they travel with.
+constexpr std::array<std::pair<std::string_view, int32_t>, 7> kErrors{{{"#NULL!", 2000},
+                                                                       {"#DIV/0!", 2007},
+                                                                       {"#VALUE!", 2015},
+                                                                       {"#REF!", 2023},
+                                                                       {"#NAME?", 2029},
+                                                                       {"#NUM!", 2036},
+                                                                       {"#N/A", 2042}}};
+
+SCODE ErrorCode(int32_t number) { return static_cast<SCODE>(0x800A0000u + static_cast<uint32_t>(number)); }
+
+std::string NumberText(double number) {
+  std::array<char, 40> digits;
+  const auto end =
+      std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::general, 15);
+  std::string text(digits.data(), end.ptr);
+  std::ranges::replace(text, 'e', 'E');
+  return text;
+}
+
+// Only where the number shows as that very text: "007" and "1.50" stay texts, so that nothing is lost.
+std::optional<double> Number(std::string_view text) {
+  if (text.empty() || text.size() > 20 || (text.back() > '9' || text.back() < '0')) return std::nullopt;
+  double number = 0;
+  const auto end = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (end.ec != std::errc() || end.ptr != text.data() + text.size()) return std::nullopt;
+  if (!std::isfinite(number) || NumberText(number) != text || text == "-0") return std::nullopt;
+  return number;
+}
+
+class Array {
+ public:
+  // Dimensions from 1. Throws std::bad_alloc.
+  Array(UINT dimensions, SAFEARRAYBOUND* bounds) : array_(SafeArrayCreate(VT_VARIANT, dimensions, bounds)) {
+    void* data = nullptr;
+    if (array_ == nullptr || FAILED(SafeArrayAccessData(array_, &data))) {
+      if (array_ != nullptr) SafeArrayDestroy(array_);
+      throw std::bad_alloc();
+    }
+    data_ = static_cast<VARIANT*>(data);
+  }
+  Array(const Array&) = delete;
+  Array& operator=(const Array&) = delete;
+  ~Array() {
+    if (array_ == nullptr) return;
+    SafeArrayUnaccessData(array_);
+    SafeArrayDestroy(array_);
+  }
+
+  VARIANT* Data() const { return data_; }
+  Variant Detach() {
+    SafeArrayUnaccessData(array_);
+    Variant value;
+    value.vt = VT_ARRAY | VT_VARIANT;
+    value.parray = std::exchange(array_, nullptr);
+    return value;
+  }
+
+ private:
+  SAFEARRAY* array_;
+  VARIANT* data_ = nullptr;
+};
+
+// The one-dimensional array in a value; null when there is none.
+SAFEARRAY* List(const VARIANT& value) {
+  if ((value.vt & VT_ARRAY) == 0) return nullptr;
+  SAFEARRAY* array = (value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray;
+  const VARTYPE type = value.vt & VT_TYPEMASK;
+  if (array == nullptr || SafeArrayGetDim(array) != 1 || (type != VT_VARIANT && type != VT_BSTR)) {
+    throw Failure{DISP_E_TYPEMISMATCH, &value};
+  }
+  return array;
+}
+
+}  // namespace
+
+Variant ToValue(std::string_view cell) {
+  if (cell.empty()) return {};
+  if (cell == "TRUE" || cell == "FALSE") return cell == "TRUE";
+  if (cell.front() == '#') {
+    const auto error = std::ranges::find(kErrors, cell, &std::pair<std::string_view, int32_t>::first);
+    if (error != kErrors.end()) {
+      Variant value;
+      value.vt = VT_ERROR;
+      value.scode = ErrorCode(error->second);
+      return value;
+    }
+  }
+  if (const auto number = Number(cell)) return *number;
+  return std::u16string_view(ToUtf16(cell));
+}
+
+Variant ToValues(const standalone::CellText& text, const standalone::Rect& block) {
+  SAFEARRAYBOUND bounds[] = {{static_cast<ULONG>(block.Rows()), 1}, {static_cast<ULONG>(block.Columns()), 1}};
+  Array array(2, bounds);
+  VARIANT* place = array.Data();  // column after column
+  for (int32_t column = block.first_column; column <= block.last_column; ++column) {
+    for (int32_t row = block.first_row; row <= block.last_row; ++row) {
+      *place++ = ToValue(text.Cell(row, column)).Detach();
+    }
+  }
+  return array.Detach();
+}
+
+std::u16string ToCellText(const VARIANT& value) {
+  Variant plain;
+  if (value.vt == VT_BSTR) return std::u16string(automation::View(value.bstrVal));
+  if (FAILED(VariantCopyInd(&plain, const_cast<VARIANT*>(&value)))) throw Failure{DISP_E_TYPEMISMATCH, &value};
+  switch (plain.vt) {
+    case VT_BSTR:
+      return std::u16string(automation::View(plain.bstrVal));
+    case VT_EMPTY:
+      return {};
+    case VT_BOOL:
+      return plain.boolVal != VARIANT_FALSE ? u"TRUE" : u"FALSE";
+    case VT_R8:
+      return ToUtf16(NumberText(plain.dblVal));
+    case VT_ERROR:
+      for (const auto& [text, number] : kErrors) {
+        if (plain.scode == ErrorCode(number)) return ToUtf16(text);
+      }
+      break;
+    default:
+      if ((plain.vt & VT_ARRAY) == 0 && SUCCEEDED(VariantChangeType(&plain, &plain, 0, VT_BSTR))) {
+        return std::u16string(automation::View(plain.bstrVal));
+      }
+  }
+  throw Failure{DISP_E_TYPEMISMATCH, &value};
+}
+
+Variant FromCriterion(const host::Criterion& criterion) {
+  if (const auto* text = std::get_if<std::u16string>(&criterion)) return std::u16string_view(*text);
+  const auto& texts = std::get<std::vector<std::u16string>>(criterion);
+  SAFEARRAYBOUND bounds{static_cast<ULONG>(texts.size()), 1};
+  Array array(1, &bounds);
+  VARIANT* place = array.Data();
+  for (const auto& text : texts) *place++ = Variant(std::u16string_view(text)).Detach();
+  return array.Detach();
+}
+
+host::Criterion ToCriterion(const VARIANT& value) {
+  SAFEARRAY* list = List(value);
+  if (list == nullptr) return ToCellText(value);
+  LONG first = 0;
+  LONG last = -1;
+  SafeArrayGetLBound(list, 1, &first);
+  SafeArrayGetUBound(list, 1, &last);
+  std::vector<std::u16string> texts;
+  for (LONG i = first; i <= last; ++i) {
+    Variant element;
+    if ((value.vt & VT_TYPEMASK) == VT_BSTR) {
+      element.vt = VT_BSTR;
+      SafeArrayGetElement(list, &i, &element.bstrVal);
+    } else {
+      SafeArrayGetElement(list, &i, &element);
+    }
+    try {
+      texts.push_back(ToCellText(element));
+    } catch (const Failure&) {
+      throw Failure{DISP_E_TYPEMISMATCH, &value};
+    }
+  }
+  return texts;
+}
+
+}  // namespace rowlark::workbench

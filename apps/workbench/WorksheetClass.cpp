@@ -1,0 +1,73 @@
+#include "Classes.h"
+
+namespace rowlark::workbench {
+namespace {
+
+// Fails once the workbook has been closed.
+standalone::Worksheet& Sheet(const Call& call) {
+  auto& sheet = call.Core<standalone::Worksheet>();
+  sheet.Book();
+  return sheet;
+}
+
+[[noreturn]] void Fail(std::u16string description) { throw host::Error(1004, std::move(description)); }
+
+Ref<host::Range> Corner(Call& call, std::size_t argument, const host::Worksheet& sheet) {
+  auto* range = call.AsRange(argument);
+  if (range == nullptr) return sheet.Range(call.Text(argument));
+  if (&range->Sheet() != &sheet) Fail(u"Method 'Range' of object '_Worksheet' failed");
+  return range;
+}
+
+void Protect(Call& call) {
+  Sheet(call).Protect({.contents = call.Bool(2, true),
+                       .scenarios = call.Bool(3, true),
+                       .allow_formatting_rows = call.Bool(7, false),
+                       .allow_filtering = call.Bool(14, false)});
+}
+
+// The AutoFilter can be taken away, but not be made, by setting its mode.
+void SetAutoFilterMode(Call& call) {
+  auto& sheet = Sheet(call);
+  if (call.BoolValue()) Fail(u"Unable to set the AutoFilterMode property of the Worksheet class");
+  if (sheet.AutoFilterMode()) sheet.UsedRange()->AutoFilter({});
+}
+
+constexpr Member kWorksheetMembers[] = {
+    Get(u"Application", ReturnApplication),
+    Get(u"Parent", [](Call& call) { call.Return(kWorkbook, Sheet(call).Parent()); }),
+    Get(u"Range(Cell1, [Cell2])", [](Call& call) { ReturnRange(call, Sheet(call)); }),
+    Get(u"Cells", [](Call& call) { call.Return(kRange, Sheet(call).Cells()); }),
+    Get(u"Rows", [](Call& call) { call.Return(kRangeRows, Sheet(call).Cells()); }),
+    Get(u"Columns", [](Call& call) { call.Return(kRangeColumns, Sheet(call).Cells()); }),
+    Get(u"UsedRange", [](Call& call) { call.Return(kRange, Sheet(call).UsedRange()); }),
+    GetPut(
+        u"AutoFilterMode", [](Call& call) { call.Return(Sheet(call).AutoFilterMode()); }, SetAutoFilterMode),
+    Get(u"AutoFilter", [](Call& call) { call.Return(kAutoFilter, Sheet(call).AutoFilter()); }),
+    Get(u"ProtectScenarios", [](Call& call) { call.Return(Sheet(call).ProtectScenarios()); }),
+    Method(u"Protect([Password], [DrawingObjects], [Contents], [Scenarios], [UserInterfaceOnly], "
+           u"[AllowFormattingCells], [AllowFormattingColumns], [AllowFormattingRows], "
+           u"[AllowInsertingColumns], [AllowInsertingRows], [AllowInsertingHyperlinks], "
+           u"[AllowDeletingColumns], [AllowDeletingRows], [AllowSorting], [AllowFiltering], "
+           u"[AllowUsingPivotTables])",
+           Protect),
+    Method(u"Unprotect([Password])", [](Call& call) { Sheet(call).Protect({}); }),
+    Method(u"Activate", [](Call& call) { Sheet(call).Book().ActivateSheet(&Sheet(call)); }),
+};
+
+constexpr Member kChartMembers[] = {
+    Get(u"Application", ReturnApplication),
+    Get(u"Parent", [](Call& call) { call.Return(kWorkbook, call.Core<standalone::ChartSheet>().Parent()); }),
+};
+
+}  // namespace
+
+const Class kWorksheet{.name = u"Worksheet", .members = kWorksheetMembers, .identity = true};
+const Class kChart{.name = u"Chart", .members = kChartMembers, .identity = true};
+
+void ReturnRange(Call& call, const host::Worksheet& sheet) {
+  const auto first = Corner(call, 0, sheet);
+  call.Return(kRange, call.Has(1) ? sheet.Range(*first, *Corner(call, 1, sheet)) : first);
+}
+
+}  // namespace rowlark::workbench
