@@ -28,13 +28,12 @@ bool SpansRows(const Rect& area) { return area.Rows() == kMaxRow; }
 
 Ref<host::Range> Make(const Call& call, const Rect& area) { return Self(call).Sheet().MakeRange(area); }
 
-// The part of the first area that is so many rows and columns away from its first cell, 1 by 1 or, where an
-// extent is given, larger.
+// Of the first area: from the given row and column on, which count from its first cell, so many.
 Rect Part(const Call& call, int64_t row, int64_t column, int32_t rows = 1, int32_t columns = 1) {
   const auto& first = Self(call).Areas().front();
   row += first.first_row - 1;
   column += first.first_column - 1;
-  if (row < 1 || row > kMaxRow || column < 1 || column > kMaxColumn) {
+  if (row < 1 || row + rows - 1 > kMaxRow || column < 1 || column + columns - 1 > kMaxColumn) {
     Fail(u"Application-defined or object-defined error");
   }
   const auto r = static_cast<int32_t>(row);
@@ -42,14 +41,16 @@ Rect Part(const Call& call, int64_t row, int64_t column, int32_t rows = 1, int32
   return {r, c, r + rows - 1, c + columns - 1};
 }
 
-// A number, or a column's letters.
+// What a text argument names: "5" and "2:4" whole rows, "B" and "B:D" whole columns.
+std::optional<Rect> Strip(const Call& call, std::size_t argument) {
+  if (!call.IsText(argument)) return std::nullopt;
+  const auto text = call.Text(argument);
+  return standalone::ParseArea(text.find(u':') == std::u16string::npos ? text + u":" + text : text);
+}
+
 int32_t ColumnIndex(const Call& call, std::size_t argument) {
-  if (call.IsText(argument)) {
-    const auto letters = call.Text(argument);
-    const auto area = standalone::ParseArea(letters + u":" + letters);
-    if (area && SpansRows(*area)) return area->first_column;
-  }
-  return call.Int(argument);
+  const auto strip = Strip(call, argument);
+  return strip && SpansRows(*strip) && strip->Columns() == 1 ? strip->first_column : call.Int(argument);
 }
 
 int64_t CountCells(Object& object) {
@@ -85,11 +86,17 @@ void ColumnAt(Call& call, int64_t index) {
 
 void Item(Call& call) {
   const auto& type = call.Self().Type();
-  if (call.Has(1)) {
-    call.Return(kRange, Make(call, Part(call, call.Int(0), ColumnIndex(call, 1))));
-  } else {
-    type.item(call, &type == &kRangeColumns ? ColumnIndex(call, 0) : call.Int(0));
+  if (call.Has(1)) return call.Return(kRange, Make(call, Part(call, call.Int(0), ColumnIndex(call, 1))));
+  const auto strip = &type == &kRange ? std::nullopt : Strip(call, 0);
+  if (strip && &type == &kRangeRows && SpansColumns(*strip)) {
+    const int32_t columns = Self(call).ColumnsCount();
+    return call.Return(type, Make(call, Part(call, strip->first_row, 1, strip->Rows(), columns)));
   }
+  if (strip && &type == &kRangeColumns && SpansRows(*strip)) {
+    const int32_t rows = Self(call).RowsCount();
+    return call.Return(type, Make(call, Part(call, 1, strip->first_column, rows, strip->Columns())));
+  }
+  type.item(call, call.Int(0));
 }
 
 void Value(Call& call) {
