@@ -1,0 +1,23 @@
+// Microsoft Excel behind the seam: every operation is a late-bound call of the object model, and nothing is
+// asked that the operation does not need. A failed call is a host::Error at once, also when Excel is busy
+// (a cell is being edited, a dialog is open): who is called from Excel's own thread must not wait for it.
+//
+// Invocations per operation, where it is not one:
+//   RowsCount, ColumnsCount, AreasCount, Areas, EntireRowHidden, SetEntireRowHidden      2
+//   FiltersCount, Filters, CommandBars, AddControl                                       2
+//   Value                                       1, and one for what the host alone can show
+// Selection, sheets and command bar controls are asked for the id of a name, to tell their class.
+#pragma once
+
+#include <oaidl.h>
+
+#include "host/spreadsheet.h"
+#include "util/Ref.h"
+
+namespace rowlark::windows {
+
+// `application` is Excel's Application object; nothing for null. Handles belong to the calling thread and
+// hold the objects they stand for.
+Ref<host::Application> WrapExcel(IDispatch* application);
+
+}  // namespace rowlark::windows

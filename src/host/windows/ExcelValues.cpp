@@ -1,0 +1,115 @@
+#include "host/windows/ExcelValues.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "host/windows/Dispatch.h"
+
+namespace rowlark::windows {
+namespace {
+
+using automation::Variant;
+
+// XlCVError: the numbers of error values, which arrive as 0x800A0000 + the number.
+constexpr SCODE kErrorBase = static_cast<SCODE>(0x800A0000u);
+constexpr std::pair<int32_t, std::u16string_view> kErrors[] = {
+    {2000, u"#NULL!"}, {2007, u"#DIV/0!"}, {2015, u"#VALUE!"}, {2023, u"#REF!"},
+    {2029, u"#NAME?"}, {2036, u"#NUM!"},   {2042, u"#N/A"},
+};
+
+std::u16string PlainText(const VARIANT& value) {
+  if (value.vt == VT_EMPTY || value.vt == VT_NULL) return {};
+  if (value.vt == VT_BSTR) return std::u16string(automation::View(value.bstrVal));
+  return std::u16string(automation::View(Converted(value, VT_BSTR).bstrVal));
+}
+
+// A column too narrow for a date shows a row of these.
+bool IsFiller(std::u16string_view text) { return text.find_first_not_of(u'#') == std::u16string_view::npos; }
+
+class Array {
+ public:
+  explicit Array(ULONG count) : array_(SafeArrayCreateVector(VT_VARIANT, 0, count)) {
+    if (array_ == nullptr) throw std::bad_alloc();
+  }
+  Array(const Array&) = delete;
+  Array& operator=(const Array&) = delete;
+  ~Array() { SafeArrayDestroy(array_); }
+
+  void Set(LONG index, const Variant& value) {
+    if (const HRESULT result = SafeArrayPutElement(array_, &index, const_cast<Variant*>(&value));
+        FAILED(result)) {
+      ThrowError(result);
+    }
+  }
+  Variant Detach() {
+    Variant value;
+    value.vt = VT_ARRAY | VT_VARIANT;
+    value.parray = std::exchange(array_, nullptr);
+    return value;
+  }
+
+ private:
+  SAFEARRAY* array_;
+};
+
+Variant Element(SAFEARRAY* array, VARTYPE type, LONG index) {
+  Variant element;
+  HRESULT result = DISP_E_TYPEMISMATCH;
+  if (type == VT_VARIANT) {
+    result = SafeArrayGetElement(array, &index, &element);
+  } else if (type == VT_BSTR) {
+    element.vt = VT_BSTR;
+    element.bstrVal = nullptr;
+    result = SafeArrayGetElement(array, &index, &element.bstrVal);
+  }
+  if (FAILED(result)) ThrowError(result);
+  return element;
+}
+
+}  // namespace
+
+std::u16string CellText(const VARIANT& value, const std::function<std::u16string()>& shown) {
+  switch (value.vt) {
+    case VT_ERROR: {
+      const auto* error = std::ranges::find(kErrors, value.scode - kErrorBase,
+                                            &std::pair<int32_t, std::u16string_view>::first);
+      return error != std::end(kErrors) ? std::u16string(error->second) : shown();
+    }
+    case VT_DATE:
+    case VT_CY:
+    case VT_BOOL: {
+      auto text = shown();
+      return IsFiller(text) ? PlainText(value) : text;
+    }
+    default:
+      return PlainText(value);
+  }
+}
+
+Variant CriterionValue(const std::optional<host::Criterion>& criterion) {
+  if (!criterion) return Variant::Missing();
+  if (const auto* text = std::get_if<std::u16string>(&*criterion)) return std::u16string_view(*text);
+  const auto& texts = std::get<std::vector<std::u16string>>(*criterion);
+  Array array(static_cast<ULONG>(texts.size()));
+  LONG index = 0;
+  for (const auto& text : texts) array.Set(index++, std::u16string_view(text));
+  return array.Detach();
+}
+
+host::Criterion ToCriterion(const VARIANT& value) {
+  if ((value.vt & VT_ARRAY) == 0) return PlainText(value);
+  SAFEARRAY* array = (value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray;
+  LONG first = 0;
+  LONG last = -1;
+  const HRESULT result = SafeArrayGetLBound(array, 1, &first);
+  if (FAILED(result) || SafeArrayGetDim(array) != 1) ThrowError(DISP_E_TYPEMISMATCH);
+  SafeArrayGetUBound(array, 1, &last);
+  std::vector<std::u16string> texts;
+  for (LONG i = first; i <= last; ++i) {
+    texts.push_back(PlainText(Element(array, value.vt & VT_TYPEMASK, i)));
+  }
+  return texts;
+}
+
+}  // namespace rowlark::windows
