@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
 #include <deque>
 #include <iterator>
@@ -208,7 +209,7 @@ void CsvFile::ForEachRow(const RowSink& sink) {
   RecordReader reader(text_, separator_);
   std::vector<string_view> cells;
   for (;;) {
-    const auto start = static_cast<std::uint64_t>(reader.Position() - text_.data());
+    const auto start = static_cast<std::size_t>(reader.Position() - text_.data());
     if (!reader.Next(cells)) return;
     if (row_starts_.size() == kMaxRows) Fail(path_, "More than 1,048,576 rows");
     if (cells.size() > kMaxColumns) Fail(path_, "More than 16,384 columns");

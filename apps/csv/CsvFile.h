@@ -6,7 +6,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -56,7 +55,7 @@ class CsvFile {
   std::string_view text_;                // the whole file in UTF-8, without its mark
   char separator_ = ',';
   std::string_view line_end_ = "\n";
-  std::vector<std::uint64_t> row_starts_;  // offsets into text_
+  std::vector<std::size_t> row_starts_;  // offsets into text_
 };
 
 }  // namespace rowlark

@@ -214,6 +214,7 @@ void Object::Run(const Member& member, WORD flags, const DISPPARAMS& parameters,
 void Object::RunEnumerator(Call& call) {
   std::vector<Variant> elements;
   const int64_t count = type_.count(*this);
+  if (count > standalone::kMaxRow) throw std::bad_alloc();  // whole columns may be walked, no whole sheet
   call.SetSelf(*this);
   for (int64_t i = 1; i <= count; ++i) {
     type_.item(call, i);

@@ -113,9 +113,13 @@ void Text(Call& call) {
   const auto& range = Self(call);
   const auto& text = range.Sheet().Text();
   const auto first = text.Cell(range.Row(), range.Column());
+  const Rect used = text.Used().value_or(Rect{});
   for (const auto& area : range.Areas()) {
-    for (int32_t row = area.first_row; row <= area.last_row; ++row) {
-      for (int32_t column = area.first_column; column <= area.last_column; ++column) {
+    // One row and one column of empty cells stand for all behind the used ones.
+    const int32_t last_row = std::min(area.last_row, std::max(area.first_row, used.last_row + 1));
+    const int32_t last_column = std::min(area.last_column, std::max(area.first_column, used.last_column + 1));
+    for (int32_t row = area.first_row; row <= last_row; ++row) {
+      for (int32_t column = area.first_column; column <= last_column; ++column) {
         if (text.Cell(row, column) == first) continue;
         Variant null;
         null.vt = VT_NULL;

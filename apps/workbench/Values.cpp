@@ -124,7 +124,8 @@ Variant ToValues(const standalone::CellText& text, const standalone::Rect& block
 std::u16string ToCellText(const VARIANT& value) {
   Variant plain;
   if (value.vt == VT_BSTR) return std::u16string(automation::View(value.bstrVal));
-  if (FAILED(VariantCopyInd(&plain, const_cast<VARIANT*>(&value)))) throw Failure{DISP_E_TYPEMISMATCH, &value};
+  if (FAILED(VariantCopyInd(&plain, const_cast<VARIANT*>(&value))))
+    throw Failure{DISP_E_TYPEMISMATCH, &value};
   switch (plain.vt) {
     case VT_BSTR:
       return std::u16string(automation::View(plain.bstrVal));
