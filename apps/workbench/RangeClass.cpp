@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "Classes.h"
+#include "RangeItems.h"
 #include "Values.h"
 #include "host/standalone/Application.h"
 
@@ -14,103 +14,18 @@ using standalone::Rect;
 
 [[noreturn]] void Fail(std::u16string description) { throw host::Error(1004, std::move(description)); }
 
-// Fails once the workbook has been closed.
-standalone::Range& Self(const Object& object) {
-  auto& range = object.Core<standalone::Range>();
-  range.Sheet().Book();
-  return range;
-}
-standalone::Range& Self(const Call& call) { return Self(call.Self()); }
-
-bool IsCell(const Rect& area) { return area.Rows() == 1 && area.Columns() == 1; }
-bool SpansColumns(const Rect& area) { return area.Columns() == kMaxColumn; }
-bool SpansRows(const Rect& area) { return area.Rows() == kMaxRow; }
-
-Ref<host::Range> Make(const Call& call, const Rect& area) { return Self(call).Sheet().MakeRange(area); }
-
-// Of the first area: from the given row and column on, which count from its first cell, so many.
-Rect Part(const Call& call, int64_t row, int64_t column, int32_t rows = 1, int32_t columns = 1) {
-  const auto& first = Self(call).Areas().front();
-  row += first.first_row - 1;
-  column += first.first_column - 1;
-  if (row < 1 || row + rows - 1 > kMaxRow || column < 1 || column + columns - 1 > kMaxColumn) {
-    Fail(u"Application-defined or object-defined error");
-  }
-  const auto r = static_cast<int32_t>(row);
-  const auto c = static_cast<int32_t>(column);
-  return {r, c, r + rows - 1, c + columns - 1};
-}
-
-// What a text argument names: "5" and "2:4" whole rows, "B" and "B:D" whole columns.
-std::optional<Rect> Strip(const Call& call, std::size_t argument) {
-  if (!call.IsText(argument)) return std::nullopt;
-  const auto text = call.Text(argument);
-  return standalone::ParseArea(text.find(u':') == std::u16string::npos ? text + u":" + text : text);
-}
-
-int32_t ColumnIndex(const Call& call, std::size_t argument) {
-  const auto strip = Strip(call, argument);
-  return strip && SpansRows(*strip) && strip->Columns() == 1 ? strip->first_column : call.Int(argument);
-}
-
-int64_t CountCells(Object& object) {
-  int64_t count = 0;
-  for (const auto& area : Self(object).Areas()) count += int64_t{area.Rows()} * area.Columns();
-  return count;
-}
-
-// The index-th cell, row after row; behind the last area it goes on in the first one's columns.
-void CellAt(Call& call, int64_t index) {
-  int64_t rest = index - 1;
-  for (const auto& area : Self(call).Areas()) {
-    const int64_t cells = int64_t{area.Rows()} * area.Columns();
-    if (rest < cells && rest >= 0) {
-      const auto row = area.first_row + static_cast<int32_t>(rest / area.Columns());
-      const auto column = area.first_column + static_cast<int32_t>(rest % area.Columns());
-      return call.Return(kRange, Make(call, {row, column, row, column}));
-    }
-    rest -= cells;
-  }
-  const int64_t columns = Self(call).ColumnsCount();
-  const int64_t row = index > 0 ? (index - 1) / columns : -((columns - index) / columns);
-  call.Return(kRange, Make(call, Part(call, row + 1, index - row * columns)));
-}
-
-void RowAt(Call& call, int64_t index) {
-  call.Return(kRangeRows, Make(call, Part(call, index, 1, 1, Self(call).ColumnsCount())));
-}
-
-void ColumnAt(Call& call, int64_t index) {
-  call.Return(kRangeColumns, Make(call, Part(call, 1, index, Self(call).RowsCount(), 1)));
-}
-
-void Item(Call& call) {
-  const auto& type = call.Self().Type();
-  if (call.Has(1)) return call.Return(kRange, Make(call, Part(call, call.Int(0), ColumnIndex(call, 1))));
-  const auto strip = &type == &kRange ? std::nullopt : Strip(call, 0);
-  if (strip && &type == &kRangeRows && SpansColumns(*strip)) {
-    const int32_t columns = Self(call).ColumnsCount();
-    return call.Return(type, Make(call, Part(call, strip->first_row, 1, strip->Rows(), columns)));
-  }
-  if (strip && &type == &kRangeColumns && SpansRows(*strip)) {
-    const int32_t rows = Self(call).RowsCount();
-    return call.Return(type, Make(call, Part(call, 1, strip->first_column, rows, strip->Columns())));
-  }
-  type.item(call, call.Int(0));
-}
-
 void Value(Call& call) {
-  const auto& range = Self(call);
+  const auto& range = RangeOf(call);
   const auto& area = range.Areas().front();
   const auto& text = range.Sheet().Text();
-  call.Return(IsCell(area) ? ToValue(text.Cell(area.first_row, area.first_column)) : ToValues(text, area));
+  call.Return(IsOneCell(area) ? ToValue(text.Cell(area.first_row, area.first_column)) : ToValues(text, area));
 }
 
-void SetValue(Call& call) { Self(call).SetValue(call.TextValue()); }
+void SetValue(Call& call) { RangeOf(call).SetValue(call.TextValue()); }
 
 // What the cells show; Null when it is not the same everywhere.
 void Text(Call& call) {
-  const auto& range = Self(call);
+  const auto& range = RangeOf(call);
   const auto& text = range.Sheet().Text();
   const auto first = text.Cell(range.Row(), range.Column());
   const Rect used = text.Used().value_or(Rect{});
@@ -132,7 +47,7 @@ void Text(Call& call) {
 
 void Default(Call& call) {
   if (call.Has(0)) {
-    Item(call);
+    RangeItem(call);
   } else if (call.Has(1)) {
     throw Failure{DISP_E_PARAMNOTOPTIONAL};
   } else {
@@ -142,7 +57,7 @@ void Default(Call& call) {
 
 void SetDefault(Call& call) {
   if (!call.Has(0)) return SetValue(call);
-  Item(call);
+  RangeItem(call);
   const Variant cell = std::move(call.Result());
   static_cast<Object*>(cell.pdispVal)->Core<standalone::Range>().SetValue(call.TextValue());
 }
@@ -153,7 +68,7 @@ void Address(Call& call) {
   const bool absolute_column = call.Bool(1, true);
   constexpr int32_t kA1 = 1;
   if (call.Int(2, kA1) != kA1 || call.Bool(3, false)) Fail(u"Application-defined or object-defined error");
-  auto address = Self(call).Address();
+  auto address = RangeOf(call).Address();
   if (!absolute_row || !absolute_column) {
     std::u16string relative;
     for (std::size_t i = 0; i < address.size(); ++i) {
@@ -167,21 +82,21 @@ void Address(Call& call) {
 
 void Entire(Call& call, bool rows) {
   std::vector<Rect> areas;
-  for (const auto& area : Self(call).Areas()) {
+  for (const auto& area : RangeOf(call).Areas()) {
     areas.push_back(rows ? Rect{area.first_row, 1, area.last_row, kMaxColumn}
                          : Rect{1, area.first_column, kMaxRow, area.last_column});
   }
-  call.Return(rows ? kRangeRows : kRangeColumns, Self(call).Sheet().MakeRange(std::move(areas)));
+  call.Return(rows ? kRangeRows : kRangeColumns, RangeOf(call).Sheet().MakeRange(std::move(areas)));
 }
 
 // True or False where all rows agree, else Null. Columns are never hidden.
 void Hidden(Call& call) {
-  const auto areas = Self(call).Areas();
+  const auto areas = RangeOf(call).Areas();
   if (!std::ranges::all_of(areas, SpansColumns)) {
     if (!std::ranges::all_of(areas, SpansRows)) Fail(u"Unable to get the Hidden property of the Range class");
     return call.Return(false);
   }
-  const auto& hidden = Self(call).Sheet().HiddenRows();
+  const auto& hidden = RangeOf(call).Sheet().HiddenRows();
   const auto any = [&](bool in) {
     return std::ranges::any_of(areas, [&](const Rect& area) {
       return hidden.Next(area.first_row, area.last_row, in) <= area.last_row;
@@ -197,21 +112,21 @@ void Hidden(Call& call) {
 
 void SetHidden(Call& call) {
   const bool hidden = call.BoolValue();
-  if (!std::ranges::all_of(Self(call).Areas(), SpansColumns)) {
+  if (!std::ranges::all_of(RangeOf(call).Areas(), SpansColumns)) {
     Fail(u"Unable to set the Hidden property of the Range class");
   }
-  Self(call).SetEntireRowHidden(hidden);
+  RangeOf(call).SetEntireRowHidden(hidden);
 }
 
 void Select(Call& call) {
-  auto& sheet = Self(call).Sheet();
+  auto& sheet = RangeOf(call).Sheet();
   if (call.Application().ActiveSheet().get() != &sheet) Fail(u"Select method of Range class failed");
-  sheet.Select(Self(call).Address());
+  sheet.Select(RangeOf(call).Address());
   call.Return(true);
 }
 
 void Activate(Call& call) {
-  Self(call).Activate();
+  RangeOf(call).Activate();
   call.Return(true);
 }
 
@@ -220,8 +135,8 @@ const host::Range* After(const Call& call, std::size_t argument, const char16_t*
   if (!call.Has(argument)) return nullptr;
   const auto& after = call.Range(argument);
   const auto contains = [&](const Rect& area) { return area.Contains(after.Row(), after.Column()); };
-  if (&after.Sheet() != &Self(call).Sheet() || after.AreasCount() != 1 || !IsCell(after.Areas().front()) ||
-      !std::ranges::any_of(Self(call).Areas(), contains)) {
+  if (&after.Sheet() != &RangeOf(call).Sheet() || after.AreasCount() != 1 ||
+      !IsOneCell(after.Areas().front()) || !std::ranges::any_of(RangeOf(call).Areas(), contains)) {
     Fail(failure);
   }
   return &after;
@@ -249,14 +164,15 @@ void Find(Call& call) {
   if (call.Has(6)) arguments.MatchCase = call.Bool(6, false);
   call.Bool(7, false);  // widths of letters and formats are not modelled
   call.Bool(8, false);
-  call.Return(kRange, Self(call).Find(arguments));
+  call.Return(kRange, RangeOf(call).Find(arguments));
 }
 
 void FindNext(Call& call) {
   const auto* after = After(call, 0, u"Unable to get the FindNext property of the Range class");
-  if (after != nullptr) return call.Return(kRange, Self(call).FindNext(*after));
-  const auto first = Make(call, Part(call, 1, 1));
-  call.Return(kRange, Self(call).FindNext(*first));
+  if (after != nullptr) return call.Return(kRange, RangeOf(call).FindNext(*after));
+  const auto& area = RangeOf(call).Areas().front();
+  const auto first = MakeRange(call, {area.first_row, area.first_column, area.first_row, area.first_column});
+  call.Return(kRange, RangeOf(call).FindNext(*first));
 }
 
 void AutoFilter(Call& call) {
@@ -266,30 +182,30 @@ void AutoFilter(Call& call) {
   arguments.Operator = call.Enumerated<host::XlAutoFilterOperator>(2);
   if (call.Has(3)) arguments.Criteria2 = ToCriterion(*call.Argument(3));
   call.Bool(4, true);
-  Self(call).AutoFilter(arguments);
+  RangeOf(call).AutoFilter(arguments);
   call.Return(true);
 }
 
-void Sheet(Call& call) { call.Return(kWorksheet, &Self(call).Sheet()); }
+void Sheet(Call& call) { call.Return(kWorksheet, &RangeOf(call).Sheet()); }
 
 constexpr Member kRangeMembers[] = {
     GetPut(u"_Default([RowIndex], [ColumnIndex])", Default, SetDefault),
-    GetPut(u"Item(RowIndex, [ColumnIndex])", Item, SetDefault),
+    GetPut(u"Item(RowIndex, [ColumnIndex])", RangeItem, SetDefault),
     Get(u"Application", ReturnApplication),
     Get(u"Parent", Sheet),
     Get(u"Worksheet", Sheet),
-    Get(u"Row", [](Call& call) { call.Return(Self(call).Row()); }),
-    Get(u"Column", [](Call& call) { call.Return(Self(call).Column()); }),
-    Get(u"Rows", [](Call& call) { call.Return(kRangeRows, &Self(call)); }),
-    Get(u"Columns", [](Call& call) { call.Return(kRangeColumns, &Self(call)); }),
-    Get(u"Cells", [](Call& call) { call.Return(kRange, &Self(call)); }),
+    Get(u"Row", [](Call& call) { call.Return(RangeOf(call).Row()); }),
+    Get(u"Column", [](Call& call) { call.Return(RangeOf(call).Column()); }),
+    Get(u"Rows", [](Call& call) { call.Return(kRangeRows, &RangeOf(call)); }),
+    Get(u"Columns", [](Call& call) { call.Return(kRangeColumns, &RangeOf(call)); }),
+    Get(u"Cells", [](Call& call) { call.Return(kRange, &RangeOf(call)); }),
     Get(u"Count", CountOfCollection),
-    Get(u"Areas", [](Call& call) { call.Return(kAreas, &Self(call)); }),
+    Get(u"Areas", [](Call& call) { call.Return(kAreas, &RangeOf(call)); }),
     Get(u"Address([RowAbsolute], [ColumnAbsolute], [ReferenceStyle], [External], [RelativeTo])", Address),
     Get(u"AddressLocal([RowAbsolute], [ColumnAbsolute], [ReferenceStyle], [External], [RelativeTo])",
         Address),
     Get(u"Offset([RowOffset], [ColumnOffset])",
-        [](Call& call) { call.Return(kRange, Self(call).Offset(call.Int(0, 0), call.Int(1, 0))); }),
+        [](Call& call) { call.Return(kRange, RangeOf(call).Offset(call.Int(0, 0), call.Int(1, 0))); }),
     GetPut(u"Value([RangeValueDataType])", Value, SetValue),
     GetPut(u"Value2", Value, SetValue),
     Get(u"Text", Text),
@@ -304,7 +220,7 @@ constexpr Member kRangeMembers[] = {
     Method(u"FindNext([After])", FindNext),
     Method(u"SpecialCells(Type, [Value])",
            [](Call& call) {
-             call.Return(kRange, Self(call).SpecialCells(static_cast<host::XlCellType>(call.Int(0))));
+             call.Return(kRange, RangeOf(call).SpecialCells(static_cast<host::XlCellType>(call.Int(0))));
            }),
     Method(u"AutoFilter([Field], [Criteria1], [Operator], [Criteria2], [VisibleDropDown])", AutoFilter),
 };
@@ -313,25 +229,25 @@ constexpr Member kAreasMembers[] = {
     Get(u"Item(Index)", ItemOfCollection),
     Get(u"Count", CountOfCollection),
     Get(u"Application", ReturnApplication),
-    Get(u"Parent", [](Call& call) { call.Return(kRange, &Self(call)); }),
+    Get(u"Parent", [](Call& call) { call.Return(kRange, &RangeOf(call)); }),
 };
 
 }  // namespace
 
-const Class kRange{.name = u"Range", .members = kRangeMembers, .count = CountCells, .item = CellAt};
+const Class kRange{.name = u"Range", .members = kRangeMembers, .count = CountRangeCells, .item = RangeCellAt};
 const Class kRangeRows{.name = u"Range",
                        .members = kRangeMembers,
-                       .count = [](Object& range) { return int64_t{Self(range).RowsCount()}; },
-                       .item = RowAt};
+                       .count = [](Object& range) { return int64_t{RangeOf(range).RowsCount()}; },
+                       .item = RangeRowAt};
 const Class kRangeColumns{.name = u"Range",
                           .members = kRangeMembers,
-                          .count = [](Object& range) { return int64_t{Self(range).ColumnsCount()}; },
-                          .item = ColumnAt};
+                          .count = [](Object& range) { return int64_t{RangeOf(range).ColumnsCount()}; },
+                          .item = RangeColumnAt};
 const Class kAreas{
     .name = u"Areas",
     .members = kAreasMembers,
-    .count = [](Object& range) { return int64_t{Self(range).AreasCount()}; },
+    .count = [](Object& range) { return int64_t{RangeOf(range).AreasCount()}; },
     .item = [](Call& call,
-               int64_t index) { call.Return(kRange, Self(call).Areas(static_cast<int32_t>(index))); }};
+               int64_t index) { call.Return(kRange, RangeOf(call).Areas(static_cast<int32_t>(index))); }};
 
 }  // namespace rowlark::workbench

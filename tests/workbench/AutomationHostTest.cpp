@@ -197,6 +197,7 @@ TEST_F(AutomationHost, PassesArgumentsOnToTheDefaultMember) {
   EXPECT_EQ(Text(Get(Range(u"D8"), u"Value")), "both");
   EXPECT_EQ(Text(Get(Get(Range(u"B2:C4"), u"Rows", {2}), u"Address")), "$B$3:$C$3");
   EXPECT_EQ(Text(Get(Get(Range(u"B2:C4"), u"Cells", {3}), u"Address", {false, false})), "B3");
+  EXPECT_EQ(Text(Get(Get(Range(u"B2:C3,F9"), u"Item", {5}), u"Address")), "$B$4");
 }
 
 TEST_F(AutomationHost, GivesCellsAsValuesOfTheirTypes) {
