@@ -55,8 +55,12 @@ std::u16string Describe(HRESULT result) {
     case DISP_E_UNKNOWNNAME:
     case DISP_E_MEMBERNOTFOUND:
       return u"Object doesn't support this property or method";
-    case kVbaIgnore:  // unknown to the system, which has words for a busy application
-      return SystemText(RPC_E_SERVERCALL_RETRYLATER);
+    case RPC_E_CALL_REJECTED:
+    case RPC_E_SERVERCALL_RETRYLATER:
+    case kVbaIgnore: {  // one and the same to the user
+      auto text = SystemText(RPC_E_SERVERCALL_RETRYLATER);
+      return text.empty() ? u"The application is busy" : text;
+    }
     default:
       break;
   }
@@ -111,7 +115,7 @@ Variant Converted(const VARIANT& value, VARTYPE type) {
 }
 
 // What is read may be a property or a method; late-bound callers leave that to the object.
-void Dispatch::Invoke(Member& member, VARIANT* arguments, std::size_t count, VARIANT* result) const {
+void Dispatch::InvokeWith(Member& member, VARIANT* arguments, std::size_t count, VARIANT* result) const {
   IDispatch& object = *object_.get();
   DISPPARAMS parameters{arguments, nullptr, static_cast<UINT>(count), 0};
   EXCEPINFO exception{};
@@ -140,7 +144,7 @@ Dispatch Dispatch::ToObject(Variant result) {
 
 int32_t Dispatch::Long(Member& member) const {
   Variant result;
-  Invoke(member, nullptr, 0, &result);
+  InvokeWith(member, nullptr, 0, &result);
   return result.vt == VT_I4 ? result.lVal : Converted(result, VT_I4).lVal;
 }
 
@@ -151,7 +155,7 @@ double Dispatch::Double(Member& member) const {
 
 bool Dispatch::Bool(Member& member) const {
   Variant result;
-  Invoke(member, nullptr, 0, &result);
+  InvokeWith(member, nullptr, 0, &result);
   if (result.vt == VT_NULL) return false;
   return (result.vt == VT_BOOL ? result.boolVal : Converted(result, VT_BOOL).boolVal) != VARIANT_FALSE;
 }

@@ -112,10 +112,10 @@ class Dispatch {
     ((reversed[--place] = Argument(arguments)), ...);
     std::size_t omitted = 0;
     while (omitted < kCount && reversed[omitted].IsMissing()) ++omitted;
-    Invoke(member, reversed.data() + omitted, kCount - omitted, result);
+    InvokeWith(member, reversed.data() + omitted, kCount - omitted, result);
   }
   // A null `result`: a method whose result is of no interest.
-  void Invoke(Member& member, VARIANT* arguments, std::size_t count, VARIANT* result) const;
+  void InvokeWith(Member& member, VARIANT* arguments, std::size_t count, VARIANT* result) const;
   static Dispatch ToObject(automation::Variant result);
 
   automation::ComPtr<IDispatch> object_;

@@ -1,0 +1,158 @@
+// Searches through automation: the same results as over the sheet model itself, whichever call fails, and no
+// call too many.
+#include <gtest/gtest.h>
+
+#include "Excel.h"
+#include "runtime/FaultCases.h"
+#include "runtime/SearchCases.h"
+
+namespace rowlark {
+namespace {
+
+using testing::Excel;
+using testing::Session;
+
+// What Excel answers while a cell is being edited.
+constexpr HRESULT kVbaIgnore = static_cast<HRESULT>(0x800AC472u);
+
+TEST(ExcelSearch, LeavesTheMatchingRowsVisible) {
+  testing::ExpectSearchCases(
+      [](Session& session) { session.runtime.SetExcelApp(Excel(session.application).application); });
+}
+
+class RefusedCall final : public testing::Saboteur {
+ public:
+  RefusedCall(Session& session, HRESULT result, int64_t call, bool persistent)
+      : excel_(session.application), call_(call) {
+    session.runtime.SetExcelApp(excel_.application);
+    excel_.StartCounting();
+    excel_.Refuse(persistent ? -1 : 1, result, static_cast<int32_t>(call) - 1);
+  }
+  std::string Failed() const override { return excel_.CallCount() >= call_ ? "refused" : ""; }
+
+ private:
+  mutable Excel excel_;
+  int64_t call_;
+};
+
+TEST(ExcelSearch, EndsInOrderWhicheverInvokeFails) {
+  for (const HRESULT result : {RPC_E_CALL_REJECTED, kVbaIgnore, DISP_E_EXCEPTION, DISP_E_MEMBERNOTFOUND}) {
+    SCOPED_TRACE(result);
+    const testing::Sabotage refuse = [result](Session& session, int64_t call, bool persistent) {
+      return std::make_unique<RefusedCall>(session, result, call, persistent);
+    };
+    testing::ExpectSearchesToEndInOrder(refuse);
+    testing::ExpectShowAllToEndInOrder(refuse);
+  }
+}
+
+using Calls = std::map<std::string, int>;
+
+// Of a search that is not the first one of its adapter.
+Calls CallsOfSearch(std::string_view cells, const std::function<void(Session&)>& prepare = {}) {
+  Session session(cells);
+  if (prepare) prepare(session);
+  Excel excel(session.application);
+  session.runtime.SetExcelApp(excel.application);
+  EXPECT_EQ(session.Search(u"ann"), "found");
+  excel.StartCounting();
+  EXPECT_EQ(session.Search(u"ann"), "found");
+  return excel.Calls();
+}
+
+Calls Difference(Calls more, const Calls& less) {
+  for (const auto& [name, calls] : less) more[name] -= calls;
+  std::erase_if(more, [](const auto& call) { return call.second == 0; });
+  return more;
+}
+
+TEST(ExcelSearch, CallsTheHostNoMoreThanItNeeds) {
+  const auto search = CallsOfSearch("name|ann|bob|ann");
+  EXPECT_EQ(Difference(CallsOfSearch("name|ann|bob|ann|ann"), search),
+            (Calls{{"Range.FindNext", 1}, {"Range.Row", 1}, {"Range.EntireRow", 1}, {"Range.Hidden", 1}}))
+      << "for a match";
+  EXPECT_EQ(Difference(CallsOfSearch("name|ann|bob|ann|bob|ann"), CallsOfSearch("name|ann|bob|ann|ann")),
+            (Calls{{"Worksheet.Range", 1}, {"Range.EntireRow", 1}, {"Range.Hidden=", 1}}))
+      << "for a block of rows";
+  const auto in_column = [](Session& s) { s.Profile().SearchCols = u"A"; };
+  EXPECT_EQ(Difference(CallsOfSearch("name|ann|bob|ann", in_column), search),
+            (Calls{{"Range.Column", 3}, {"Worksheet.Range", 1}}))
+      << "for a column, and for its two matches";
+  EXPECT_EQ(search, (Calls{// A sheet is asked for its class each time it is handed out; the profile hands its
+                           // range to the user.
+                           {"Application.ActiveSheet", 8},
+                           {"IDispatch.GetIDsOfNames", 8},
+                           {"Application.ActiveCell", 1},
+                           {"Application.ActiveWorkbook", 2},
+                           {"Application.EnableAnimations", 1},
+                           {"Application.EnableAnimations=", 2},
+                           {"Application.EnableEvents", 1},
+                           {"Application.EnableEvents=", 2},
+                           {"Application.ScreenUpdating", 1},
+                           {"Application.ScreenUpdating=", 3},
+                           {"Application.Version", 1},
+                           {"Workbook.Name", 2},
+                           {"Worksheet.AutoFilterMode", 3},
+                           {"Worksheet.Cells", 5},
+                           {"Worksheet.ProtectScenarios", 1},
+                           {"Worksheet.Range", 4},
+                           {"Worksheet.UsedRange", 3},
+                           {"Range.Activate", 2},
+                           {"Range.Address", 3},
+                           {"Range.AddressLocal", 1},
+                           {"Range.Column", 3},
+                           {"Range.Columns", 1},
+                           {"Range.Count", 3},
+                           {"Range.EntireRow", 5},
+                           {"Range.Find", 1},
+                           {"Range.FindNext", 2},
+                           {"Range.Hidden", 2},
+                           {"Range.Hidden=", 3},
+                           {"Range.Offset", 2},
+                           {"Range.Row", 7},
+                           {"Range.Rows", 2}}))
+      << "for a run with two matches and two blocks";
+}
+
+TEST(ExcelSearch, TellsThatTheHostIsBusyAtOnce) {
+  Session session("Name|ann");
+  Excel excel(session.application);
+  session.runtime.SetExcelApp(excel.application);
+  for (const HRESULT result : {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER, kVbaIgnore}) {
+    excel.StartCounting();
+    excel.Refuse(-1, result);
+    EXPECT_TRUE(session.Search(u"ann").starts_with("Error: ")) << result;
+    EXPECT_LT(excel.CallCount(), 10);
+    excel.Refuse(0, S_OK);
+    EXPECT_EQ(session.Search(u"ann"), "found");
+  }
+}
+
+TEST(ExcelSearch, SpeaksUpWithoutWorkbookOrCells) {
+  Session session("Name|ann");
+  Excel excel(session.application);
+  session.runtime.SetExcelApp(excel.application);
+  EXPECT_EQ(session.Search(u"ann"), "found");
+  const auto cells = session.book->ActiveSheet();
+  const auto chart = session.book->AddChartSheet();
+  EXPECT_EQ(session.Search(u"ann"), "Error: Object doesn't support this property or method");
+  session.book->ActivateSheet(cells);
+  EXPECT_EQ(session.Search(u"ann"), "found");
+  session.application->Close(session.book);
+  EXPECT_EQ(session.Search(u"ann"), "Error: Object variable or With block variable not set");
+}
+
+TEST(ExcelSearch, TenThousandSearchesLeaveNothingBehind) {
+  Session session("Name|ann|bob|ann");
+  Excel excel(session.application);
+  session.runtime.SetExcelApp(excel.application);
+  for (int i = 0; i < 10000; ++i) ASSERT_EQ(session.Search(u"ann"), "found");
+  session.runtime.SetExcelApp(nullptr);
+  excel.application = nullptr;
+  IDispatch* object = excel.object.get();
+  object->AddRef();
+  EXPECT_EQ(object->Release(), 1u);
+}
+
+}  // namespace
+}  // namespace rowlark

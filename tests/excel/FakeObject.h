@@ -1,0 +1,108 @@
+// An automation object whose members are functions of the test.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <dispex.h>
+
+#include "automation/ComPtr.h"
+#include "automation/Variant.h"
+#include "util/Utf.h"
+
+namespace rowlark::testing {
+
+class FakeObject final : public IDispatchEx {
+ public:
+  struct Call {
+    WORD flags;
+    std::vector<VARIANT> arguments;  // in their order
+    VARIANT& result;
+    EXCEPINFO& exception;
+  };
+  using Function = std::function<HRESULT(Call&)>;
+
+  // Made with new and held by a ComPtr.
+  FakeObject() = default;
+  FakeObject(const FakeObject&) = delete;
+  FakeObject& operator=(const FakeObject&) = delete;
+
+  void Method(const std::string& name, Function function) {
+    functions_.emplace_back(name, std::move(function));
+  }
+  // A property that gives the value.
+  void Value(const std::string& name, automation::Variant value) {
+    Method(name, [value = std::move(value)](Call& call) {
+      return VariantCopy(&call.result, const_cast<automation::Variant*>(&value));
+    });
+  }
+
+  HRESULT NamesFail = S_OK;  // GetIDsOfNames fails with
+  int LookUps = 0;           // calls of GetIDsOfNames and GetDispID
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
+    *object = nullptr;
+    if (iid != IID_IUnknown && iid != IID_IDispatch && iid != __uuidof(IDispatchEx)) return E_NOINTERFACE;
+    *object = static_cast<IDispatchEx*>(this);
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() noexcept override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+  STDMETHODIMP GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
+  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
+  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) noexcept override {
+    ++LookUps;
+    return FAILED(NamesFail) ? NamesFail : IdOf(names[0], *ids);
+  }
+  STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                      EXCEPINFO* exception, UINT*) noexcept override {
+    automation::Variant ignored;
+    Call call{flags,
+              {parameters->rgvarg, parameters->rgvarg + parameters->cArgs},
+              result != nullptr ? *result : ignored,
+              *exception};
+    std::reverse(call.arguments.begin(), call.arguments.end());
+    return functions_.at(static_cast<std::size_t>(id)).second(call);
+  }
+
+  STDMETHODIMP GetDispID(BSTR name, DWORD, DISPID* id) noexcept override {
+    ++LookUps;
+    return IdOf(name, *id);
+  }
+  STDMETHODIMP InvokeEx(DISPID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*,
+                        IServiceProvider*) noexcept override {
+    return E_NOTIMPL;
+  }
+  STDMETHODIMP DeleteMemberByName(BSTR, DWORD) noexcept override { return E_NOTIMPL; }
+  STDMETHODIMP DeleteMemberByDispID(DISPID) noexcept override { return E_NOTIMPL; }
+  STDMETHODIMP GetMemberProperties(DISPID, DWORD, DWORD*) noexcept override { return E_NOTIMPL; }
+  STDMETHODIMP GetMemberName(DISPID, BSTR*) noexcept override { return E_NOTIMPL; }
+  STDMETHODIMP GetNextDispID(DWORD, DISPID, DISPID*) noexcept override { return E_NOTIMPL; }
+  STDMETHODIMP GetNameSpaceParent(IUnknown**) noexcept override { return E_NOTIMPL; }
+
+ private:
+  ~FakeObject() = default;
+
+  HRESULT IdOf(const wchar_t* wide, DISPID& id) const {
+    const auto name = ToUtf8(automation::Narrow(wide));
+    for (std::size_t i = 0; i < functions_.size(); ++i) {
+      if (functions_[i].first != name) continue;
+      id = static_cast<DISPID>(i);
+      return S_OK;
+    }
+    return DISP_E_UNKNOWNNAME;
+  }
+
+  std::vector<std::pair<std::string, Function>> functions_;
+  ULONG references_ = 0;
+};
+
+}  // namespace rowlark::testing
