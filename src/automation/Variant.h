@@ -54,7 +54,7 @@ class Bstr {
 
 class Variant : public VARIANT {
  public:
-  Variant() { VariantInit(this); }
+  Variant() : VARIANT{} {}
   Variant(bool value) : Variant() {
     vt = VT_BOOL;
     boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;
@@ -86,7 +86,11 @@ class Variant : public VARIANT {
     std::swap(static_cast<VARIANT&>(*this), static_cast<VARIANT&>(other));
     return *this;
   }
-  ~Variant() { VariantClear(this); }
+  ~Variant() {
+    // What is plain needs no call of the system: every call of an object makes a few of them.
+    const bool plain = vt <= VT_DATE || vt == VT_BOOL || vt == VT_ERROR;
+    if (!plain) VariantClear(this);
+  }
 
   // Stands for an optional argument that is left out.
   static Variant Missing() {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include <oaidl.h>
@@ -105,11 +106,14 @@ class Dispatch {
 
   template <class... Arguments>
   void Invoke(Member& member, VARIANT* result, const Arguments&... arguments) const {
-    constexpr std::size_t kCount = sizeof...(arguments);
-    // As automation wants them: the last one first.
-    std::array<automation::Variant, kCount> reversed;
-    [[maybe_unused]] std::size_t place = kCount;
-    ((reversed[--place] = Argument(arguments)), ...);
+    InvokeReversed(member, result, std::tie(arguments...), std::index_sequence_for<Arguments...>());
+  }
+  // Automation wants the last argument first.
+  template <class Tuple, std::size_t... kIndex>
+  void InvokeReversed(Member& member, VARIANT* result, const Tuple& arguments,
+                      std::index_sequence<kIndex...>) const {
+    constexpr std::size_t kCount = sizeof...(kIndex);
+    std::array<automation::Variant, kCount> reversed{Argument(std::get<kCount - 1 - kIndex>(arguments))...};
     std::size_t omitted = 0;
     while (omitted < kCount && reversed[omitted].IsMissing()) ++omitted;
     InvokeWith(member, reversed.data() + omitted, kCount - omitted, result);
