@@ -7,6 +7,9 @@
 //   FiltersCount, Filters, CommandBars, AddControl                                       2
 //   Value                                       1, and one for what the host alone can show
 // Selection, sheets and command bar controls are asked for the id of a name, to tell their class.
+//
+// So a search makes 4 invocations for a match (FindNext, Row, EntireRow, Hidden; with chosen columns also
+// Column), 3 for a block of rows that it hides (Range, EntireRow, Hidden), and about 60 for itself.
 #pragma once
 
 #include <oaidl.h>
@@ -19,5 +22,8 @@ namespace rowlark::windows {
 // `application` is Excel's Application object; nothing for null. Handles belong to the calling thread and
 // hold the objects they stand for.
 Ref<host::Application> WrapExcel(IDispatch* application);
+
+// A sheet that a client passes; nothing for null.
+Ref<host::Worksheet> WrapWorksheet(IDispatch* sheet);
 
 }  // namespace rowlark::windows
