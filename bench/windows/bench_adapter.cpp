@@ -1,14 +1,15 @@
 // Measures what the Excel adapter adds to a search: a search through automation beside a bare loop that makes
 // the same calls of the same host with the same arguments, the dispatch ids known.
 //   bench_adapter [ROWS [RUNS]]
-// Prints, for sheets with few and with many matches, the calls, the medians of both and their ratio, and what
-// the search takes with the message loop that it serves between its calls.
+// Prints, for sheets with few and with many matches, the calls, the best times of both and their ratio, and
+// what the search takes with the message loop that it serves between its calls.
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -201,10 +202,11 @@ double Milliseconds(Action action) {
   return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
 
-double Median(std::vector<double>& times) {
-  std::ranges::nth_element(times, times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2));
-  return times[times.size() / 2];
-}
+// The least of so many times, which the rest of the machine disturbed least; the first time warms up.
+struct Best {
+  double time = std::numeric_limits<double>::max();
+  void Take(double another) { time = std::min(time, another); }
+};
 
 // A runtime over a message loop, searching through the adapter.
 class Searcher {
@@ -250,24 +252,18 @@ void Measure(const char* name, int32_t rows, int32_t period, int runs) {
 
   alone.Connect(host.get());
   with_messages.Connect(host.get());
-  std::vector<double> searches;
-  std::vector<double> searches_with_messages;
-  std::vector<double> loops;
-  for (int run = -1; run < runs; ++run) {
-    const double search = Milliseconds([&] { alone.Search(); });
-    const double loop = Milliseconds([&] { recording.Replay(host.get()); });
-    const double search_with_messages = Milliseconds([&] { with_messages.Search(); });
-    if (run < 0) continue;  // the first round warms up
-    searches.push_back(search);
-    loops.push_back(loop);
-    searches_with_messages.push_back(search_with_messages);
+  Best ours;
+  Best bare;
+  Best ours_with_messages;
+  for (int run = 0; run < runs; ++run) {
+    ours.Take(Milliseconds([&] { alone.Search(); }));
+    bare.Take(Milliseconds([&] { recording.Replay(host.get()); }));
   }
+  for (int run = 0; run < 3; ++run) ours_with_messages.Take(Milliseconds([&] { with_messages.Search(); }));
   alone.Connect(nullptr);
   with_messages.Connect(nullptr);
-  const double ours = Median(searches);
-  const double bare = Median(loops);
-  std::printf("%-18s %9lld %10.2f %10.2f %7.3f %14.2f\n", name, static_cast<long long>(calls), bare, ours,
-              ours / bare, Median(searches_with_messages));
+  std::printf("%-18s %9lld %10.2f %10.2f %7.3f %14.2f\n", name, static_cast<long long>(calls), bare.time,
+              ours.time, ours.time / bare.time, ours_with_messages.time);
 }
 
 }  // namespace
@@ -276,7 +272,7 @@ void Measure(const char* name, int32_t rows, int32_t period, int runs) {
 int main(int argc, char** argv) {
   try {
     const int rows = argc > 1 ? std::atoi(argv[1]) : 100000;
-    const int runs = argc > 2 ? std::atoi(argv[2]) : 15;
+    const int runs = argc > 2 ? std::atoi(argv[2]) : 50;
     if (rows < 1 || rows > 1000000 || runs < 1) {
       std::fputs("usage: bench_adapter [ROWS [RUNS]]\n", stderr);
       return EXIT_FAILURE;

@@ -97,6 +97,12 @@ TEST(ExcelValues, AreTextsAsTheUserKnowsThem) {
   }
 }
 
+HRESULT STDMETHODCALLTYPE FillIn(EXCEPINFO* exception) {
+  exception->scode = static_cast<SCODE>(0x800A0009u);
+  exception->bstrDescription = automation::NewBstr(u"Subscript out of range");
+  return S_OK;
+}
+
 TEST(ExcelCalls, TurnFailuresIntoErrorsOfTheHost) {
   const auto raise = [](SCODE code, WORD number, const char16_t* text) {
     return [=](FakeObject::Call& call) {
@@ -120,11 +126,7 @@ TEST(ExcelCalls, TurnFailuresIntoErrorsOfTheHost) {
       {"a code of its own", raise(0, 1001, u"Late"), {1001, "Late"}},
       {"filled in on demand",
        [](FakeObject::Call& call) {
-         call.exception.pfnDeferredFillIn = [](EXCEPINFO* exception) -> HRESULT {
-           exception->scode = static_cast<SCODE>(0x800A0009u);
-           exception->bstrDescription = automation::NewBstr(u"Subscript out of range");
-           return S_OK;
-         };
+         call.exception.pfnDeferredFillIn = FillIn;
          return DISP_E_EXCEPTION;
        },
        {9, "Subscript out of range"}},
