@@ -29,9 +29,12 @@ class ScriptedWindows final : public host::WindowSystem, public controls::View {
   std::function<void(std::string)> Log;  // hears of what windows do: "frmSearch shown"
   std::vector<controls::Form*> Forms;    // those with windows
 
-  void Realise(controls::Form& form) noexcept override {
+  bool Present = true;                   // there is a screen
+  bool Realise(controls::Form& form) noexcept override {
+    if (!Present) return false;
     form.Attach(*this);
     Forms.push_back(&form);
+    return true;
   }
   void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override {
     Say(title, text, std::to_string(static_cast<int32_t>(icon)));

@@ -23,7 +23,7 @@ struct ProgramArguments {
 // Messages go to standard error, and there are no windows.
 class ConsoleWindows final : public host::WindowSystem {
  public:
-  void Realise(controls::Form&) noexcept override {}
+  bool Realise(controls::Form&) noexcept override { return false; }
   void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override;
   bool Ask(std::u16string_view, std::u16string_view) noexcept override { return false; }
   void OpenLink(controls::Form&, std::u16string_view) noexcept override {}

@@ -38,12 +38,13 @@ int32_t Within(int32_t begin, int32_t length, int32_t low, int32_t extent) {
 
 }  // namespace
 
-void BaseForm::Open() {
+bool BaseForm::Open() {
+  if (!shared_.Platform.Windows.Realise(*this)) return false;
   evtLang_ =
       shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) { evtLang_NewLangLoaded(); });
-  shared_.Platform.Windows.Realise(*this);
   Arrange();
   Load();
+  return true;
 }
 
 void BaseForm::Form_Unload() {

@@ -39,8 +39,8 @@ class ScopedFlag {
 
 class BaseForm : public controls::Form {
  public:
-  // Makes the form's windows, hidden, and loads it. Once.
-  void Open();
+  // Makes the form's windows, hidden, and loads it; false where there are no windows. Once.
+  bool Open();
   // Hands the form the runtime object that it works for, which outlives it being loaded.
   virtual void SetObjectRLKRuntime(clsVTRLKRuntime& runtime) { runtime_ = &runtime; }
   bool WorksFor(const clsVTRLKRuntime& runtime) const { return runtime_ == &runtime; }

@@ -7,19 +7,21 @@ Ref<Form> FormSet::Load(Ref<Form>& form, clsVTRLKRuntime& runtime) {
   if (Loaded(form)) return form;
   form = MakeRef<Form>(shared_);
   const auto loaded = form;
-  loaded->Open();
+  if (!loaded->Open()) return nullptr;
   loaded->SetObjectRLKRuntime(runtime);
   return loaded;
 }
 
 void FormSet::ShowSearch(clsVTRLKRuntime& runtime) {
   const auto form = Load(search_, runtime);
+  if (!form) return;
   form->Show();
   form->uActivateCboText();
 }
 
 void FormSet::ShowEdit(clsVTRLKRuntime& runtime) {
   const auto form = Load(edit_, runtime);
+  if (!form) return;
   form->Show();
   form->box0.SetFocus();
 }
@@ -27,6 +29,7 @@ void FormSet::ShowEdit(clsVTRLKRuntime& runtime) {
 void FormSet::ShowOptions(clsVTRLKRuntime& runtime) {
   const bool filled = Options() != nullptr;
   const auto form = Load(options_, runtime);
+  if (!form) return;
   if (!filled) form->Init();
   form->Show();
 }
@@ -34,6 +37,7 @@ void FormSet::ShowOptions(clsVTRLKRuntime& runtime) {
 void FormSet::ShowAbout(clsVTRLKRuntime& runtime) {
   const bool waited_for = About() != nullptr;
   const auto form = Load(about_, runtime);
+  if (!form) return;
   form->Show(true);
   if (waited_for) return;
   runtime.Wait([&form] { return form->Loaded(); });

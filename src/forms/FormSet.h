@@ -32,7 +32,7 @@ class FormSet final : public Forms {
   static Ref<Form> Loaded(const Ref<Form>& form) {
     return form && form->Loaded() ? form : nullptr;
   }
-  // The form, loaded for the runtime object unless it is loaded already.
+  // The form, loaded for the runtime object unless it is loaded already; null where there are no windows.
   template <class Form>
   Ref<Form> Load(Ref<Form>& form, clsVTRLKRuntime& runtime);
 

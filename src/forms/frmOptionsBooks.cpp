@@ -183,7 +183,10 @@ void frmOptions::ResetBook() {
 void frmOptions::Pick(controls::TextBox& field, bool multiple, PickedText text) {
   if (picker_) return;
   const auto picker = picker_ = MakeRef<frmSelectRange>(shared_);
-  picker->Open();
+  if (!picker->Open()) {
+    picker_ = nullptr;
+    return;
+  }
   picker->SetAllowMultipleSelection(multiple);
   picker->Show();
   runtime_->Wait([&picker] { return picker->uVisible(); });

@@ -21,8 +21,8 @@ class WindowSystem {
   virtual ~WindowSystem() = default;
 
   // Makes windows for a form and its controls, hidden at first, which follow the form until it is unloaded:
-  // attaches a view to it.
-  virtual void Realise(controls::Form& form) noexcept = 0;
+  // attaches a view to it. False where there are no windows: the form is then not opened.
+  virtual bool Realise(controls::Form& form) noexcept = 0;
 
   // Shows a text with an OK button.
   virtual void MsgBox(std::u16string_view text, MsgBoxIcon icon, std::u16string_view title) noexcept = 0;

@@ -273,6 +273,17 @@ TEST(Forms, AreUnloadedInOrderWhenTheLibraryEndsOrTheirRuntimeGoes) {
   }
 }
 
+TEST(Forms, AreNotOpenedWhereThereAreNoWindows) {
+  Desk desk;
+  desk.windows.Present = false;
+  desk.runtime->ShowSearch();
+  desk.runtime->ShowOptions();
+  desk.runtime->StartEdit();  // does not wait for what nobody could close
+  desk.runtime->About();
+  EXPECT_TRUE(desk.NoFormIsLeft());
+  EXPECT_EQ(desk.Stored(u"SearchFormPosSize"), u"(none)");
+}
+
 TEST(Forms, AreShownAgainWhenTheyAreLoaded) {
   Desk desk;
   const auto form = desk.Search();

@@ -136,8 +136,7 @@ void Dispatch::Put(Member& member, const Variant& value) const {
   if (FAILED(outcome)) ThrowError(outcome, &exception);
 }
 
-Dispatch Dispatch::ToObject(Variant result) {
-  if (result.vt == VT_DISPATCH) return Dispatch(ComPtr<IDispatch>::Attach(result.Detach().pdispVal));
+Dispatch Dispatch::ConvertedToObject(const VARIANT& result) {
   if (result.vt == VT_EMPTY || result.vt == VT_NULL) return {};
   return Dispatch(ComPtr<IDispatch>(Converted(result, VT_DISPATCH).pdispVal));
 }

@@ -51,6 +51,28 @@ class Member {
 // A value as another type, with the user's conventions. Throws host::Error.
 automation::Variant Converted(const VARIANT& value, VARTYPE type);
 
+// An argument of a call. An object stays the caller's, who holds it meanwhile; the rest is copied.
+class Argument : public automation::Variant {
+ public:
+  explicit Argument(IDispatch* object) {
+    vt = VT_DISPATCH;
+    pdispVal = object;
+  }
+  explicit Argument(const automation::Variant& value) : Variant(value) {}  // no object
+  explicit Argument(std::u16string_view text) : Variant(text) {}
+  explicit Argument(bool value) : Variant(value) {}
+  explicit Argument(int32_t value) : Variant(value) {}
+  explicit Argument(std::nullopt_t) : Variant(Missing()) {}
+  template <class T>
+  explicit Argument(const std::optional<T>& value)
+      : Argument(value ? Argument(*value) : Argument(std::nullopt)) {}
+  Argument(Argument&&) = default;
+  Argument& operator=(Argument&&) = delete;
+  ~Argument() {
+    if (vt == VT_DISPATCH) vt = VT_EMPTY;
+  }
+};
+
 // An automation object. Arguments are positional: an int32_t, bool, text, IDispatch* or Variant each, or an
 // std::optional of these. What is omitted at the end is not passed at all, and in between it is passed as
 // automation's mark for that, as Visual Basic does it; hosts without named arguments take both.
@@ -93,17 +115,6 @@ class Dispatch {
   void Put(Member& member, const automation::Variant& value) const;
 
  private:
-  static automation::Variant Argument(const automation::Variant& value) { return value; }
-  static automation::Variant Argument(IDispatch* object) { return object; }
-  static automation::Variant Argument(std::u16string_view text) { return text; }
-  static automation::Variant Argument(bool value) { return value; }
-  static automation::Variant Argument(int32_t value) { return value; }
-  static automation::Variant Argument(std::nullopt_t) { return automation::Variant::Missing(); }
-  template <class T>
-  static automation::Variant Argument(const std::optional<T>& value) {
-    return value ? Argument(*value) : automation::Variant::Missing();
-  }
-
   template <class... Arguments>
   void Invoke(Member& member, VARIANT* result, const Arguments&... arguments) const {
     InvokeReversed(member, result, std::tie(arguments...), std::index_sequence_for<Arguments...>());
@@ -113,14 +124,18 @@ class Dispatch {
   void InvokeReversed(Member& member, VARIANT* result, const Tuple& arguments,
                       std::index_sequence<kIndex...>) const {
     constexpr std::size_t kCount = sizeof...(kIndex);
-    std::array<automation::Variant, kCount> reversed{Argument(std::get<kCount - 1 - kIndex>(arguments))...};
+    std::array<Argument, kCount> reversed{Argument(std::get<kCount - 1 - kIndex>(arguments))...};
     std::size_t omitted = 0;
     while (omitted < kCount && reversed[omitted].IsMissing()) ++omitted;
     InvokeWith(member, reversed.data() + omitted, kCount - omitted, result);
   }
   // A null `result`: a method whose result is of no interest.
   void InvokeWith(Member& member, VARIANT* arguments, std::size_t count, VARIANT* result) const;
-  static Dispatch ToObject(automation::Variant result);
+  static Dispatch ToObject(automation::Variant result) {
+    if (result.vt != VT_DISPATCH) return ConvertedToObject(result);
+    return Dispatch(automation::ComPtr<IDispatch>::Attach(result.Detach().pdispVal));
+  }
+  static Dispatch ConvertedToObject(const VARIANT& result);
 
   automation::ComPtr<IDispatch> object_;
 };

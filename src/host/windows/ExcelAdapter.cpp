@@ -70,4 +70,8 @@ Ref<host::Application> WrapExcel(IDispatch* application) {
   return application != nullptr ? MakeRef<ExcelApplication>(application) : nullptr;
 }
 
+Ref<host::Worksheet> WrapWorksheet(IDispatch* sheet) {
+  return sheet != nullptr ? MakeRef<ExcelSession>()->MakeSheet(Dispatch(sheet)) : nullptr;
+}
+
 }  // namespace rowlark::windows

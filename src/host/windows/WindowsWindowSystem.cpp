@@ -74,7 +74,7 @@ bool WindowsWindowSystem::MayOpen(std::u16string_view link) {
   return false;
 }
 
-void WindowsWindowSystem::Realise(controls::Form&) noexcept {}
+bool WindowsWindowSystem::Realise(controls::Form&) noexcept { return false; }
 
 void WindowsWindowSystem::MsgBox(std::u16string_view text, host::MsgBoxIcon icon,
                                  std::u16string_view title) noexcept try {

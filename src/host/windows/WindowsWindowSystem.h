@@ -10,8 +10,8 @@ class WindowsWindowSystem final : public host::WindowSystem {
   // Whether OpenLink hands a link to the shell: web addresses and "mailto:" only, never files or programs.
   static bool MayOpen(std::u16string_view link);
 
-  // Forms have no windows yet: the form stays without a view.
-  void Realise(controls::Form& form) noexcept override;
+  // Forms have no windows yet.
+  bool Realise(controls::Form& form) noexcept override;
 
   // Without an active window of this thread a box belongs to none, and the thread's windows wait for it.
   void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override;
