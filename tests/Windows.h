@@ -29,7 +29,7 @@ class ScriptedWindows final : public host::WindowSystem, public controls::View {
   std::function<void(std::string)> Log;  // hears of what windows do: "frmSearch shown"
   std::vector<controls::Form*> Forms;    // those with windows
 
-  bool Present = true;                   // there is a screen
+  bool Present = true;  // there is a screen
   bool Realise(controls::Form& form) noexcept override {
     if (!Present) return false;
     form.Attach(*this);
