@@ -41,7 +41,8 @@ void Stretch(std::vector<int32_t>& lengths, const std::vector<bool>& flags, int3
   int32_t takers = flagged;
   for (std::size_t i = 0; i < lengths.size(); ++i) {
     if (!flags[i]) continue;
-    const int32_t share = left / takers--;
+    const int32_t share = left / std::max(takers, 1);
+    --takers;
     lengths[i] += share;
     left -= share;
   }

@@ -6,7 +6,7 @@ template <class Form>
 Ref<Form> FormSet::Load(Ref<Form>& form, clsVTRLKRuntime& runtime) {
   if (Loaded(form)) return form;
   form = MakeRef<Form>(shared_);
-  const auto loaded = form;
+  Ref<Form> loaded = form;
   if (!loaded->Open()) return nullptr;
   loaded->SetObjectRLKRuntime(runtime);
   return loaded;

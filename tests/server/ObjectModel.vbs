@@ -22,7 +22,9 @@ End Function
 
 On Error Resume Next
 
-Dim app, sheet, rt, reason, item, items, other
+Dim app, sheet, rt, reason, item, items, other, files
+Set files = CreateObject("Scripting.FileSystemObject")
+If files.FileExists(WScript.Arguments(1)) Then files.DeleteFile WScript.Arguments(1)
 Set app = CreateObject("vtrlk_workbench.Application")
 app.Workbooks.Open WScript.Arguments(0)
 Set sheet = app.ActiveSheet
