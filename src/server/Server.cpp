@@ -1,5 +1,5 @@
 // The entry points of the library.
-#include <optional>
+#include <new>
 
 #include "server/Objects.h"
 #include "server/Registration.h"
