@@ -51,22 +51,43 @@ class Listener {
 
 using Values = std::vector<WPARAM>;
 
+// After a wait, since one tick has one pass.
+void Pass(WindowsMessagePump& pump) {
+  pump.WaitForInput(0);
+  pump.ProcessMessages();
+}
+
 TEST(MessagePumpOfWindows, DispatchesWhatIsPendingAndKeepsTheEndForTheHost) {
   WindowsMessagePump pump;
   Listener listener;
-  pump.ProcessMessages();
+  Pass(pump);
   EXPECT_EQ(listener.heard, Values());
   for (const WPARAM value : {1, 2}) listener.Post(Listener::kHeard, value);
-  pump.ProcessMessages();
+  Pass(pump);
   EXPECT_EQ(listener.heard, (Values{1, 2}));
 
   ::PostQuitMessage(7);
   listener.Post(Listener::kHeard, 3);
-  for (int pass = 0; pass < 2; ++pass) pump.ProcessMessages();
+  for (int pass = 0; pass < 2; ++pass) Pass(pump);
   EXPECT_EQ(listener.heard, (Values{1, 2, 3}));
   MSG message;
   EXPECT_EQ(::GetMessageW(&message, nullptr, 0, 0), 0);
   EXPECT_EQ(message.wParam, 7u);
+}
+
+TEST(MessagePumpOfWindows, LooksAtTheQueueOnceATick) {
+  WindowsMessagePump pump;
+  Listener listener;
+  const uint32_t begin = pump.TickCount();
+  std::size_t passes = 0;
+  while (pump.TickCount() - begin < 100) {
+    const std::size_t heard = listener.heard.size();
+    listener.Post(Listener::kHeard);
+    pump.ProcessMessages();
+    if (listener.heard.size() > heard) ++passes;
+  }
+  EXPECT_GT(passes, 1u);
+  EXPECT_LE(passes, 101u);
 }
 
 TEST(MessagePumpOfWindows, EndsAPassAlthoughMessagesNeverEnd) {

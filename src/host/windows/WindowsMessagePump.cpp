@@ -12,6 +12,9 @@ constexpr int kMessagesOfAPass = 1000;
 }  // namespace
 
 void WindowsMessagePump::ProcessMessages() noexcept {
+  const uint32_t now = TickCount();
+  if (last_pass_ == now) return;
+  last_pass_ = now;
   MSG message;
   for (int count = 0; count < kMessagesOfAPass; ++count) {
     if (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) == 0) return;
@@ -25,6 +28,7 @@ void WindowsMessagePump::ProcessMessages() noexcept {
 }
 
 void WindowsMessagePump::WaitForInput(uint32_t milliseconds) noexcept {
+  last_pass_.reset();
   // Also input that an earlier look at the queue has seen and left there ends the wait.
   ::MsgWaitForMultipleObjectsEx(0, nullptr, milliseconds, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
 }
