@@ -9,6 +9,7 @@
 #include "Members.h"
 #include "Session.h"
 #include "automation/ComPtr.h"
+#include "automation/Counted.h"
 #include "automation/Events.h"
 #include "util/Event.h"
 #include "util/Ref.h"
@@ -19,12 +20,10 @@ namespace rowlark::workbench {
 inline constexpr IID kOwnObject = {
     0x6e0b7f52, 0x3f8c, 0x4b1e, {0x9a, 0x55, 0x1d, 0x0c, 0x7a, 0x62, 0xe4, 0x93}};
 
-class Object final : public IDispatch {
+class Object final : public automation::Counted<IDispatch> {
  public:
   Object(Session& session, const Class& type, Ref<RefCounted> core)
       : session_(&session), type_(type), core_(std::move(core)) {}
-  Object(const Object&) = delete;
-  Object& operator=(const Object&) = delete;
 
   Session& Context() const { return *session_; }
   const Class& Type() const { return type_; }
@@ -41,12 +40,6 @@ class Object final : public IDispatch {
   automation::EventSource& Events() const { return *events_; }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override;
-  STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() noexcept override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   STDMETHODIMP GetTypeInfoCount(UINT* count) noexcept override;
   STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) noexcept override;
@@ -56,7 +49,7 @@ class Object final : public IDispatch {
                       EXCEPINFO* exception, UINT* bad_argument) noexcept override;
 
  private:
-  ~Object();
+  ~Object() override;
 
   const Member* Find(DISPID id) const;
   // Runs a member without counting it. Throws Failure and host::Error.
@@ -68,7 +61,6 @@ class Object final : public IDispatch {
   Ref<RefCounted> core_;
   std::unique_ptr<automation::EventSource> events_;
   Connection connection_;  // to the core's event
-  ULONG references_ = 0;
 };
 
 }  // namespace rowlark::workbench

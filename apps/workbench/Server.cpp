@@ -8,7 +8,7 @@
 #include <olectl.h>
 
 #include "AutomationHost.h"
-#include "automation/Variant.h"
+#include "automation/ClassFactory.h"
 
 namespace rowlark::workbench {
 namespace {
@@ -21,7 +21,7 @@ constexpr wchar_t kProgIdKey[] = L"Software\\Classes\\vtrlk_workbench.Applicatio
 // What COM forces to be one per library.
 struct Module {
   HINSTANCE instance = nullptr;
-  LONG locks = 0;  // by LockServer, by factories, and one for each application that is in use
+  volatile LONG locks = 0;  // by LockServer, by factories, and one for each application that is in use
 } module;
 
 std::shared_ptr<void> Lock() {
@@ -29,48 +29,13 @@ std::shared_ptr<void> Lock() {
   return {nullptr, [](void*) { InterlockedDecrement(&module.locks); }};
 }
 
-class ClassFactory final : public IClassFactory {
- public:
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IClassFactory) return E_NOINTERFACE;
-    *object = this;
-    AddRef();
-    return S_OK;
+HRESULT Create(REFIID iid, void** object) noexcept {
+  try {
+    return ExposeApplication(MakeRef<standalone::Application>(), Lock())->QueryInterface(iid, object);
+  } catch (...) {
+    return E_OUTOFMEMORY;
   }
-  STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() noexcept override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
-  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** object) noexcept override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-    try {
-      return ExposeApplication(MakeRef<standalone::Application>(), Lock())->QueryInterface(iid, object);
-    } catch (...) {
-      return E_OUTOFMEMORY;
-    }
-  }
-  STDMETHODIMP LockServer(BOOL lock) noexcept override {
-    if (lock) {
-      InterlockedIncrement(&module.locks);
-    } else {
-      InterlockedDecrement(&module.locks);
-    }
-    return S_OK;
-  }
-
- private:
-  ~ClassFactory() = default;
-
-  std::shared_ptr<void> lock_ = Lock();
-  ULONG references_ = 0;
-};
+}
 
 bool SetText(const std::wstring& key, const wchar_t* name, const std::wstring& text) {
   return RegSetKeyValueW(HKEY_LOCAL_MACHINE, key.c_str(), name, REG_SZ, text.c_str(),
@@ -118,11 +83,7 @@ extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID class_id, REFIID iid, void*
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
   if (class_id != kClass) return CLASS_E_CLASSNOTAVAILABLE;
-  try {
-    return rowlark::automation::ComPtr<IClassFactory>(new ClassFactory)->QueryInterface(iid, object);
-  } catch (...) {
-    return E_OUTOFMEMORY;
-  }
+  return rowlark::automation::GetClassFactory(module.locks, Create, iid, object);
 }
 
 extern "C" HRESULT WINAPI DllCanUnloadNow() { return module.locks == 0 ? S_OK : S_FALSE; }

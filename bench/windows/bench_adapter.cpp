@@ -22,6 +22,7 @@
 #include "AutomationHost.h"
 #include "Platform.h"
 #include "automation/ComPtr.h"
+#include "automation/Counted.h"
 #include "forms/FormSet.h"
 #include "host/standalone/Application.h"
 #include "host/standalone/ScriptedMessagePump.h"
@@ -110,29 +111,10 @@ class Recording {
 };
 
 // Forwards to an object of the host and notes its calls.
-class Recorder final : public IDispatch {
+class Recorder final : public automation::Counted<IDispatch> {
  public:
   Recorder(Recording& recording, ComPtr<IDispatch> inner)
       : recording_(recording), inner_(std::move(inner)), slot_(recording.TakeSlot()) {}
-  Recorder(const Recorder&) = delete;
-  Recorder& operator=(const Recorder&) = delete;
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IDispatch) return E_NOINTERFACE;
-    *object = static_cast<IDispatch*>(this);
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() noexcept override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      recording_.Release(slot_);
-      delete this;
-    }
-    return left;
-  }
   STDMETHODIMP GetTypeInfoCount(UINT* count) noexcept override { return inner_->GetTypeInfoCount(count); }
   STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) noexcept override {
     return inner_->GetTypeInfo(index, locale, info);
@@ -171,12 +153,11 @@ class Recorder final : public IDispatch {
   }
 
  private:
-  ~Recorder() = default;
+  ~Recorder() override { recording_.Release(slot_); }
 
   Recording& recording_;
   ComPtr<IDispatch> inner_;
   std::size_t slot_;
-  ULONG references_ = 0;
 };
 
 // Every `period`-th row of the sheet holds the text; 0: none.

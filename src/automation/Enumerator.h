@@ -7,33 +7,18 @@
 
 #include <ocidl.h>
 
-#include "automation/ComPtr.h"
+#include "automation/Counted.h"
 
 namespace rowlark::automation {
 
 // `Traits` names the element as clients get it, and how one is copied out of what is held.
 template <class Interface, class Traits>
-class Enumerator final : public Interface {
+class Enumerator final : public Counted<Interface> {
  public:
   using Held = typename Traits::Held;
   using Element = typename Traits::Element;
 
   explicit Enumerator(std::vector<Held> elements) : elements_(std::move(elements)) {}
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != __uuidof(Interface)) return E_NOINTERFACE;
-    *object = static_cast<Interface*>(this);
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() noexcept override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   STDMETHODIMP Next(ULONG count, Element* elements, ULONG* fetched) noexcept override {
     if (elements == nullptr || (fetched == nullptr && count != 1)) return E_POINTER;
@@ -67,11 +52,8 @@ class Enumerator final : public Interface {
   }
 
  private:
-  ~Enumerator() = default;
-
   std::vector<Held> elements_;
   std::size_t next_ = 0;
-  ULONG references_ = 0;
 };
 
 }  // namespace rowlark::automation

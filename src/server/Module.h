@@ -30,8 +30,7 @@ class Module {
   std::u16string FileName() const;
 
   // Objects and locks keep the library loaded. The program ends with the last object.
-  void Lock() { InterlockedIncrement(&locks_); }
-  void Unlock() { InterlockedDecrement(&locks_); }
+  volatile LONG& Locks() { return locks_; }
   void ObjectMade() { InterlockedIncrement(&objects_); }
   void ObjectGone();
   bool CanUnload() const { return locks_ == 0 && objects_ == 0; }

@@ -9,13 +9,13 @@
 
 #include <dispex.h>
 
-#include "automation/ComPtr.h"
+#include "automation/Counted.h"
 #include "automation/Variant.h"
 #include "util/Utf.h"
 
 namespace rowlark::testing {
 
-class FakeObject final : public IDispatchEx {
+class FakeObject final : public automation::Counted<IDispatchEx> {
  public:
   struct Call {
     WORD flags;
@@ -25,10 +25,7 @@ class FakeObject final : public IDispatchEx {
   };
   using Function = std::function<HRESULT(Call&)>;
 
-  // Made with new and held by a ComPtr.
-  FakeObject() = default;
-  FakeObject(const FakeObject&) = delete;
-  FakeObject& operator=(const FakeObject&) = delete;
+  FakeObject() : Counted(IID_IDispatch) {}
 
   void Method(const std::string& name, Function function) {
     functions_.emplace_back(name, std::move(function));
@@ -43,19 +40,6 @@ class FakeObject final : public IDispatchEx {
   HRESULT NamesFail = S_OK;  // GetIDsOfNames fails with
   int LookUps = 0;           // calls of GetIDsOfNames and GetDispID
 
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IDispatch && iid != __uuidof(IDispatchEx)) return E_NOINTERFACE;
-    *object = static_cast<IDispatchEx*>(this);
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() noexcept override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
   STDMETHODIMP GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) noexcept override {
@@ -89,8 +73,6 @@ class FakeObject final : public IDispatchEx {
   STDMETHODIMP GetNameSpaceParent(IUnknown**) noexcept override { return E_NOTIMPL; }
 
  private:
-  ~FakeObject() = default;
-
   HRESULT IdOf(const wchar_t* wide, DISPID& id) const {
     const auto name = ToUtf8(automation::Narrow(wide));
     for (std::size_t i = 0; i < functions_.size(); ++i) {
@@ -102,7 +84,6 @@ class FakeObject final : public IDispatchEx {
   }
 
   std::vector<std::pair<std::string, Function>> functions_;
-  ULONG references_ = 0;
 };
 
 }  // namespace rowlark::testing

@@ -6,6 +6,7 @@
 #include <ocidl.h>
 
 #include "automation/ComPtr.h"
+#include "automation/Counted.h"
 #include "automation/Variant.h"
 #include "host/Error.h"
 #include "host/windows/Dispatch.h"
@@ -93,32 +94,15 @@ IDispatch* ObjectIn(const VARIANT& argument) {
   return argument.vt == VT_DISPATCH ? argument.pdispVal : nullptr;
 }
 
-class SelectionSink final : public IDispatch {
+class SelectionSink final : public automation::Counted<IDispatch> {
  public:
   using Handler = std::function<void(IDispatch& sheet, IDispatch& target)>;
 
   SelectionSink(const Source& source, Handler handler)
-      : interface_id_(source.interface_id), event_(EventId(source)), handler_(std::move(handler)) {}
-  SelectionSink(const SelectionSink&) = delete;
-  SelectionSink& operator=(const SelectionSink&) = delete;
+      : Counted(source.interface_id), event_(EventId(source)), handler_(std::move(handler)) {}
 
   // Nothing is heard of any more, also from a source that lets go of its sinks late.
   void Mute() { muted_ = true; }
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-    if (object == nullptr) return E_POINTER;
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IDispatch && iid != interface_id_) return E_NOINTERFACE;
-    *object = static_cast<IDispatch*>(this);
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() noexcept override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() noexcept override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   STDMETHODIMP GetTypeInfoCount(UINT* count) noexcept override {
     if (count == nullptr) return E_POINTER;
@@ -148,13 +132,9 @@ class SelectionSink final : public IDispatch {
   }
 
  private:
-  ~SelectionSink() = default;
-
-  const IID interface_id_;
   const DISPID event_;
   const Handler handler_;
   bool muted_ = false;
-  ULONG references_ = 0;
 };
 
 // A sink on a connection point; it lets go when it is destroyed.
