@@ -28,15 +28,11 @@ End Sub
 
 ' The user has installed the add-in with the add-in manager.
 Sub Auto_Add()
-    Dim objRuntime As Object
-    Set objRuntime = Runtime()
-    If Not objRuntime Is Nothing Then objRuntime.OnAddinInstall
+    Forward "OnAddinInstall"
 End Sub
 
 Sub VantrelRLK_ShowSearch()
-    Dim objRuntime As Object
-    Set objRuntime = Runtime()
-    If Not objRuntime Is Nothing Then objRuntime.ShowSearch
+    Forward "ShowSearch"
 End Sub
 
 Sub VantrelRLK_Unhide()
@@ -49,27 +45,25 @@ Sub VantrelRLK_Unhide()
 End Sub
 
 Sub VantrelRLK_ShowOptions()
-    Dim objRuntime As Object
-    Set objRuntime = Runtime()
-    If Not objRuntime Is Nothing Then objRuntime.ShowOptions
+    Forward "ShowOptions"
 End Sub
 
 Sub VantrelRLK_CallHelp()
-    Dim objRuntime As Object
-    Set objRuntime = Runtime()
-    If Not objRuntime Is Nothing Then objRuntime.CallHelp
+    Forward "CallHelp"
 End Sub
 
 Sub VantrelRLK_CallTechSupport()
-    Dim objRuntime As Object
-    Set objRuntime = Runtime()
-    If Not objRuntime Is Nothing Then objRuntime.CallTechSupport
+    Forward "CallTechSupport"
 End Sub
 
 Sub VantrelRLK_ShowAbout()
+    Forward "About"
+End Sub
+
+Private Sub Forward(ByVal strMethod As String)
     Dim objRuntime As Object
     Set objRuntime = Runtime()
-    If Not objRuntime Is Nothing Then objRuntime.About
+    If Not objRuntime Is Nothing Then CallByName objRuntime, strMethod, VbMethod
 End Sub
 
 ' The runtime object, created when Excel opens the add-in. Variables are lost when a macro is stopped in the

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up, builds (release) and prints, for generated tables of 10 thousand to 1 million rows, the time of one
-# keystroke (show all rows, find, hide) beside ripgrep and grep counting the same text in the same file.
+# keystroke (show all rows, find, hide) beside ripgrep and grep counting the same text in the same file. Last, what a
+# search through the Excel adapter costs beside a bare loop of the same calls, for Windows under Wine.
 #   scripts/bench.sh [ROWS...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -53,3 +54,8 @@ for rows in "$@"; do
       "$(awk -v a="$time" -v b="$grep" 'BEGIN {printf "%.2f", a / b}')"
   done < <("$bin/make_table" --queries)
 done
+
+printf '\nThrough the Excel adapter\n'
+cmake --preset win64 >/dev/null
+cmake --build --preset win64 --target bench_adapter
+cmake/wine.sh build/win64/wine build/win64/bench_adapter.exe
