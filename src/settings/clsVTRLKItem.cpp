@@ -19,6 +19,10 @@ void clsVTRLKItem::SetCoordinate(int32_t& coordinate, int32_t value) {
 
 void clsVTRLKItem::UpdateSearchRange() {
   UsingAutoRange = end_col_ < 0 && end_row_ < 0 && start_col_ < 0 && start_row_ < 0;
+  // Most profiles have no block: no need to ask the host, when there is no address to take away, or when a
+  // corner at 0 lies off any sheet.
+  const bool on_sheet = start_row_ > 0 && start_col_ > 0 && end_row_ > 0 && end_col_ > 0;
+  if (!on_sheet && (start_row_ >= 0 || search_range_.empty())) return;
   try {
     const auto sheet = shared_->ExcelApp ? shared_->ExcelApp->ActiveSheet() : nullptr;
     if (!sheet) return;
@@ -26,8 +30,6 @@ void clsVTRLKItem::UpdateSearchRange() {
       search_range_.clear();
       return;
     }
-    // A corner at 0 lies off the sheet, which is the usual case of a profile without a block: no need to ask.
-    if (start_row_ == 0 || start_col_ <= 0 || end_row_ <= 0 || end_col_ <= 0) return;
     const auto origin = sheet->Range(u"A1");
     auto address = origin->Offset(start_row_ - 1, start_col_ - 1)->AddressLocal() + u":" +
                    origin->Offset(end_row_ - 1, end_col_ - 1)->Address();
