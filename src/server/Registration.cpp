@@ -1,31 +1,25 @@
 #include "server/Registration.h"
 
 #include <string>
+#include <vector>
 
 #include "automation/Variant.h"
 #include "vtrlk_runtime_h.h"
 
-// In oleaut32 since Windows Vista, but missing from the headers.
-extern "C" HRESULT WINAPI RegisterTypeLibForUser(ITypeLib* library, OLECHAR* path, OLECHAR* help_folder);
-extern "C" HRESULT WINAPI UnRegisterTypeLibForUser(REFGUID guid, WORD major, WORD minor, LCID locale,
-                                                   SYSKIND system);
-
 namespace rowlark::server {
 namespace {
 
+using automation::Bstr;
 using automation::ComPtr;
 using automation::Wide;
-
-#ifdef _WIN64
-constexpr SYSKIND kSystem = SYS_WIN64;
-#else
-constexpr SYSKIND kSystem = SYS_WIN32;
-#endif
 
 constexpr std::u16string_view kProgId = u"vtrlk_runtime.clsVTRLKRuntime";
 constexpr std::u16string_view kVersion = u"1.0";
 // vtrlk_runtime.idl
 constexpr GUID kTypeLibrary = {0xcbee3ab9, 0x089d, 0x4353, {0xb4, 0x90, 0x64, 0xe1, 0x5a, 0xab, 0xa2, 0xdc}};
+// The system's marshalling of what a type library describes: dual interfaces, and events.
+constexpr std::u16string_view kDualProxy = u"{00020424-0000-0000-C000-000000000046}";
+constexpr std::u16string_view kEventsProxy = u"{00020420-0000-0000-C000-000000000046}";
 
 class Key {
  public:
@@ -50,94 +44,154 @@ std::u16string Braced(const GUID& guid) {
 
 std::u16string ClassKey() { return u"CLSID\\" + Braced(__uuidof(::clsVTRLKRuntime)); }
 
-// Where classes are registered.
-HRESULT OpenClasses(Scope scope, Key& classes) {
-  const HKEY root = scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
-  return HRESULT_FROM_WIN32(RegCreateKeyExW(root, L"Software\\Classes", 0, nullptr, 0, KEY_ALL_ACCESS,
-                                            nullptr, classes.Put(), nullptr));
+std::u16string TypeLibraryKey() { return u"TypeLib\\" + Braced(kTypeLibrary); }
+
+// Below the key of a version stand the languages (0: any) and below them the systems.
+std::u16string TypeLibraryFilesKey() { return TypeLibraryKey() + u"\\" + std::u16string(kVersion) + u"\\0"; }
+
+std::u16string TypeLibraryFileKey() {
+  return TypeLibraryFilesKey() + (sizeof(void*) == 8 ? u"\\win64" : u"\\win32");
 }
 
-HRESULT SetText(HKEY classes, const std::u16string& path, const wchar_t* name, std::u16string_view text) {
-  Key key;
-  LSTATUS status =
-      RegCreateKeyExW(classes, Wide(path.c_str()), 0, nullptr, 0, KEY_SET_VALUE, nullptr, key.Put(), nullptr);
-  if (status == ERROR_SUCCESS) {
+struct Interface {
+  std::u16string key;
+  std::u16string name;
+  bool dual;
+};
+
+// All interfaces that the type library describes.
+std::vector<Interface> Interfaces(ITypeLib& library) {
+  std::vector<Interface> interfaces;
+  for (UINT i = 0; i < library.GetTypeInfoCount(); ++i) {
+    ComPtr<ITypeInfo> type;
+    TYPEATTR* attributes = nullptr;
+    Bstr name;
+    if (FAILED(library.GetTypeInfo(i, type.Put())) || FAILED(type->GetTypeAttr(&attributes))) continue;
+    if (attributes->typekind == TKIND_DISPATCH) {
+      library.GetDocumentation(static_cast<INT>(i), name.Put(), nullptr, nullptr, nullptr);
+      interfaces.push_back({u"Interface\\" + Braced(attributes->guid), std::u16string(name.View()),
+                            (attributes->wTypeFlags & TYPEFLAG_FDUAL) != 0});
+    }
+    type->ReleaseTypeAttr(attributes);
+  }
+  return interfaces;
+}
+
+struct Refused {
+  HRESULT result;
+};
+
+void Check(LSTATUS status) {
+  if (status != ERROR_SUCCESS) throw Refused{HRESULT_FROM_WIN32(status)};
+}
+
+// The key below which classes are registered. Everything throws Refused.
+class Classes {
+ public:
+  explicit Classes(Scope scope) {
+    const HKEY root = scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
+    Check(RegCreateKeyExW(root, L"Software\\Classes", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key_.Put(),
+                          nullptr));
+  }
+
+  void Set(const std::u16string& path, const wchar_t* name, std::u16string_view text) const {
+    Key key;
+    Check(RegCreateKeyExW(key_.get(), Wide(path.c_str()), 0, nullptr, 0, KEY_SET_VALUE, nullptr, key.Put(),
+                          nullptr));
     const std::u16string value(text);
-    status = RegSetValueExW(key.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
-                            static_cast<DWORD>((value.size() + 1) * sizeof(char16_t)));
+    Check(RegSetValueExW(key.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                         static_cast<DWORD>((value.size() + 1) * sizeof(char16_t))));
   }
-  return HRESULT_FROM_WIN32(status);
-}
+  void Remove(const std::u16string& path) const {
+    const LSTATUS status = RegDeleteTreeW(key_.get(), Wide(path.c_str()));
+    if (status != ERROR_FILE_NOT_FOUND) Check(status);
+  }
+  bool HasChildren(const std::u16string& path) const {
+    Key key;
+    DWORD children = 0;
+    if (RegOpenKeyExW(key_.get(), Wide(path.c_str()), 0, KEY_READ, key.Put()) == ERROR_SUCCESS) {
+      RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &children, nullptr, nullptr, nullptr, nullptr,
+                       nullptr, nullptr, nullptr);
+    }
+    return children > 0;
+  }
 
-HRESULT RegisterTypeLibrary(Module& module, Scope scope) {
-  auto path = module.FileName();
+ private:
+  Key key_;
+};
+
+ComPtr<ITypeLib> Load(const std::u16string& file) {
   ComPtr<ITypeLib> library;
-  const HRESULT loaded = LoadTypeLibEx(Wide(path.c_str()), REGKIND_NONE, library.Put());
-  if (FAILED(loaded)) return loaded;
-  auto* text = reinterpret_cast<wchar_t*>(path.data());
-  return scope == Scope::User ? RegisterTypeLibForUser(library.get(), text, nullptr)
-                              : RegisterTypeLib(library.get(), text, nullptr);
+  const HRESULT result = LoadTypeLibEx(Wide(file.c_str()), REGKIND_NONE, library.Put());
+  if (FAILED(result)) throw Refused{result};
+  return library;
 }
 
-HRESULT UnregisterTypeLibrary(Scope scope) {
-  const HRESULT result = scope == Scope::User
-                             ? UnRegisterTypeLibForUser(kTypeLibrary, 1, 0, LOCALE_NEUTRAL, kSystem)
-                             : UnRegisterTypeLib(kTypeLibrary, 1, 0, LOCALE_NEUTRAL, kSystem);
-  const bool missing = result == TYPE_E_REGISTRYACCESS || result == TYPE_E_LIBNOTREGISTERED ||
-                       result == HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
-  return missing ? S_OK : result;
-}
-
-HRESULT WriteAll(Module& module, Scope scope) {
-  Key classes;
-  HRESULT result = OpenClasses(scope, classes);
-  const auto set = [&](const std::u16string& path, const wchar_t* name, std::u16string_view text) {
-    if (SUCCEEDED(result)) result = SetText(classes.get(), path, name, text);
-  };
+void WriteClass(const Classes& classes, const std::u16string& file) {
   const auto class_key = ClassKey();
-  set(class_key, nullptr, kProgId);
-  set(class_key + u"\\InprocServer32", nullptr, module.FileName());
-  set(class_key + u"\\InprocServer32", L"ThreadingModel", u"Apartment");
-  set(class_key + u"\\ProgID", nullptr, kProgId);
-  set(class_key + u"\\TypeLib", nullptr, Braced(kTypeLibrary));
-  set(class_key + u"\\Version", nullptr, kVersion);
-  set(class_key + u"\\Programmable", nullptr, u"");
-  set(std::u16string(kProgId), nullptr, kProgId);
-  set(std::u16string(kProgId) + u"\\Clsid", nullptr, Braced(__uuidof(::clsVTRLKRuntime)));
-  return SUCCEEDED(result) ? RegisterTypeLibrary(module, scope) : result;
+  classes.Set(class_key, nullptr, kProgId);
+  classes.Set(class_key + u"\\InprocServer32", nullptr, file);
+  classes.Set(class_key + u"\\InprocServer32", L"ThreadingModel", u"Apartment");
+  classes.Set(class_key + u"\\ProgID", nullptr, kProgId);
+  classes.Set(class_key + u"\\TypeLib", nullptr, Braced(kTypeLibrary));
+  classes.Set(class_key + u"\\Version", nullptr, kVersion);
+  classes.Set(class_key + u"\\Programmable", nullptr, u"");
+  classes.Set(std::u16string(kProgId), nullptr, kProgId);
+  classes.Set(std::u16string(kProgId) + u"\\Clsid", nullptr, Braced(__uuidof(::clsVTRLKRuntime)));
 }
 
-HRESULT RemoveAll(Scope scope) {
-  HRESULT result = UnregisterTypeLibrary(scope);
-  Key classes;
-  HRESULT opened = OpenClasses(scope, classes);
-  if (FAILED(opened)) return opened;
-  for (const auto& path : {ClassKey(), std::u16string(kProgId)}) {
-    const LSTATUS status = RegDeleteTreeW(classes.get(), Wide(path.c_str()));
-    if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) result = HRESULT_FROM_WIN32(status);
+// What RegisterTypeLib writes, which knows no single user on every system.
+void WriteTypeLibrary(const Classes& classes, const std::u16string& file) {
+  const auto library = Load(file);
+  Bstr description;
+  library->GetDocumentation(MEMBERID_NIL, nullptr, description.Put(), nullptr, nullptr);
+  const auto version_key = TypeLibraryKey() + u"\\" + std::u16string(kVersion);
+  classes.Set(version_key, nullptr, description.View());
+  classes.Set(version_key + u"\\FLAGS", nullptr, u"0");
+  classes.Set(TypeLibraryFileKey(), nullptr, file);
+  for (const auto& [key, name, dual] : Interfaces(*library)) {
+    classes.Set(key, nullptr, name);
+    classes.Set(key + u"\\ProxyStubClsid32", nullptr, dual ? kDualProxy : kEventsProxy);
+    classes.Set(key + u"\\TypeLib", nullptr, Braced(kTypeLibrary));
+    classes.Set(key + u"\\TypeLib", L"Version", kVersion);
   }
-  return result;
+}
+
+void RemoveAll(const Classes& classes, const std::u16string& file) {
+  classes.Remove(ClassKey());
+  classes.Remove(std::u16string(kProgId));
+  for (const auto& interface_entry : Interfaces(*Load(file))) classes.Remove(interface_entry.key);
+  // The library of the other bitness shares the keys above the file's.
+  classes.Remove(TypeLibraryFileKey());
+  if (!classes.HasChildren(TypeLibraryFilesKey())) classes.Remove(TypeLibraryKey());
+}
+
+template <class Action>
+HRESULT Outcome(Action action) noexcept {
+  try {
+    action();
+    return S_OK;
+  } catch (const Refused& refused) {
+    return refused.result;
+  } catch (...) {
+    return E_OUTOFMEMORY;
+  }
 }
 
 }  // namespace
 
 HRESULT Register(Module& module, Scope scope) noexcept {
-  HRESULT result = E_FAIL;
-  try {
-    result = WriteAll(module, scope);
-  } catch (...) {
-    result = E_OUTOFMEMORY;
-  }
+  const HRESULT result = Outcome([&] {
+    const Classes classes(scope);
+    WriteClass(classes, module.FileName());
+    WriteTypeLibrary(classes, module.FileName());
+  });
   if (FAILED(result)) Unregister(module, scope);
-  return SUCCEEDED(result) ? S_OK : result;
+  return result;
 }
 
-HRESULT Unregister(Module&, Scope scope) noexcept {
-  try {
-    return RemoveAll(scope);
-  } catch (...) {
-    return E_OUTOFMEMORY;
-  }
+HRESULT Unregister(Module& module, Scope scope) noexcept {
+  return Outcome([&] { RemoveAll(Classes(scope), module.FileName()); });
 }
 
 }  // namespace rowlark::server

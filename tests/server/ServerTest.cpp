@@ -1,6 +1,10 @@
 // The library as a compiled client uses it: loaded, asked for its class, driven through its interfaces.
 #include <gtest/gtest.h>
 #include <olectl.h>
+#include <psapi.h>
+
+#include <functional>
+#include <string>
 
 #include "AutomationHost.h"
 #include "automation/Variant.h"
@@ -19,11 +23,14 @@ class Sink final : public IDispatch {
  public:
   int heard = 0;
   std::string flags;
+  std::string texts;
+  std::function<void()> on_event = [] {};
   ULONG references = 1;
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
     *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IDispatch && iid != __uuidof(__clsVTRLKRuntime))
+    if (iid != IID_IUnknown && iid != IID_IDispatch && iid != __uuidof(__clsVTRLKRuntime) &&
+        iid != __uuidof(__clsVTRLKLang))
       return E_NOINTERFACE;
     *object = this;
     AddRef();
@@ -37,9 +44,12 @@ class Sink final : public IDispatch {
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
                       UINT*) override {
     ++heard;
-    if (id == 1 && arguments->cArgs == 1 && arguments->rgvarg[0].vt == (VT_BOOL | VT_BYREF)) {
-      flags += *arguments->rgvarg[0].pboolVal == VARIANT_FALSE ? 'F' : 'T';
+    if (id == 1 && arguments->cArgs == 1) {
+      const VARIANT& argument = arguments->rgvarg[0];
+      if (argument.vt == (VT_BOOL | VT_BYREF)) flags += *argument.pboolVal == VARIANT_FALSE ? 'F' : 'T';
+      if (argument.vt == VT_BSTR) texts += ToUtf8(automation::View(argument.bstrVal)) + ";";
     }
+    on_event();
     return E_FAIL;  // the sink's own affair
   }
 };
@@ -69,7 +79,7 @@ class Server : public ::testing::Test {
   }
   // Whatever a test did, nothing of the library is held afterwards.
   void TearDown() override {
-    runtime_->put_ExcelApp(Variant());
+    if (runtime_) runtime_->put_ExcelApp(Variant());
     runtime_ = nullptr;
     EXPECT_EQ(Entry<decltype(&DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
     FreeLibrary(library_);
@@ -85,6 +95,12 @@ class Server : public ::testing::Test {
     VARIANT_BOOL found = VARIANT_FALSE;
     EXPECT_EQ(runtime_->Search(Bstr(text).get(), error, &found), S_OK);
     return found != VARIANT_FALSE;
+  }
+
+  static ComPtr<IConnectionPoint> Point(IUnknown* object, const IID& events) {
+    ComPtr<IConnectionPoint> point;
+    ComPtr<IConnectionPointContainer>::From(object)->FindConnectionPoint(events, point.Put());
+    return point;
   }
 
   HMODULE library_ = nullptr;
@@ -132,9 +148,7 @@ TEST_F(Server, TellsWhyInTypedTextsAndVariants) {
 }
 
 TEST_F(Server, RaisesEventsToEverySink) {
-  const auto container = ComPtr<IConnectionPointContainer>::From(runtime_.get());
-  ComPtr<IConnectionPoint> point;
-  ASSERT_EQ(container->FindConnectionPoint(__uuidof(__clsVTRLKRuntime), point.Put()), S_OK);
+  const auto point = Point(runtime_.get(), __uuidof(__clsVTRLKRuntime));
   Sink first;
   Sink second;
   DWORD first_cookie = 0;
@@ -152,7 +166,65 @@ TEST_F(Server, RaisesEventsToEverySink) {
   point->Unadvise(second_cookie);
   EXPECT_EQ(first.references, 1U);
   EXPECT_EQ(second.references, 1U);
-  EXPECT_EQ(container->FindConnectionPoint(IID_IUnknown, point.Put()), CONNECT_E_NOCONNECTION);
+  EXPECT_FALSE(Point(runtime_.get(), IID_IUnknown));
+}
+
+TEST_F(Server, TellsOfANewLanguage) {
+  ComPtr<_clsVTRLKLang> language;
+  runtime_->get_Language(language.Put());
+  const auto point = Point(language.get(), __uuidof(__clsVTRLKLang));
+  Sink sink;
+  DWORD cookie = 0;
+  ASSERT_EQ(point->Advise(&sink, &cookie), S_OK);
+  for (const auto* file : {u"german.lng", u"german.lng", u"english.lng"})
+    language->put_LangFile(Bstr(file).get());
+  EXPECT_EQ(sink.texts, "german.lng;english.lng;");
+  point->Unadvise(cookie);
+}
+
+TEST_F(Server, LetsGoOfItselfInTheMiddleOfAnEvent) {
+  const auto point = Point(runtime_.get(), __uuidof(__clsVTRLKRuntime));
+  Sink sink;
+  DWORD cookie = 0;
+  ASSERT_EQ(point->Advise(&sink, &cookie), S_OK);
+  const auto* searching = runtime_.get();
+  sink.on_event = [&] { runtime_ = nullptr; };
+  VARIANT_BOOL found = VARIANT_FALSE;
+  EXPECT_EQ(const_cast<_clsVTRLKRuntime*>(searching)->Search(Bstr(u"ann").get(), nullptr, &found), S_OK);
+  EXPECT_EQ(sink.flags, "TF");
+  EXPECT_EQ(point->Unadvise(cookie), S_OK);
+}
+
+TEST_F(Server, TellsThatTheHostIsBusyAndThatItHasGone) {
+  constexpr HRESULT kVbaIgnore = static_cast<HRESULT>(0x800AC472);  // while a cell is being edited
+  const auto refuse = [&](int32_t count, HRESULT result) {
+    wchar_t name[] = L"RefuseCalls";
+    wchar_t* names = name;
+    DISPID id = 0;
+    ASSERT_EQ(host_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
+    Variant arguments[] = {int32_t{0}, int32_t{result}, count};
+    DISPPARAMS parameters{arguments, nullptr, 3, 0};
+    ASSERT_EQ(host_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
+                            nullptr),
+              S_OK);
+  };
+  ComPtr<_clsVTRLKLang> language;
+  runtime_->get_Language(language.Put());
+  language->put_LangFile(Bstr(u"german.lng").get());
+  for (const HRESULT result :
+       {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER, kVbaIgnore, RPC_E_DISCONNECTED}) {
+    Variant inner;
+    VARIANT reason;
+    reason.vt = VT_VARIANT | VT_BYREF;
+    reason.pvarVal = &inner;
+    refuse(-1, result);
+    EXPECT_FALSE(Search(u"ann", &reason));
+    ASSERT_EQ(inner.vt, VT_BSTR);
+    EXPECT_TRUE(automation::View(inner.bstrVal).starts_with(u"Fehler: "))
+        << ToUtf8(automation::View(inner.bstrVal));
+    refuse(0, S_OK);
+    EXPECT_TRUE(Search(u"ann"));
+  }
 }
 
 TEST_F(Server, IsTheSameObjectEachTimeAndOutlivesItsOwner) {
@@ -170,8 +242,20 @@ TEST_F(Server, IsTheSameObjectEachTimeAndOutlivesItsOwner) {
   EXPECT_EQ(profile->put_StartRow(-1), S_OK);
 }
 
-TEST_F(Server, SearchesTenThousandTimes) {
-  for (int i = 0; i < 10'000; ++i) ASSERT_TRUE(Search(i % 2 == 0 ? u"ann" : u"bob"));
+TEST_F(Server, SearchesTenThousandTimesInTheSameMemory) {
+  const auto memory = [] {
+    PROCESS_MEMORY_COUNTERS counters{};
+    counters.cb = sizeof counters;
+    EXPECT_NE(GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters), 0);
+    return counters.WorkingSetSize;
+  };
+  const auto search = [&](int times) {
+    for (int i = 0; i < times; ++i) ASSERT_TRUE(Search(i % 2 == 0 ? u"ann" : u"bob"));
+  };
+  search(1'000);
+  const auto before = memory();
+  search(10'000);
+  EXPECT_LT(memory(), before + 10'000 * 32);
 }
 
 }  // namespace

@@ -1,0 +1,108 @@
+// What registering writes, for all users and for one, and that nothing of it stays.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <string>
+
+namespace rowlark {
+namespace {
+
+constexpr char kProgId[] = "vtrlk_runtime.clsVTRLKRuntime";
+constexpr char kClass[] = "{5082DB8A-0A28-4C7F-BCB4-39A3E8746B0A}";
+constexpr char kInterface[] = "{AE9028B4-BBD7-4D0B-A611-7225D9432843}";  // _clsVTRLKRuntime
+constexpr char kTypeLibrary[] = "{CBEE3AB9-089D-4353-B490-64E15AABA2DC}";
+const std::string kClassesKey = "Software\\Classes\\";
+const std::string kClassKey = kClassesKey + "CLSID\\" + kClass;
+const std::string kProgIdKey = kClassesKey + kProgId;
+const std::string kInterfaceKey = kClassesKey + "Interface\\" + kInterface;
+const std::string kTypeLibraryKey = kClassesKey + "TypeLib\\" + kTypeLibrary;
+
+struct Scope {
+  const char* name;
+  HKEY root;
+  const wchar_t* install;  // what DllInstall is told; null for the entry points of the machine
+};
+const Scope kMachine{"machine", HKEY_LOCAL_MACHINE, nullptr};
+const Scope kUser{"user", HKEY_CURRENT_USER, L"user"};
+
+class Registration : public ::testing::TestWithParam<Scope> {
+ protected:
+  void SetUp() override {
+    library_ = LoadLibraryA(ROWLARK_RUNTIME);
+    ASSERT_NE(library_, nullptr);
+    was_registered_ = Exists(kClassKey);
+    ASSERT_EQ(Install(false), S_OK);
+  }
+  // Other tests may be about to use a registered library.
+  void TearDown() override {
+    RegDeleteTreeA(GetParam().root, kProgIdKey.c_str());
+    EXPECT_EQ(Install(was_registered_), S_OK);
+    FreeLibrary(library_);
+  }
+
+  HRESULT Install(bool install) const {
+    const auto entry = [this](const char* name) {
+      return reinterpret_cast<void*>(GetProcAddress(library_, name));
+    };
+    if (GetParam().install != nullptr)
+      return reinterpret_cast<HRESULT(WINAPI*)(BOOL, const wchar_t*)>(entry("DllInstall"))(
+          install, GetParam().install);
+    return reinterpret_cast<HRESULT(WINAPI*)()>(
+        entry(install ? "DllRegisterServer" : "DllUnregisterServer"))();
+  }
+  static bool Exists(const std::string& path) {
+    HKEY key = nullptr;
+    const bool exists = RegOpenKeyExA(GetParam().root, path.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS;
+    if (exists) RegCloseKey(key);
+    return exists;
+  }
+  static std::string Text(const std::string& path, const char* name = nullptr) {
+    char text[512] = {};
+    DWORD size = sizeof text;
+    const LSTATUS status =
+        RegGetValueA(GetParam().root, path.c_str(), name, RRF_RT_REG_SZ, nullptr, text, &size);
+    return status == ERROR_SUCCESS ? text : "nothing";
+  }
+  static void ExpectNothing() {
+    for (const auto& key : {kClassKey, kProgIdKey, kInterfaceKey, kTypeLibraryKey})
+      EXPECT_FALSE(Exists(key)) << key;
+  }
+
+  HMODULE library_ = nullptr;
+  bool was_registered_ = false;
+};
+
+TEST_P(Registration, IsWhatWindowsLooksForAndIsTakenBack) {
+  ExpectNothing();
+  for (int twice = 0; twice < 2; ++twice) ASSERT_EQ(Install(true), S_OK);
+  char file[MAX_PATH];
+  GetModuleFileNameA(library_, file, MAX_PATH);
+  EXPECT_EQ(Text(kClassKey + "\\InprocServer32"), file);
+  EXPECT_EQ(Text(kClassKey + "\\InprocServer32", "ThreadingModel"), "Apartment");
+  EXPECT_EQ(Text(kClassKey + "\\ProgID"), kProgId);
+  EXPECT_EQ(Text(kClassKey + "\\TypeLib"), kTypeLibrary);
+  EXPECT_EQ(Text(kProgIdKey + "\\Clsid"), kClass);
+  EXPECT_EQ(Text(kTypeLibraryKey + "\\1.0"), "Vantrel Rowlark runtime library 1.0");
+  EXPECT_EQ(Text(kTypeLibraryKey + "\\1.0\\0\\win" + (sizeof(void*) == 8 ? "64" : "32")), file);
+  EXPECT_EQ(Text(kInterfaceKey), "_clsVTRLKRuntime");
+  EXPECT_EQ(Text(kInterfaceKey + "\\TypeLib"), kTypeLibrary);
+  for (int twice = 0; twice < 2; ++twice) EXPECT_EQ(Install(false), S_OK);
+  ExpectNothing();
+}
+
+TEST_P(Registration, TakesEverythingBackWhenItFailsHalfWay) {
+  // What lasts can not stand below a key that does not: "Clsid", which comes late, can not be written.
+  HKEY key = nullptr;
+  ASSERT_EQ(RegCreateKeyExA(GetParam().root, kProgIdKey.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
+                            KEY_ALL_ACCESS, nullptr, &key, nullptr),
+            ERROR_SUCCESS);
+  RegCloseKey(key);
+  EXPECT_EQ(Install(true), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
+  ExpectNothing();
+}
+
+INSTANTIATE_TEST_SUITE_P(Scopes, Registration, ::testing::Values(kMachine, kUser),
+                         [](const auto& scope) { return std::string(scope.param.name); });
+
+}  // namespace
+}  // namespace rowlark
