@@ -47,10 +47,12 @@ void ConsoleWindows::MsgBox(std::u16string_view text, host::MsgBoxIcon, std::u16
   std::fprintf(stderr, "rowlark: %s\n", ToUtf8(line).c_str());
 }
 
-Program::Program(const ProgramArguments& arguments)
-    : registry_(standalone::DefaultRegistryPaths()),
+Program::Program(const ProgramArguments& arguments, host::MessagePump& pump, host::WindowSystem& windows,
+                 host::Help& help)
+    : windows_(windows),
+      registry_(standalone::DefaultRegistryPaths()),
       application_(MakeRef<standalone::Application>()),
-      shared_(Platform{pump_, registry_, help_, windows_, files_, LanguageFolder(), ConfigurationFolder()}),
+      shared_(Platform{pump, registry_, help, windows_, files_, LanguageFolder(), ConfigurationFolder()}),
       forms_(shared_),
       runtime_(shared_, forms_) {
   runtime_.SetExcelApp(application_);

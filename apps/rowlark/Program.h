@@ -38,10 +38,18 @@ class NoHelp final : public host::Help {
   intptr_t HtmlHelp(std::u16string_view, host::HelpCommand, int32_t) noexcept override { return 0; }
 };
 
+// What a program without a screen stands on.
+struct Console {
+  standalone::ScriptedMessagePump pump;
+  ConsoleWindows windows;
+  NoHelp help;
+};
+
 class Program {
  public:
-  // Throws std::runtime_error for a language that there is not.
-  explicit Program(const ProgramArguments& arguments);
+  // What it is handed outlives it. Throws std::runtime_error for a language that there is not.
+  Program(const ProgramArguments& arguments, host::MessagePump& pump, host::WindowSystem& windows,
+          host::Help& help);
 
   // Opens an empty workbook of that name with one sheet.
   Ref<standalone::Worksheet> OpenWorkbook(const std::filesystem::path& path);
@@ -49,6 +57,7 @@ class Program {
   clsVTRLKRuntime& Runtime() { return runtime_; }
   clsVTRLKItems& Items() { return *runtime_.Items; }
   const Ref<standalone::Application>& Host() const { return application_; }
+  const FormSet& Forms() const { return forms_; }
 
   // Makes a profile for that workbook; its name counts from the last separator on.
   std::shared_ptr<clsVTRLKItem> CloneDefault(const std::filesystem::path& workbook);
@@ -59,10 +68,8 @@ class Program {
  private:
   void ChooseLanguage(const std::string& name);
 
-  standalone::ScriptedMessagePump pump_;
+  host::WindowSystem& windows_;
   standalone::FileRegistry registry_;
-  NoHelp help_;
-  ConsoleWindows windows_;
   mclsVTFileSystem files_;
   Ref<standalone::Application> application_;
   SharedState shared_;

@@ -1,4 +1,6 @@
 // The command line of rowlark.
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -10,6 +12,7 @@
 #include "Output.h"
 #include "SearchCommand.h"
 #include "SettingsCommands.h"
+#include "TerminalProgram.h"
 #include "host/Error.h"
 #include "util/Utf.h"
 
@@ -44,6 +47,22 @@ std::string CheckFilter(const std::string& text) {
   return text.find('=') != std::string::npos ? "" : "not COLUMN=VALUE: " + text;
 }
 
+// The table program takes the terminal only when it has found its settings.
+int RunTerminal(const rowlark::TerminalArguments& arguments, const rowlark::ProgramArguments& common) {
+  if (arguments.files.empty()) throw std::runtime_error("name a FILE to open, or a subcommand (see --help)");
+  if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0) {
+    throw std::runtime_error("no terminal to open a table on; 'rowlark search FILE TEXT' needs none");
+  }
+  const rowlark::terminal::Signals signals;
+  rowlark::terminal::Screen screen;
+  rowlark::terminal::TerminalMessagePump pump(screen, signals);
+  rowlark::terminal::TerminalWindowSystem windows(
+      screen, pump, {u"frmSearch", u"frmEdit", u"frmSelectRange", rowlark::CellEditor::kName});
+  rowlark::KeyHelp help;
+  rowlark::Program program(common, pump, windows, help);
+  return rowlark::TerminalProgram(program, screen, pump, windows, help).Run(arguments);
+}
+
 int Run(int argc, char** argv) {
   static const std::map<std::string, rowlark::xeVT_SEARCH_WORDS> kWords = {
       {"all", rowlark::xcVT_SEARCH_WORDS_ALL},
@@ -60,10 +79,12 @@ int Run(int argc, char** argv) {
 
   CLI::App app("Rowlark leaves visible only the rows of a table that match.", "rowlark");
   app.set_version_flag("--version", "rowlark " ROWLARK_VERSION);
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   app.footer(kExamples);
 
   rowlark::ProgramArguments common;
+  rowlark::TerminalArguments table;
+  app.add_option("FILE", table.files, "tables to open on the terminal: CSV, TSV")->type_name("");
   const auto add_common = [&common](CLI::App& command) {
     command.add_option("--config", common.config, "configuration file (default: the user's)")
         ->type_name("FILE");
@@ -72,6 +93,16 @@ int Run(int argc, char** argv) {
                     "language of the messages, like german, or default; remembered with the settings")
         ->type_name("NAME");
   };
+
+  const auto add_separator = [&separator](CLI::App& command) {
+    command
+        .add_option("--separator", separator,
+                    "between cells: one character, or tab (default: found by itself)")
+        ->type_name("CHARACTER")
+        ->check(CheckSeparator);
+  };
+  add_separator(app);
+  add_common(app);
 
   CLI::App& search = *app.add_subcommand("search", "Search a CSV file and print the rows that match");
   search.footer(kExamples);
@@ -95,10 +126,7 @@ int Run(int argc, char** argv) {
       ->type_name("COLUMN=VALUE")
       ->check(CheckFilter)
       ->allow_extra_args(false);
-  search
-      .add_option("--separator", separator, "between cells: one character, or tab (default: found by itself)")
-      ->type_name("CHARACTER")
-      ->check(CheckSeparator);
+  add_separator(search);
   search.add_option("--print", print, "csv: visible rows; rows: their numbers; json: all about the search")
       ->type_name("FORM")
       ->check(CLI::IsMember(kPrint))
@@ -151,11 +179,14 @@ int Run(int argc, char** argv) {
   arguments.words = kWords.at(words);
   arguments.print = kPrint.at(print);
   if (!separator.empty()) arguments.separator = separator == "tab" ? '\t' : separator[0];
+  table.separator = arguments.separator;
   for (const std::string& filter : filters) {
     const std::size_t at = filter.find('=');
     arguments.filters.push_back({filter.substr(0, at), filter.substr(at + 1)});
   }
-  rowlark::Program program(common);
+  if (app.get_subcommands().empty()) return RunTerminal(table, common);
+  rowlark::Console console;
+  rowlark::Program program(common, console.pump, console.windows, console.help);
   rowlark::Output output(stdout);
   int status = 0;
   if (search.parsed()) {

@@ -101,7 +101,7 @@ TEST_F(CommandLine, RefusesInOneLineAndHelps) {
   folder_.Write("binary.csv", std::string("a\0b", 3));
   const std::pair<std::string, std::string_view> kCases[] = {
       // with a part of the message
-      {"", "subcommand is required"},
+      {"", "a subcommand"},
       {"search orders.csv", "TEXT is required"},
       {"search orders.csv x --fast", "--fast"},
       {"search orders.csv x --words some", "--words: some not in {all,any,cell}"},

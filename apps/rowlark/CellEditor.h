@@ -1,0 +1,56 @@
+// A line in which the user edits the active cell.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "controls/Form.h"
+#include "controls/TextBox.h"
+#include "host/WindowSystem.h"
+#include "host/terminal/Input.h"
+
+namespace rowlark {
+
+class CellEditor final : public controls::Form {
+ public:
+  // How the user has ended it, and so where the active cell goes.
+  enum class End { Cancelled, Down, Right };
+  using EndHandler = std::function<void(End end, const std::u16string& text)>;
+
+  static constexpr const char16_t* kName = u"CellEditor";
+
+  CellEditor(std::u16string_view address, std::u16string_view text, EndHandler ended) : Form(kName) {
+    SetCaption(address);
+    box_.SetText(text);
+    KeyDown = [this, ended = std::move(ended)](int32_t& key, int32_t) {
+      const auto end = key == controls::kKeyReturn ? End::Down
+                       : key == controls::kKeyTab  ? End::Right
+                                                   : End::Cancelled;
+      if (end == End::Cancelled && key != controls::kKeyEscape) return;
+      key = 0;
+      const auto typed = box_.Text();
+      const auto handler = ended;
+      Unload();
+      handler(end, typed);
+    };
+    Activate = [this] {
+      box_.SetFocus();
+      box_.SetCaret(box_.End());
+    };
+    SetLayout(controls::Layout::Column({controls::Layout(box_, {280, 12})}));
+  }
+
+  // False where there are no windows.
+  bool Open(host::WindowSystem& windows) {
+    if (!windows.Realise(*this)) return false;
+    Arrange();
+    Load();
+    Show(true);
+    return true;
+  }
+
+ private:
+  controls::TextBox box_{*this, u"box"};
+};
+
+}  // namespace rowlark

@@ -1,0 +1,48 @@
+#include "Highlight.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "util/Text.h"
+#include "util/Utf.h"
+
+namespace rowlark {
+
+Highlight::Highlight(std::u16string_view text, const clsVTRLKOptions& options, const standalone::Rect& area,
+                     std::vector<int32_t> columns)
+    : mode_(options.CompareMethod), area_(area), columns_(std::move(columns)) {
+  const bool any = options.SearchWords == xcVT_SEARCH_WORDS_ANY;
+  const bool whole = options.SearchWords == xcVT_SEARCH_WORDS_CELL;
+  while (!text.empty()) {
+    const auto end = any ? std::min(text.find(u' '), text.size()) : text.size();
+    const std::u16string word(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+    if (word.empty()) continue;
+    const bool literal = !whole && word.find_first_of(u"*?~") == word.npos;
+    words_.push_back({word, literal, standalone::Pattern(word, whole, mode_ == CompareMode::Binary)});
+  }
+}
+
+bool Highlight::Covers(int32_t row, int32_t column) const {
+  return !words_.empty() && area_.Contains(row, column) &&
+         (columns_.empty() || std::ranges::binary_search(columns_, column));
+}
+
+std::vector<TextSpan> Highlight::In(std::u16string_view cell) const {
+  std::vector<TextSpan> spans;
+  for (const auto& word : words_) {
+    if (!word.literal) {
+      const auto text = ToUtf8(mode_ == CompareMode::Binary ? std::u16string(cell) : FoldCase(cell));
+      if (word.pattern.Matches(text)) return {{0, cell.size()}};
+      continue;
+    }
+    for (std::size_t at = 0; (at = Find(cell, word.text, at, mode_)) != cell.npos;) {
+      spans.push_back({at, at + word.text.size()});
+      at += word.text.size();
+    }
+  }
+  std::ranges::sort(spans, {}, &TextSpan::begin);
+  return spans;
+}
+
+}  // namespace rowlark

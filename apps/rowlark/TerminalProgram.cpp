@@ -1,0 +1,366 @@
+#include "TerminalProgram.h"
+
+#include <signal.h>
+
+#include <algorithm>
+#include <limits>
+#include <span>
+
+#include "CsvFile.h"
+#include "forms/HotKey.h"
+#include "runtime/Failure.h"
+#include "settings/Product.h"
+#include "util/Text.h"
+#include "util/Utf.h"
+
+namespace rowlark {
+namespace {
+
+using namespace controls;  // names of keys
+using terminal::KeyPress;
+using terminal::kKeyF1;
+using terminal::Point;
+using terminal::Style;
+
+constexpr int32_t FKey(int32_t number) { return kKeyF1 + number - 1; }
+
+// Calls what may fail in the host; a failure leaves things as they are.
+template <class Action>
+void Attempted(Action action) {
+  try {
+    action();
+  } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch)
+  }
+}
+
+}  // namespace
+
+TerminalProgram::TerminalProgram(Program& program, terminal::Screen& screen,
+                                 terminal::TerminalMessagePump& pump, terminal::TerminalWindowSystem& windows,
+                                 KeyHelp& help)
+    : program_(program), screen_(screen), pump_(pump), windows_(windows), help_(help) {
+  windows_.SetDesktop(*this);
+  windows_.OkCaption = [this] { return Text(u"Edit.UI.BtnOK", u"O&K"); };
+  windows_.CancelCaption = [this] { return Text(u"Edit.UI.BtnClose", u"&Cancel"); };
+  help_.Show = [this] { ShowKeys(); };
+  pump_.OnEnd = [this](int signal) { signal == SIGINT ? Quit() : End(128 + signal); };
+  searching_ = program_.Runtime().SearchingEvent().Connect([this](bool& on) { evtRLRTM_Searching(on); });
+}
+
+TerminalProgram::~TerminalProgram() {
+  pump_.OnEnd = [](int) {};
+  help_.Show = [] {};
+}
+
+int TerminalProgram::Run(const TerminalArguments& arguments) {
+  for (const auto& file : arguments.files) Open(file, arguments.separator);
+  NextTable(0);
+  auto& runtime = program_.Runtime();
+  runtime.MenuCreate();
+  const auto& items = program_.Items();
+  const auto on_key = [this](const std::u16string& key, std::u16string_view macro) {
+    if (!key.empty()) program_.Host()->OnKey(key, macro);
+  };
+  on_key(items.HotKeySearch(), u"VantrelRLK_ShowSearch");
+  on_key(items.HotKeyUnhide(), u"VantrelRLK_Unhide");
+  while (!status_) {
+    pump_.ProcessMessages();
+    if (!status_) pump_.WaitForInput(std::numeric_limits<uint32_t>::max());
+  }
+  program_.Save();
+  return *status_;
+}
+
+void TerminalProgram::Open(const std::filesystem::path& path, std::optional<char> separator) {
+  auto file = CsvFile::Open(path, separator);
+  const auto sheet = program_.OpenWorkbook(path);
+  file.ForEachRow([&sheet](std::span<const std::string_view> cells) { sheet->AppendRow(cells); });
+  Ref<standalone::Workbook> book(&sheet->Book());
+  tables_.push_back(
+      std::make_unique<Table>(Table{book->Name(), book, TableView(sheet), sheet->Text().Version()}));
+}
+
+TerminalProgram::Table& TerminalProgram::Active() { return *tables_[active_]; }
+
+void TerminalProgram::NextTable(int32_t step) {
+  const auto count = static_cast<int32_t>(tables_.size());
+  active_ = static_cast<std::size_t>((static_cast<int32_t>(active_) + step + count) % count);
+  program_.Host()->Activate(Active().book);
+}
+
+bool TerminalProgram::IsChanged(const Table& table) const {
+  return table.view.Sheet()->Text().Version() != table.saved_version;
+}
+
+// The active cell, which may be another one when the user has ended.
+void TerminalProgram::Edit() {
+  if (editor_ && editor_->Loaded()) return;
+  Attempted([this] {
+    const auto cell = Require(program_.Host()->ActiveCell());
+    auto address = cell->Address();
+    std::erase(address, u'$');
+    editor_ = MakeRef<CellEditor>(
+        address, cell->Value(), [this, cell](CellEditor::End end, const std::u16string& text) {
+          if (end == CellEditor::End::Cancelled) return;
+          try {
+            if (text != cell->Value()) cell->SetValue(text);
+          } catch (const host::Error& error) {
+            windows_.MsgBox(error.Description(), host::MsgBoxIcon::Exclamation, kProductTitle);
+            return;
+          }
+          Active().view.Navigate({end == CellEditor::End::Down ? kKeyDown : kKeyRight});
+        });
+    editor_->Open(windows_);
+  });
+}
+
+// Typing is searching: what was typed becomes the first letter.
+void TerminalProgram::StartSearch(const KeyPress& press) {
+  program_.Runtime().ShowSearch();
+  const auto form = program_.Forms().Search();
+  if (!form || press.character == U'/') return;
+  std::u16string text;
+  AppendUtf16(text, press.character);
+  form->cboText.UserTyped(text, static_cast<int32_t>(text.size()));
+}
+
+std::shared_ptr<clsVTRLKItem> TerminalProgram::DetectedProfile() {
+  std::shared_ptr<clsVTRLKItem> profile;
+  Attempted([&] {
+    const auto stored = program_.Items().ByName(Active().name);
+    auto detected = (stored ? stored : program_.Items().DefaultItem)->Clone();
+    program_.Runtime().DetectSearchRange(*Active().view.Sheet(), *detected);
+    profile = detected;
+  });
+  return profile;
+}
+
+Highlight TerminalProgram::MakeHighlight() {
+  const auto profile = DetectedProfile();
+  if (!profile) return {};
+  std::vector<int32_t> columns;
+  std::u16string_view letters = profile->SearchCols;
+  while (!letters.empty()) {
+    const auto comma = std::min(letters.find(u','), letters.size());
+    Attempted([&] {
+      const auto cell = std::u16string(letters.substr(0, comma)) + u"1";
+      columns.push_back(Active().view.Sheet()->Range(cell)->Column());
+    });
+    letters.remove_prefix(std::min(comma + 1, letters.size()));
+  }
+  std::ranges::sort(columns);
+  const standalone::Rect area{profile->StartRow(), profile->StartCol(), profile->EndRow(), profile->EndCol()};
+  return {searched_, *program_.Runtime().SearchOptions, area, columns};
+}
+
+void TerminalProgram::evtRLRTM_Searching(bool searching) {
+  using std::chrono::steady_clock;
+  if (searching) {
+    search_began_ = steady_clock::now();
+    const auto form = program_.Forms().Search();
+    searched_ = form ? form->cboText.Text() : u"";
+    highlight_ = MakeHighlight();
+  } else {
+    search_time_ = std::chrono::duration<double, std::milli>(steady_clock::now() - search_began_).count();
+  }
+  pump_.Invalidate();
+}
+
+void TerminalProgram::RunMacro(std::u16string_view macro) {
+  auto& runtime = program_.Runtime();
+  if (macro == u"VantrelRLK_ShowSearch") runtime.ShowSearch();
+  if (macro == u"VantrelRLK_ShowOptions") runtime.ShowOptions();
+  if (macro == u"VantrelRLK_CallHelp") runtime.CallHelp();
+  if (macro == u"VantrelRLK_CallTechSupport") runtime.CallTechSupport();
+  if (macro == u"VantrelRLK_ShowAbout") runtime.About();
+  if (macro != u"VantrelRLK_Unhide") return;
+  std::u16string error;
+  if (!runtime.Unhide(false, error) && !error.empty()) {
+    windows_.MsgBox(error, host::MsgBoxIcon::Exclamation, kProductTitle);
+  }
+}
+
+bool TerminalProgram::RunHotKey(const KeyPress& press) {
+  const auto& keys = program_.Host()->Keys();
+  const auto key = keys.find(CaptureHotKey(press.key, press.shift).code);
+  if (key == keys.end()) return false;
+  RunMacro(std::u16string(key->second));
+  return true;
+}
+
+void TerminalProgram::ShowMenu() {
+  std::vector<terminal::ListForm::Entry> entries;
+  std::vector<std::u16string> macros;
+  for (const auto& menu : program_.Host()->WorksheetMenuBar()->Controls()) {
+    for (const auto& button : menu->Controls()) {
+      entries.push_back({PlainCaption(button->Caption()), Accelerator(button->Caption())});
+      macros.push_back(button->OnAction());
+    }
+  }
+  const int32_t chosen = windows_.ChooseFrom(entries, 0, {1, screen_.Size().height - 1});
+  if (chosen >= 0) RunMacro(macros[static_cast<std::size_t>(chosen)]);
+}
+
+void TerminalProgram::ShowKeys() {
+  windows_.MsgBox(Text(u"Terminal.Keys.All",
+                       u"Type - search for it\\n"
+                       u"Arrows, PgUp, PgDn, Home, End - move (Ctrl: to the end, Shift: select)\\n"
+                       u"Insert - select one more block\\n"
+                       u"F2, Enter - edit the cell\\n"
+                       u"F4 - open a list in a form\\n"
+                       u"F6 - from the table to the form and back\\n"
+                       u"F7, Ctrl+PgDn, Ctrl+PgUp - another table\\n"
+                       u"F10 - menu\\n"
+                       u"Ctrl+F, / - search form\\n"
+                       u"Ctrl+Shift+F - show all rows\\n"
+                       u"Ctrl+S - save\\n"
+                       u"Ctrl+Z - back to the shell for a while\\n"
+                       u"Ctrl+Q, Ctrl+C - quit"),
+                  host::MsgBoxIcon::Exclamation, kProductTitle);
+}
+
+void TerminalProgram::Quit() { End(0); }
+
+void TerminalProgram::End(int status) {
+  status_ = status;
+  program_.Runtime().DoStop();
+  if (editor_) editor_->Unload();
+  windows_.EndWaits();
+}
+
+bool TerminalProgram::Navigate(const KeyPress& press) {
+  if (press.Is(terminal::kKeyInsert)) {
+    Active().view.KeepSelection();
+    return true;
+  }
+  return Active().view.Navigate(press);
+}
+
+void TerminalProgram::Press(const KeyPress& press) {
+  if (press.Is(FKey(1)) || press.character == U'?') return ShowKeys();
+  if (press.Is(FKey(7)) || press.Is(terminal::kKeyPageDown, kCtrl)) return NextTable(1);
+  if (press.Is(terminal::kKeyPageUp, kCtrl)) return NextTable(-1);
+  if (press.Is(FKey(10)) || press.Is(u'R', kAlt)) return ShowMenu();
+  if (RunHotKey(press)) return;
+  if (press.Is(u'Q', kCtrl) || press.Is(u'C', kCtrl)) return Quit();
+  if (press.Is(u'Z', kCtrl)) return pump_.Suspend();
+  if (press.Is(FKey(2)) || press.Is(kKeyReturn)) return Edit();
+  if (press.character >= U' ' && press.character != 127) StartSearch(press);
+}
+
+void TerminalProgram::UseMouse(const terminal::MouseAction& action) { Active().view.UseMouse(action); }
+
+std::u16string TerminalProgram::Text(std::u16string_view key, std::u16string_view text) const {
+  return program_.Runtime().Language().GetText(key, text);
+}
+
+int32_t TerminalProgram::StatusRows(int32_t height) const { return height >= 16 ? 2 : 1; }
+
+void TerminalProgram::Draw(terminal::Canvas& canvas, const terminal::Rect& picture,
+                           const terminal::Rect& status, bool focused) {
+  const auto& items = program_.Items();
+  const auto form = program_.Forms().Search();
+  const bool marked = items.RowsIsGrouped || (form && !form->cboText.Text().empty());
+  Active().view.Draw(canvas, picture, marked ? highlight_ : Highlight(), focused);
+  DrawStatus(canvas, {status.left, status.top}, status.width);
+  if (status.height > 1) DrawKeys(canvas, {status.left, status.top + 1}, status.width);
+}
+
+// Counting goes through all rows, so it is done again only when rows were hidden or shown.
+std::u16string TerminalProgram::CountRows() {
+  const auto& sheet = *Active().view.Sheet();
+  const auto used = sheet.Text().Used().value_or(standalone::Rect{});
+  const int32_t last = used.last_row;
+  const int32_t all = last - used.first_row;
+  if (count_.sheet != &sheet || count_.layout != sheet.Layout() || count_.all != all) {
+    count_ = {&sheet, sheet.Layout(), all, 0};
+    const auto& hidden = sheet.HiddenRows();
+    for (int32_t row = hidden.Next(used.first_row + 1, last, false); row <= last;) {
+      const int32_t end = hidden.Next(row, last, true);
+      count_.visible += end - row;
+      row = hidden.Next(end, last, false);
+    }
+  }
+  return program_.Runtime().Language().GetText(u"Terminal.Status.Rows", u"%1 of %2 rows",
+                                               {ToText(count_.visible), ToText(count_.all)});
+}
+
+std::u16string TerminalProgram::Mode() const {
+  const auto& options = *program_.Runtime().SearchOptions;
+  std::u16string mode;
+  switch (options.SearchWords) {
+    case xcVT_SEARCH_WORDS_CELL:
+      mode = Text(u"Search.UI.Opt.CellEntire", u"&Entire cells only");
+      break;
+    case xcVT_SEARCH_WORDS_ANY:
+      mode = Text(u"Search.UI.Opt.CellAnyWord", u"&Any of words");
+      break;
+    default:
+      mode = Text(u"Search.UI.Opt.CellPart", u"Any &part of cells");
+  }
+  if (options.CompareMethod == CompareMode::Binary)
+    mode += u", " + Text(u"Search.UI.Chk.MatchCase", u"&Match case");
+  return PlainCaption(mode);
+}
+
+// From the left the table and its active cell, from the right what is known of the search, as far as there is
+// room.
+void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t width) {
+  const auto& table = Active();
+  canvas.Fill({at.x, at.y, width, 1}, U' ', Style::Status);
+  constexpr int32_t kLeast = 34;  // cells for the table
+  std::vector<std::u16string> parts{CountRows()};
+  if (search_time_) {
+    const auto tenths = static_cast<int32_t>(*search_time_ * 10 + 0.5);
+    parts.push_back(program_.Runtime().Language().GetText(u"Terminal.Status.Time", u"%1 ms",
+                                                          ToText(tenths / 10) + u"." + ToText(tenths % 10)));
+  }
+  if (const auto profile = DetectedProfile()) parts.push_back(profile->SearchRange());
+  if (search_time_) parts.push_back(Mode());
+  std::u16string right;
+  for (const auto& part : parts) {
+    if (part.empty() || terminal::WidthOf(right + part) + kLeast > width) continue;
+    right += (right.empty() ? u" " : u" │ ") + part;
+  }
+  right += u' ';
+  std::u16string left = u" " + table.name;
+  if (IsChanged(table)) left += u" *";
+  if (tables_.size() > 1) {
+    left += u" (" + ToText(static_cast<int32_t>(active_) + 1) + u"/" +
+            ToText(static_cast<int32_t>(tables_.size())) + u")";
+  }
+  Attempted([&] {
+    const auto cell = Require(program_.Host()->ActiveCell());
+    auto address = cell->Address();
+    std::erase(address, u'$');
+    left += u" │ " + address + u" " + cell->Value();
+  });
+  const int32_t taken = terminal::WidthOf(right);
+  canvas.Write(at, left, Style::Status, std::max(0, width - taken - 1));
+  canvas.Write({at.x + width - taken, at.y}, right, Style::Status);
+}
+
+void TerminalProgram::DrawKeys(terminal::Canvas& canvas, Point at, int32_t width) const {
+  struct Entry {
+    std::u16string_view key;
+    std::u16string text;
+    bool shown = true;
+  };
+  const Entry entries[] = {
+      {u"F1", Text(u"Terminal.Keys.Help", u"Help")},
+      {u"F2", Text(u"Terminal.Keys.Edit", u"Edit")},
+      {u"F6", Text(u"Terminal.Keys.Form", u"Form/Table"), program_.Forms().Search() != nullptr},
+      {u"F7", Text(u"Terminal.Keys.NextTable", u"Next table"), tables_.size() > 1},
+      {u"F10", Text(u"Terminal.Keys.Menu", u"Menu")},
+      {u"^F", Text(u"Terminal.Keys.Search", u"Search")},
+      {u"^S", Text(u"Terminal.Keys.Save", u"Save")},
+      {u"^Q", Text(u"Terminal.Keys.Quit", u"Quit")}};
+  int32_t x = at.x + 1;
+  for (const auto& [key, text, shown] : entries) {
+    if (!shown || x + terminal::WidthOf(text) + 5 > at.x + width) continue;
+    x += canvas.Write({x, at.y}, key, Style::Bold) + 1;
+    x += canvas.Write({x, at.y}, text, Style::Dim) + 2;
+  }
+}
+
+}  // namespace rowlark

@@ -1,0 +1,112 @@
+// Rowlark on a terminal: tables full-screen, with the add-in's menu, forms and hotkeys.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "CellEditor.h"
+#include "Highlight.h"
+#include "Program.h"
+#include "TableView.h"
+#include "host/terminal/TerminalWindowSystem.h"
+
+namespace rowlark {
+
+struct TerminalArguments {
+  std::vector<std::filesystem::path> files;
+  std::optional<char> separator;
+};
+
+// The help there is: a list of the keys.
+class KeyHelp final : public host::Help {
+ public:
+  std::function<void()> Show;
+
+  intptr_t HtmlHelp(std::u16string_view, host::HelpCommand, int32_t) noexcept override {
+    Show();
+    return 1;
+  }
+};
+
+class TerminalProgram final : public terminal::Desktop {
+ public:
+  TerminalProgram(Program& program, terminal::Screen& screen, terminal::TerminalMessagePump& pump,
+                  terminal::TerminalWindowSystem& windows, KeyHelp& help);
+  TerminalProgram(const TerminalProgram&) = delete;
+  TerminalProgram& operator=(const TerminalProgram&) = delete;
+  ~TerminalProgram() override;
+
+  // Until the user ends it, or a signal does. The exit status. Throws std::runtime_error when a file can not
+  // be read.
+  int Run(const TerminalArguments& arguments);
+
+  int32_t StatusRows(int32_t height) const override;
+  void Draw(terminal::Canvas& canvas, const terminal::Rect& picture, const terminal::Rect& status,
+            bool focused) override;
+  bool Navigate(const terminal::KeyPress& press) override;
+  void Press(const terminal::KeyPress& press) override;
+  void UseMouse(const terminal::MouseAction& action) override;
+
+ private:
+  struct Table {
+    std::u16string name;
+    Ref<standalone::Workbook> book;
+    TableView view;
+    uint64_t saved_version;  // of its text
+  };
+
+  void Open(const std::filesystem::path& path, std::optional<char> separator);
+  Table& Active();
+  void NextTable(int32_t step);
+  void Edit();
+  bool IsChanged(const Table& table) const;
+
+  void StartSearch(const terminal::KeyPress& press);
+  void evtRLRTM_Searching(bool searching);
+  // The profile of the active workbook with what it leaves open filled in; null when that fails.
+  std::shared_ptr<clsVTRLKItem> DetectedProfile();
+  Highlight MakeHighlight();
+
+  void RunMacro(std::u16string_view macro);
+  bool RunHotKey(const terminal::KeyPress& press);
+  void ShowMenu();
+  void ShowKeys();
+  void Quit();
+  void End(int status);
+
+  std::u16string Text(std::u16string_view key, std::u16string_view text) const;
+  void DrawStatus(terminal::Canvas& canvas, terminal::Point at, int32_t width);
+  void DrawKeys(terminal::Canvas& canvas, terminal::Point at, int32_t width) const;
+  std::u16string Mode() const;
+  std::u16string CountRows();
+
+  Program& program_;
+  terminal::Screen& screen_;
+  terminal::TerminalMessagePump& pump_;
+  terminal::TerminalWindowSystem& windows_;
+  KeyHelp& help_;
+
+  std::vector<std::unique_ptr<Table>> tables_;
+  std::size_t active_ = 0;
+  Ref<CellEditor> editor_;
+  Connection searching_;
+  std::chrono::steady_clock::time_point search_began_;
+  std::optional<double> search_time_;  // milliseconds, of the last search
+  std::u16string searched_;            // the text of the last search
+  Highlight highlight_;
+  std::optional<int> status_;  // the exit status, once the program ends
+
+  struct Count {
+    const standalone::Worksheet* sheet = nullptr;
+    uint64_t layout = 0;
+    int32_t all = 0;
+    int32_t visible = 0;
+  };
+  Count count_;
+};
+
+}  // namespace rowlark

@@ -1,0 +1,28 @@
+// What lies behind the forms: the program's own picture, with a few rows at the bottom for its status.
+#pragma once
+
+#include <cstdint>
+
+#include "host/terminal/Canvas.h"
+#include "host/terminal/Input.h"
+
+namespace rowlark::terminal {
+
+class Desktop {
+ public:
+  virtual ~Desktop() = default;
+
+  // How many rows of a screen of that height are the status's.
+  virtual int32_t StatusRows(int32_t height) const = 0;
+  // `focused`: the keyboard is not a form's.
+  virtual void Draw(Canvas& canvas, const Rect& picture, const Rect& status, bool focused) = 0;
+
+  // Moves about in the picture, also while a form waits for something to be selected there. False for any
+  // other key.
+  virtual bool Navigate(const KeyPress& press) = 0;
+  // Keys that no form wanted.
+  virtual void Press(const KeyPress& press) = 0;
+  virtual void UseMouse(const MouseAction& action) = 0;
+};
+
+}  // namespace rowlark::terminal

@@ -1,0 +1,95 @@
+#include "host/terminal/Dialogs.h"
+
+#include <algorithm>
+
+#include "host/terminal/Glyph.h"
+#include "host/terminal/TextLines.h"
+#include "util/Text.h"
+
+namespace rowlark::terminal {
+namespace {
+
+using controls::Layout;
+
+// A caption shows two "&" as one.
+std::u16string Literal(std::u16string_view text) {
+  std::u16string literal;
+  for (const char16_t c : text) literal.append(c == u'&' ? 2 : 1, c);
+  return literal;
+}
+
+}  // namespace
+
+MessageForm::MessageForm(std::u16string_view title, std::u16string_view text,
+                         const std::vector<std::u16string>& buttons, int32_t width, controls::View& view)
+    : Form(u"MessageForm"), answer_(buttons.size() - 1) {
+  SetCaption(title);
+  std::u16string lines;
+  for (const auto [begin, end] : BreakLines(text, width)) {
+    if (!lines.empty()) lines += u"\r\n";
+    lines += Literal(text.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin)));
+  }
+  text_.SetCaption(lines);
+  std::vector<Layout> row{Layout().Wide()};
+  for (std::size_t i = 0; i < buttons.size(); ++i) {
+    buttons_.push_back(std::make_unique<controls::Button>(*this, u"button"));
+    auto& button = *buttons_.back();
+    button.SetCaption(buttons[i]);
+    button.Default = i == 0;
+    button.Cancel = i + 1 == buttons.size();
+    button.Click = [this, i] {
+      answer_ = i;
+      Unload();
+    };
+    row.emplace_back(button);
+  }
+  Activate = [this] { buttons_.front()->SetFocus(); };
+  SetLayout(Layout::Column({text_, Layout::Row(std::move(row))}));
+  Attach(view);
+  Arrange();
+  Load();
+}
+
+void MessageForm::Form_Close() {
+  answer_ = buttons_.size() - 1;
+  Unload();
+}
+
+ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, controls::View& view)
+    : Form(u"ListForm") {
+  int32_t width = 0;
+  for (const auto& entry : entries) {
+    list_.AddItem({entry.text, {}, 0});
+    accelerators_.push_back(entry.accelerator);
+    width = std::max(width, WidthOf(entry.text));
+  }
+  list_.Select(std::max(selected, 0));
+  KeyDown = [this](int32_t& key, int32_t) { UseKey(key); };
+  KeyPress = [this](char16_t& character) {
+    const auto entry = std::ranges::find(accelerators_, ToLower(char32_t{character}));
+    if (entry != accelerators_.end()) Choose(static_cast<int32_t>(entry - accelerators_.begin()));
+  };
+  Activate = [this] { list_.SetFocus(); };
+  constexpr int32_t kLine = 12;
+  SetLayout(Layout::Column({Layout(list_, {4 * (width + 3), kLine * static_cast<int32_t>(entries.size())})}));
+  Attach(view);
+  Arrange();
+  Load();
+}
+
+void ListForm::UseKey(int32_t& key) {
+  if (key == controls::kKeyReturn || key == controls::kKeySpace) {
+    key = 0;
+    Choose(list_.Selected());
+  } else if (key == controls::kKeyEscape) {
+    key = 0;
+    Unload();
+  }
+}
+
+void ListForm::Choose(int32_t index) {
+  chosen_ = index;
+  Unload();
+}
+
+}  // namespace rowlark::terminal

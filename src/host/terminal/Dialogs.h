@@ -1,0 +1,55 @@
+// The small forms that the window system needs for itself.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/Button.h"
+#include "controls/Form.h"
+#include "controls/Label.h"
+#include "controls/ListView.h"
+
+namespace rowlark::terminal {
+
+// A text and buttons, of which Enter presses the first and Escape the last.
+class MessageForm final : public controls::Form {
+ public:
+  MessageForm(std::u16string_view title, std::u16string_view text, const std::vector<std::u16string>& buttons,
+              int32_t width, controls::View& view);
+
+  // The index of the button that was pressed.
+  std::size_t Answer() const { return answer_; }
+
+ private:
+  void Form_Close() override;
+
+  controls::Label text_{*this, u"text"};
+  std::vector<std::unique_ptr<controls::Button>> buttons_;
+  std::size_t answer_;
+};
+
+// Entries to choose one from: a menu, the list of a combo box.
+class ListForm final : public controls::Form {
+ public:
+  struct Entry {
+    std::u16string text;
+    char32_t accelerator = 0;  // the letter that chooses it
+  };
+  ListForm(const std::vector<Entry>& entries, int32_t selected, controls::View& view);
+
+  // The index of the entry chosen; -1 when none was.
+  int32_t Chosen() const { return chosen_; }
+  void Choose(int32_t index);
+
+ private:
+  void UseKey(int32_t& key);
+
+  controls::ListView list_{*this, u"list"};
+  std::vector<char32_t> accelerators_;
+  int32_t chosen_ = -1;
+};
+
+}  // namespace rowlark::terminal

@@ -1,0 +1,95 @@
+// Windows in a terminal: forms that lie at the bottom of the screen, beneath the program's picture, and forms
+// that float above it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/Form.h"
+#include "host/WindowSystem.h"
+#include "host/terminal/Arrangement.h"
+#include "host/terminal/Desktop.h"
+#include "host/terminal/Dialogs.h"
+#include "host/terminal/TerminalMessagePump.h"
+
+namespace rowlark::terminal {
+
+class TerminalWindowSystem final : public host::WindowSystem, public controls::View {
+ public:
+  // Takes the pump's input and drawing. `docked` are the names of the forms that lie at the bottom.
+  TerminalWindowSystem(Screen& screen, TerminalMessagePump& pump, std::set<std::u16string> docked);
+
+  // Before anything is shown; it outlives this object.
+  void SetDesktop(Desktop& desktop) { desktop_ = &desktop; }
+  // Captions of the buttons of message boxes, in the user's language.
+  std::function<std::u16string()> OkCaption = [] { return std::u16string(u"OK"); };
+  std::function<std::u16string()> CancelCaption = [] { return std::u16string(u"Cancel"); };
+
+  bool Realise(controls::Form& form) noexcept override;
+  void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override;
+  bool Ask(std::u16string_view text, std::u16string_view title) noexcept override;
+  void OpenLink(controls::Form& parent, std::u16string_view link) noexcept override;
+  void Beep() noexcept override { screen_.Beep(); }
+  // Forms have places of their own here; where they would stand on a screen does not matter.
+  std::vector<Rect> Screens() const noexcept override { return {}; }
+  intptr_t WindowOfClass(std::u16string_view) const noexcept override { return 0; }
+
+  // Asks with buttons of one's own; the index of the one pressed, the last for Escape.
+  std::size_t Choose(std::u16string_view text, std::u16string_view title,
+                     const std::vector<std::u16string>& buttons);
+  // Offers entries beside a place on the screen; the index of the one chosen, -1 for none.
+  int32_t ChooseFrom(const std::vector<ListForm::Entry>& entries, int32_t selected, Point beside);
+  // Every wait for an answer ends, also later ones.
+  void EndWaits();
+
+  // Draws everything.
+  void Draw();
+
+ private:
+  struct Window {
+    controls::Form* form;
+    Arrangement arrangement{};
+    Rect frame{};  // on the screen
+    Rect inner{};
+    int32_t scroll = 0;  // rows of the inner area above the screen
+    Point beside{};      // of a list
+  };
+
+  void Changed(controls::Control& control, controls::Property property) noexcept override;
+  void Released(controls::Form& form) noexcept override;
+  int32_t TextWidth(std::u16string_view text) const noexcept override { return TextUnits(text); }
+  Size WindowSize(Size client) const noexcept override;
+
+  bool IsDocked(const controls::Form& form) const { return docked_.contains(form.Name); }
+  Window* Find(const controls::Form& form);
+  // The window with the keyboard, unless the desktop has it; null without one.
+  Window* Active();
+  void Activate(Window& window);
+  void Run(controls::Form& form);
+
+  void Place(Window& window, const Rect& room);
+  void DrawWindow(Canvas& canvas, Window& window, bool active);
+
+  void UseInput(const Input& input);
+  void UseKey(const KeyPress& press);
+  void UseMouse(const MouseAction& action);
+  void UseMouse(Window& window, const MouseAction& action);
+  void UseDesktop(const KeyPress& press);
+  bool OpenList(controls::Form& form);
+  static bool PressToolBar(controls::Form& form, const KeyPress& press);
+
+  Screen& screen_;
+  TerminalMessagePump& pump_;
+  std::set<std::u16string> docked_;
+  Desktop* desktop_ = nullptr;
+  std::vector<Window> windows_;    // the one on top last
+  bool desktop_focus_ = false;     // the keyboard is the desktop's though there are forms
+  bool mouse_in_desktop_ = false;  // its button went down there
+  bool ending_ = false;
+};
+
+}  // namespace rowlark::terminal
