@@ -29,7 +29,8 @@ struct Table {
   explicit Table(const std::string& path) : file(CsvFile::Open(path, ',')) {
     application->AddWorkbook(ToUtf16(path));
     sheet = static_cast<standalone::Worksheet*>(application->ActiveSheet().get());
-    file.ForEachRow([this](std::span<const std::string_view> cells) { sheet->AppendRow(cells); });
+    file.ForEachRow([this](std::span<const std::string_view> cells) { sheet->AppendRow(cells); },
+                    [this] { sheet->Clear(); });
   }
 
   int32_t VisibleRows() const {

@@ -1,4 +1,6 @@
-// Any bytes are a table or refused; what is read and written with full quoting reads the same.
+// Any bytes are a table or refused. What is saved without an edit is the same bytes; what is written with
+// quotes where they are needed reads the same; after an edit that cell has the new text and all others have
+// theirs.
 #include <cstdint>
 #include <cstdlib>
 #include <stdexcept>
@@ -6,6 +8,7 @@
 #include <vector>
 
 #include "CsvFile.h"
+#include "CsvWriter.h"
 
 namespace {
 
@@ -14,30 +17,52 @@ using Rows = std::vector<std::vector<std::string>>;
 Rows Read(rowlark::CsvFile& file) {
   Rows rows;
   file.ForEachRow(
-      [&](std::span<const std::string_view> cells) { rows.emplace_back(cells.begin(), cells.end()); });
+      [&](std::span<const std::string_view> cells) { rows.emplace_back(cells.begin(), cells.end()); },
+      [&] { rows.clear(); });
   return rows;
+}
+
+std::string Save(rowlark::CsvFile& file, const rowlark::CsvRewriter::Edits& edits, bool as_utf8 = false) {
+  rowlark::CsvRewriter writer(file, edits, as_utf8);
+  std::string bytes;
+  for (std::string piece = writer.Next(); !piece.empty(); piece = writer.Next()) bytes += piece;
+  return bytes;
+}
+
+void Check(bool holds) {
+  if (!holds) std::abort();
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const std::string bytes(data, data + size);
   try {
-    auto file = rowlark::CsvFile::Parse(std::string(data, data + size));
+    auto file = rowlark::CsvFile::Parse(bytes);
     const Rows rows = Read(file);
-    std::string quoted = "\xEF\xBB\xBF";
-    for (const auto& row : rows) {
-      for (std::size_t i = 0; i < row.size(); ++i) {
-        if (i > 0) quoted += ',';
-        quoted += '"';
-        for (const char c : row[i]) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-        quoted += '"';
-      }
-      quoted += '\n';
-    }
-    auto again = rowlark::CsvFile::Parse(quoted, ',');
-    if (Read(again) != rows) std::abort();
     for (std::size_t row = 0; row < file.RowCount(); ++row) file.RowText(row);
-  } catch (const std::runtime_error&) {  // no text, or larger than a sheet
+    Check(Save(file, {}) == bytes);
+
+    rowlark::CsvWriter writer(rowlark::CsvFormat{});
+    for (const auto& row : rows) {
+      for (const auto& cell : row) writer.Cell(cell);
+      writer.EndRecord();
+    }
+    auto written = rowlark::CsvFile::Parse(writer.Take(), ',');
+    if (file.Text().TextEncoding() == rowlark::Encoding::Windows1252) Check(Read(written) == rows);
+
+    if (rows.empty()) return 0;
+    // Behind the last row, or in the middle, in the column that the size gives.
+    const std::size_t row = size % 3 == 0 ? rows.size() + size % 2 : size % rows.size();
+    const std::size_t column = size % 5;
+    const rowlark::CsvRewriter::Edits edits = {{row, {{column, "a\"\r;\xC3\xA4,"}}}};
+    Rows expected = rows;
+    if (expected.size() <= row) expected.resize(row + 1, std::vector<std::string>{""});
+    if (expected[row].size() <= column) expected[row].resize(column + 1);
+    expected[row][column] = edits.at(row).at(column);
+    auto edited = rowlark::CsvFile::Parse(Save(file, edits), file.Separator());
+    if (file.Text().IsUtf8()) Check(Read(edited) == expected);
+  } catch (const std::runtime_error&) {  // no text, larger than a sheet, or not to be encoded
   }
   return 0;
 }

@@ -8,12 +8,14 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "RecordReader.h"
+#include "TextReader.h"
 
 namespace rowlark {
 
@@ -21,41 +23,63 @@ class CsvFile {
  public:
   // The size of a sheet.
   static constexpr std::size_t kMaxRows = 1'048'576;
-  static constexpr std::size_t kMaxColumns = 16'384;
+  static constexpr std::size_t kMaxColumns = RecordReader::kMaxColumns;
 
   // The cells of one row, valid during the call only. An empty line is a row of one empty cell.
   using RowSink = std::function<void(std::span<const std::string_view> cells)>;
 
-  // Reads UTF-8 (with or without a mark), UTF-16 (with a mark) or, where the bytes are not UTF-8,
-  // Windows-1252. Without `separator` the file's first records decide between comma, semicolon and tab.
-  // Throws std::runtime_error("path: reason") when there is no readable text.
+  // What reading on has come to.
+  enum class Reading {
+    More,
+    Done,
+    // The file is not UTF-8 after all but Windows-1252: what was handed out so far was read wrongly and comes
+    // once more, from the first row.
+    Again,
+  };
+
+  // Reads the first piece of UTF-8 (with or without a mark), UTF-16 (with a mark) or, where the bytes are not
+  // UTF-8, Windows-1252. Without `separator` the file's first records decide between comma, semicolon and
+  // tab. Throws std::runtime_error("path: reason") when there is no readable text.
   static CsvFile Open(const std::filesystem::path& path, std::optional<char> separator = std::nullopt);
 
   // The same for bytes at hand.
-  static CsvFile Parse(std::string bytes, std::optional<char> separator = std::nullopt);
+  static CsvFile Parse(const std::string& bytes, std::optional<char> separator = std::nullopt);
 
-  // Hands every row to `sink`, in order. Throws std::runtime_error when the file is larger than a sheet.
-  void ForEachRow(const RowSink& sink);
+  // Hands the rows of one piece of the file (about a millisecond's work) to `sink`, in order. Throws
+  // std::runtime_error when the file can not be read on, is no text or is larger than a sheet.
+  Reading ReadRows(const RowSink& sink);
 
-  // What the last ForEachRow has met; rows count from 0.
+  // Hands every row to `sink`, from the first one on. Calls `again` where what was handed out is to be
+  // forgotten.
+  void ForEachRow(const RowSink& sink, const std::function<void()>& again);
+
+  // Of the file's size, what has been read.
+  double Fraction() const noexcept { return text_.Fraction(); }
+
+  // The rows handed out. Rows count from 0.
   std::size_t RowCount() const noexcept { return row_starts_.size(); }
-  // The record as the file has it, quotes and all, without its line end.
-  std::string_view RowText(std::size_t row) const;
+  // The record as the file has it, quotes and all, without its line end; as UTF-8.
+  std::string RowText(std::size_t row);
   // The first line end outside quotes; LF when there is none.
   std::string_view LineEnd() const noexcept { return line_end_; }
 
   char Separator() const noexcept { return separator_; }
 
- private:
-  CsvFile(std::string path, std::shared_ptr<const void> storage, std::string_view bytes,
-          std::optional<char> separator);
+  // For writing the file anew: its text and where the records begin in it; for the row behind the last one,
+  // where the rows not yet handed out do.
+  TextReader& Text() noexcept { return text_; }
+  std::size_t RecordStart(std::size_t row) const { return row < RowCount() ? row_starts_[row] : next_; }
 
-  std::string path_;
-  std::shared_ptr<const void> storage_;  // keeps alive what text_ looks at: a mapped file or a converted copy
-  std::string_view text_;                // the whole file in UTF-8, without its mark
-  char separator_ = ',';
+ private:
+  CsvFile(TextReader text, std::optional<char> separator);
+  void Restart();
+
+  TextReader text_;
+  char separator_;
   std::string_view line_end_ = "\n";
-  std::vector<std::size_t> row_starts_;  // offsets into text_
+  std::vector<std::size_t> row_starts_;  // offsets into the text
+  std::size_t next_ = 0;                 // and the record after them
+  std::size_t wanted_ = 0;               // text to be there before that record is tried again
 };
 
 }  // namespace rowlark

@@ -88,6 +88,11 @@ Ref<standalone::Worksheet> Program::OpenWorkbook(const std::filesystem::path& pa
   return static_cast<standalone::Worksheet*>(application_->ActiveSheet().get());
 }
 
+std::unique_ptr<Document> Program::OpenDocument(const std::filesystem::path& path,
+                                                std::optional<char> separator) {
+  return std::make_unique<Document>(application_, path, SystemPath(path), separator);
+}
+
 std::shared_ptr<clsVTRLKItem> Program::CloneDefault(const std::filesystem::path& workbook) {
   return Items().DefaultItem->Clone(SystemPath(workbook));
 }

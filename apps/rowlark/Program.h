@@ -3,9 +3,12 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "Document.h"
 #include "forms/FormSet.h"
 #include "host/standalone/Application.h"
 #include "host/standalone/FileRegistry.h"
@@ -53,6 +56,9 @@ class Program {
 
   // Opens an empty workbook of that name with one sheet.
   Ref<standalone::Worksheet> OpenWorkbook(const std::filesystem::path& path);
+  // Opens a file as the active workbook. Throws std::runtime_error("path: reason").
+  std::unique_ptr<Document> OpenDocument(const std::filesystem::path& path,
+                                         std::optional<char> separator = std::nullopt);
 
   clsVTRLKRuntime& Runtime() { return runtime_; }
   clsVTRLKItems& Items() { return *runtime_.Items; }

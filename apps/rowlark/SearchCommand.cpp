@@ -4,27 +4,39 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <nlohmann/json.hpp>
-#include <span>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
 
-#include "CsvFile.h"
+#include "Document.h"
+#include "util/Text.h"
 #include "util/Utf.h"
 
 namespace rowlark {
 namespace {
 
-// A table opened as the active sheet of a workbook of its own.
+// A sheet of a document, made the active one.
 struct Table {
   Table(const SearchArguments& arguments, Program& program)
-      : file(CsvFile::Open(arguments.file, arguments.separator)),
-        sheet(program.OpenWorkbook(arguments.file)) {
-    file.ForEachRow([this](std::span<const std::string_view> cells) { sheet->AppendRow(cells); });
+      : document(program.OpenDocument(arguments.file, arguments.separator)) {
+    while (document->Step()) {
+    }
+    if (!arguments.sheet.empty()) Activate(ToUtf16(arguments.sheet));
+    sheet = &document->ActiveSheet();
   }
 
-  CsvFile file;
+  void Activate(const std::u16string& name) const {
+    std::string names;
+    for (const auto& one : document->Sheets()) {
+      if (Compare(one->Name(), name, CompareMode::Text) == 0) return document->Workbook()->ActivateSheet(one);
+      names += (names.empty() ? "" : ", ") + ToUtf8(one->Name());
+    }
+    throw std::runtime_error("--sheet: no sheet '" + ToUtf8(name) + "' in the file (" + names + ")");
+  }
+
+  std::unique_ptr<Document> document;
   Ref<standalone::Worksheet> sheet;
 };
 
@@ -161,8 +173,8 @@ void PrintRows(const Table& table, Print print, Output& output) {
       if (print == Print::Rows) {
         output.Write(std::to_string(row) + '\n');
       } else {
-        output.Write(table.file.RowText(static_cast<std::size_t>(row) - 1));
-        output.Write(table.file.LineEnd());
+        output.Write(table.document->RowText(*table.sheet, row));
+        output.Write(table.document->LineEnd());
       }
     }
   });

@@ -74,7 +74,8 @@ int TerminalProgram::Run(const TerminalArguments& arguments) {
 void TerminalProgram::Open(const std::filesystem::path& path, std::optional<char> separator) {
   auto file = CsvFile::Open(path, separator);
   const auto sheet = program_.OpenWorkbook(path);
-  file.ForEachRow([&sheet](std::span<const std::string_view> cells) { sheet->AppendRow(cells); });
+  file.ForEachRow([&sheet](std::span<const std::string_view> cells) { sheet->AppendRow(cells); },
+                  [&sheet] { sheet->Clear(); });
   Ref<standalone::Workbook> book(&sheet->Book());
   tables_.push_back(
       std::make_unique<Table>(Table{book->Name(), book, TableView(sheet), sheet->Text().Version()}));

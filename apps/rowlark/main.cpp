@@ -127,6 +127,8 @@ int Run(int argc, char** argv) {
       ->check(CheckFilter)
       ->allow_extra_args(false);
   add_separator(search);
+  search.add_option("--sheet", arguments.sheet, "sheet of a workbook, by its name (default: the first one)")
+      ->type_name("NAME");
   search.add_option("--print", print, "csv: visible rows; rows: their numbers; json: all about the search")
       ->type_name("FORM")
       ->check(CLI::IsMember(kPrint))

@@ -108,7 +108,8 @@ void Open(Call& call) {
     const auto book = call.Application().AddWorkbook(path.u16string(), read_only);
     try {
       file.ForEachRow(
-          [&](std::span<const std::string_view> cells) { book->Worksheets().front()->AppendRow(cells); });
+          [&](std::span<const std::string_view> cells) { book->Worksheets().front()->AppendRow(cells); },
+          [&] { book->Worksheets().front()->Clear(); });
     } catch (...) {
       call.Application().Close(book);
       throw;

@@ -38,6 +38,11 @@ std::error_code SetTimes(const std::filesystem::path& file, const FileTimes& tim
 // where the process may end.
 std::error_code ReplaceContent(const std::filesystem::path& file, std::string_view bytes,
                                const std::function<void()>& between_steps);
+// The same for content that comes in pieces, with an empty one at the end. What `next_piece` throws passes
+// through, and then nothing has been replaced.
+std::error_code ReplaceContent(const std::filesystem::path& file,
+                               const std::function<std::string_view()>& next_piece,
+                               const std::function<void()>& between_steps);
 
 // While it lives, no other process holds the lock of that file, which is made when missing. Waits for its
 // turn.

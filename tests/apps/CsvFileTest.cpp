@@ -15,7 +15,8 @@ using Rows = std::vector<std::vector<std::string>>;
 Rows ReadRows(CsvFile& file) {
   Rows rows;
   file.ForEachRow(
-      [&](std::span<const std::string_view> cells) { rows.emplace_back(cells.begin(), cells.end()); });
+      [&](std::span<const std::string_view> cells) { rows.emplace_back(cells.begin(), cells.end()); },
+      [&] { rows.clear(); });
   return rows;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -12,6 +13,13 @@ namespace rowlark::standalone {
 
 inline constexpr int32_t kMaxRow = 1048576;
 inline constexpr int32_t kMaxColumn = 16384;
+
+// Rows and columns count from 1. Cells are ordered row by row.
+struct Cell {
+  int32_t row = 0;
+  int32_t column = 0;
+  friend auto operator<=>(const Cell&, const Cell&) = default;
+};
 
 // Rows and columns count from 1; both corners belong to the rectangle.
 struct Rect {

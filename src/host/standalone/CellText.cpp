@@ -105,6 +105,13 @@ void CellText::AppendRow(std::span<const std::string_view> cells) {
   ++version_;
 }
 
+void CellText::Clear() {
+  blocks_.clear();
+  used_.reset();
+  appended_rows_ = 0;
+  ++version_;
+}
+
 const CellText::Block* CellText::BlockOf(int32_t row) const {
   const auto index = static_cast<std::size_t>(row - 1) / kBlockRows;
   return index < blocks_.size() ? blocks_[index].get() : nullptr;
@@ -135,12 +142,7 @@ std::string_view CellReader::Cell(int32_t row, int32_t column) {
   return rest_.substr(1, rest_.find(CellText::kSeparator, 1) - 1);
 }
 
-void CellText::SetCell(int32_t row, int32_t column, std::string_view text) {
-  auto& block = BlockFor(row);
-  while (block.Rows() <= static_cast<int32_t>(RowInBlock(row))) {
-    for (auto& twin : block.twins) AddRow(twin, [](std::string&) {});
-  }
-  const auto index = RowInBlock(row);
+std::vector<std::string_view> CellText::Cells(int32_t row) const {
   std::vector<std::string_view> cells;
   for (auto rest = Row(row); rest.size() > 1;) {
     rest.remove_prefix(1);
@@ -148,6 +150,16 @@ void CellText::SetCell(int32_t row, int32_t column, std::string_view text) {
     cells.push_back(rest.substr(0, end));
     rest.remove_prefix(end);
   }
+  return cells;
+}
+
+void CellText::SetCell(int32_t row, int32_t column, std::string_view text) {
+  auto& block = BlockFor(row);
+  while (block.Rows() <= static_cast<int32_t>(RowInBlock(row))) {
+    for (auto& twin : block.twins) AddRow(twin, [](std::string&) {});
+  }
+  const auto index = RowInBlock(row);
+  auto cells = Cells(row);
   if (cells.size() < static_cast<std::size_t>(column)) cells.resize(static_cast<std::size_t>(column));
   cells[static_cast<std::size_t>(column) - 1] = text;
 

@@ -37,10 +37,14 @@ class CellText {
 
   // Stores `cells` as the row behind the last one that was appended; they are UTF-8.
   void AppendRow(std::span<const std::string_view> cells);
+  int32_t AppendedRows() const { return appended_rows_; }
+  void Clear();
 
   std::string_view Cell(int32_t row, int32_t column, bool folded = false) const;
   // What a row stores: separators and texts; empty for a row that stores nothing.
   std::string_view Row(int32_t row, bool folded = false) const;
+  // The texts that a row stores, from column 1 on.
+  std::vector<std::string_view> Cells(int32_t row) const;
   void SetCell(int32_t row, int32_t column, std::string_view text);
 
   // The smallest rectangle that holds every cell that ever had a text.

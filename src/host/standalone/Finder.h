@@ -17,12 +17,6 @@
 
 namespace rowlark::standalone {
 
-struct Cell {
-  int32_t row = 0;
-  int32_t column = 0;
-  friend bool operator==(const Cell&, const Cell&) = default;
-};
-
 // What a search looks through: the text and the hidden rows of one sheet, and the areas of a range. Whoever
 // changes the hidden rows makes a new `layout` number.
 struct Haystack {

@@ -1,13 +1,17 @@
 #include "host/standalone/Workbook.h"
 
+#include <string>
+
 #include "host/standalone/Application.h"
+#include "util/Utf.h"
 
 namespace rowlark::standalone {
 
 std::u16string Workbook::Name() const { return full_name_.substr(full_name_.find_last_of(u"\\/") + 1); }
 
-Ref<Worksheet> Workbook::AddWorksheet() {
-  sheets_.push_back(MakeRef<Worksheet>(*this));
+Ref<Worksheet> Workbook::AddWorksheet(std::u16string_view name) {
+  const auto next = u"Sheet" + ToUtf16(std::to_string(sheets_.size() + 1));
+  sheets_.push_back(MakeRef<Worksheet>(*this, name.empty() ? next : name));
   active_sheet_ = sheets_.back();
   return sheets_.back();
 }

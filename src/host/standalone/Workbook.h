@@ -25,8 +25,8 @@ class Workbook final : public host::Workbook {
     return selection_change_.Connect(std::move(handler));
   }
 
-  // Added sheets become the active one.
-  Ref<Worksheet> AddWorksheet();
+  // Added sheets become the active one. Without a name they get the next of "Sheet1", "Sheet2" ...
+  Ref<Worksheet> AddWorksheet(std::u16string_view name = {});
   Ref<ChartSheet> AddChartSheet();
   void ActivateSheet(const Ref<host::Worksheet>& sheet) { active_sheet_ = sheet; }
 

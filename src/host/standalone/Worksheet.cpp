@@ -139,8 +139,22 @@ void Worksheet::SetCell(int32_t row, int32_t column, std::u16string_view text) {
   if (protection_.contents) {
     Fail(u"The cell or chart you're trying to change is on a protected sheet.");
   }
-  text_.SetCell(row, column, ToUtf8(text));
+  if (loading_ && row > text_.AppendedRows()) Fail(u"This row has not been loaded yet.");
+  auto utf8 = ToUtf8(text);
+  if (utf8 != text_.Cell(row, column)) {
+    text_.SetCell(row, column, utf8);
+    changes_[{row, column}] = std::move(utf8);
+    ++edits_;
+  }
   Changed();
+}
+
+void Worksheet::SetLoading(bool loading) {
+  loading_ = loading;
+  if (loading_) return;
+  for (const auto& [cell, text] : changes_) {
+    if (text != text_.Cell(cell.row, cell.column)) text_.SetCell(cell.row, cell.column, text);
+  }
 }
 
 const FilterState& Worksheet::Filter() const {

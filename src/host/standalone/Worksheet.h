@@ -1,6 +1,7 @@
 // A sheet of cells: text, hidden rows, selection, protection and AutoFilter.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -37,7 +38,7 @@ struct FilterState {
 
 class Worksheet final : public host::Worksheet {
  public:
-  explicit Worksheet(Workbook& parent) : parent_(&parent) {}
+  Worksheet(Workbook& parent, std::u16string_view name) : parent_(&parent), name_(name) {}
   ~Worksheet() override;
 
   Ref<host::Workbook> Parent() const override;
@@ -50,10 +51,20 @@ class Worksheet final : public host::Worksheet {
   Ref<host::AutoFilter> AutoFilter() const override;
   bool ProtectScenarios() const override;
 
+  const std::u16string& Name() const { return name_; }
+  void SetName(std::u16string_view name) { name_ = name; }
+
   // Loads a row behind the last one loaded: UTF-8, one text a cell. No protection, no change mark.
   void AppendRow(std::span<const std::string_view> cells) { text_.AppendRow(cells); }
+  // Takes back the rows loaded; changes made since come back when loading is over.
+  void Clear() { text_.Clear(); }
+  // While rows are still to come, cells behind the last one can not be changed.
+  void SetLoading(bool loading);
   const CellText& Text() const { return text_; }
   const RowSet& HiddenRows() const { return hidden_; }
+  // The cells that were changed since they were loaded, with their text now. `Edits` grows with every change.
+  const std::map<Cell, std::string>& Changes() const { return changes_; }
+  uint64_t Edits() const { return edits_; }
   void Protect(const Protection& protection) { protection_ = protection; }
 
   // What a user does with the mouse: selects cells and makes the first one active.
@@ -79,7 +90,11 @@ class Worksheet final : public host::Worksheet {
   void Changed() const;
 
   Workbook* parent_;
+  std::u16string name_;
   CellText text_;
+  std::map<Cell, std::string> changes_;
+  uint64_t edits_ = 0;
+  bool loading_ = false;
   RowSet hidden_;
   uint64_t layout_ = 0;  // counts the changes of hidden_
   Protection protection_;

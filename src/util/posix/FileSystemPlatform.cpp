@@ -147,6 +147,12 @@ std::error_code SetTimes(const fs::path& file, const FileTimes& times) {
 
 std::error_code ReplaceContent(const fs::path& file, std::string_view bytes,
                                const std::function<void()>& between_steps) {
+  return ReplaceContent(
+      file, [&] { return std::exchange(bytes, {}); }, between_steps);
+}
+
+std::error_code ReplaceContent(const fs::path& file, const std::function<std::string_view()>& next_piece,
+                               const std::function<void()>& between_steps) {
   std::error_code error;
   const fs::path target = FollowLinks(file, error);
   if (error) return error;
@@ -166,7 +172,9 @@ std::error_code ReplaceContent(const fs::path& file, std::string_view bytes,
   TemporaryFile beside(folder);
   if (!beside.IsThere()) return LastError();
   between_steps();
-  if (!beside.Write(bytes)) return LastError();
+  for (std::string_view piece = next_piece(); !piece.empty(); piece = next_piece()) {
+    if (!beside.Write(piece)) return LastError();
+  }
   between_steps();
   if (is_there && !beside.TakePermissions(old)) return LastError();
   between_steps();

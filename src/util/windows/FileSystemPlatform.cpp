@@ -155,6 +155,12 @@ std::error_code SetTimes(const fs::path& file, const FileTimes& times) {
 
 std::error_code ReplaceContent(const fs::path& file, std::string_view bytes,
                                const std::function<void()>& between_steps) {
+  return ReplaceContent(
+      file, [&] { return std::exchange(bytes, {}); }, between_steps);
+}
+
+std::error_code ReplaceContent(const fs::path& file, const std::function<std::string_view()>& next_piece,
+                               const std::function<void()>& between_steps) {
   std::error_code error;
   fs::path target = file;
   if (fs::is_symlink(target, error)) target = fs::weakly_canonical(target, error);
@@ -170,7 +176,9 @@ std::error_code ReplaceContent(const fs::path& file, std::string_view bytes,
   TemporaryFile beside(target.has_parent_path() ? target.parent_path() : fs::path(L"."));
   if (!beside.IsThere()) return LastError();
   between_steps();
-  if (!beside.Write(bytes)) return LastError();
+  for (std::string_view piece = next_piece(); !piece.empty(); piece = next_piece()) {
+    if (!beside.Write(piece)) return LastError();
+  }
   between_steps();
   if (!beside.Flush()) return LastError();
   between_steps();

@@ -1,0 +1,124 @@
+// A file of one or more tables as a workbook of the sheet model: loaded in steps, edited there, saved.
+//
+//   Document document(host, path, full_name);
+//   while (document.Step()) { ... }            // as long as there is time; the sheets fill meanwhile
+//   document.Sheets()[0]->Range(u"B2")->SetValue(u"new");
+//   document.Save({});
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "CsvFile.h"
+#include "FileStamp.h"
+#include "Loader.h"
+#include "Recovery.h"
+#include "host/standalone/Application.h"
+
+namespace rowlark {
+
+// A question to the user: saving goes through once the option named here is set.
+class SaveRefused : public std::runtime_error {
+ public:
+  enum class Reason {
+    FileExists,    // SaveOptions::overwrite
+    FileChanged,   // SaveOptions::overwrite: another program has written the file since it was loaded
+    NotEncodable,  // SaveOptions::as_utf8: the file's encoding lacks a character; the message names its cell
+  };
+  SaveRefused(Reason reason, const std::string& message) : std::runtime_error(message), reason_(reason) {}
+  Reason Why() const noexcept { return reason_; }
+
+ private:
+  Reason reason_;
+};
+
+struct SaveOptions {
+  std::filesystem::path path;  // empty: Document::SavePath
+  bool overwrite = false;
+  bool as_utf8 = false;  // with a mark, instead of the file's encoding
+};
+
+class Document {
+ public:
+  // Opens a CSV file or, as far as the platform has them, a workbook (.xlsx, .ods and others), by its
+  // content. Its workbook becomes the active one of `host` under `full_name`; the first rows of a CSV file
+  // are there at once. Without `separator` that is found by itself. Throws std::runtime_error("path:
+  // reason").
+  Document(Ref<standalone::Application> host, const std::filesystem::path& path,
+           std::u16string_view full_name, std::optional<char> separator = std::nullopt);
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
+  // Closes the workbook; edits that were not saved are gone.
+  ~Document();
+
+  // Loads on for about a millisecond (a few while another process reads for us); false when there is nothing
+  // more to load. Throws std::runtime_error("path: reason"); then what has been loaded stays, as after Stop.
+  bool Step();
+  // Loads no more. What has been loaded stays; rows that have not been loaded can not be edited and are saved
+  // as they are in the file.
+  void Stop();
+  enum class State { Loading, Loaded, Stopped };
+  State LoadState() const noexcept { return state_; }
+  // How much is loaded, 0 to 1; stays 0 while that can not be told.
+  double Fraction() const;
+
+  const std::filesystem::path& Path() const noexcept { return path_; }
+  const Ref<standalone::Workbook>& Workbook() const noexcept { return workbook_; }
+  // In the order of the file; Workbook::ActivateSheet switches. Sheets of a workbook appear when it is read.
+  const std::vector<Ref<standalone::Worksheet>>& Sheets() const { return workbook_->Worksheets(); }
+  standalone::Worksheet& ActiveSheet() const;
+
+  // A row of a sheet as a record of CSV without its line end, in UTF-8: as the file has it where nothing was
+  // edited. Rows count from 1.
+  std::string RowText(const standalone::Worksheet& sheet, int32_t row);
+  std::string_view LineEnd() const;
+
+  // Whether there are edits that were not saved.
+  bool IsModified() const;
+  // Where the active sheet is saved: a CSV file in itself, a sheet of a workbook as CSV beside it.
+  std::filesystem::path SavePath() const;
+  // Whether another program has written the file since it was loaded or saved.
+  bool ChangedOnDisk() const;
+
+  // Called now and then with what is done, 0 to 1; false stops.
+  using Progress = std::function<bool(double fraction)>;
+
+  // Saves the active sheet, replacing the file as a whole or not at all. A CSV file keeps its separator,
+  // encoding and line ends, and what was not edited stays byte for byte as it was; loading that is not at its
+  // end is brought there or, if it was stopped, what is missing is copied. Other sheets are written as UTF-8
+  // with a mark. False when `progress` stopped it. Throws SaveRefused, and std::runtime_error("path:
+  // reason").
+  bool Save(const SaveOptions& options, const Progress& progress = {});
+
+  // Writes the edits that were not saved to a file of their own in that folder, which is made; nothing when
+  // there are none. Throws std::runtime_error.
+  void WriteRecovery(const std::filesystem::path& folder) const;
+  // What an earlier session left of this file, if anything; see Recovery.h.
+  std::optional<Recovery> FindRecovery(const std::filesystem::path& folder) const;
+  // Makes these edits again. The document is loaded to its end for it. Cells that are not there any more are
+  // passed over; returns how many were not.
+  std::size_t Recover(const Recovery& recovery);
+  // Forgets what lies there for this file: after saving, or when the user wants none of it.
+  void RemoveRecovery(const std::filesystem::path& folder) const;
+
+ private:
+  std::filesystem::path path_;
+  FileStamp stamp_;
+  std::unique_ptr<Loader> loader_;
+  Ref<standalone::Application> host_;
+  Ref<standalone::Workbook> workbook_;
+  State state_ = State::Loading;
+  std::vector<uint64_t> saved_edits_;  // Worksheet::Edits of each sheet when it was saved
+  bool keeps_records_ = true;          // the records of the CSV file can be read again
+  bool saved_as_utf8_ = false;         // and so its encoding is no longer the one that was loaded
+};
+
+}  // namespace rowlark

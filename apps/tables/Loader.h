@@ -1,0 +1,31 @@
+// Fills the sheets of a workbook from a file, in steps.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+#include "CsvFile.h"
+#include "host/standalone/Workbook.h"
+
+namespace rowlark {
+
+class Loader {
+ public:
+  virtual ~Loader() = default;
+
+  // Loads on for a short while; false at the end. The workbook comes with one empty sheet. Throws
+  // std::runtime_error("path: reason").
+  virtual bool Step(standalone::Workbook& workbook) = 0;
+  // How much is loaded, 0 to 1; 0 while that can not be told.
+  virtual double Fraction() const = 0;
+  // The file behind the one sheet, if it is a CSV file.
+  virtual CsvFile* Csv() noexcept { return nullptr; }
+};
+
+// The loader that the file's content asks for. Throws std::runtime_error("path: reason").
+std::unique_ptr<Loader> OpenLoader(const std::filesystem::path& path, std::optional<char> separator);
+
+std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, std::optional<char> separator);
+
+}  // namespace rowlark
