@@ -9,6 +9,8 @@ export WINEPREFIX
 # No messages of its own, no offers to download browsers; the language, and with it the ANSI code page, is fixed.
 export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" LC_ALL=C.UTF-8
 wine=/usr/lib/wine/wine64
+# Starting the system takes seconds, so it stays up for a while after a program has ended; one that is up stays.
+/usr/lib/wine/wineserver64 -p30 </dev/null >/dev/null 2>&1 || true
 
 made=$WINEPREFIX/.made
 if [ ! -e "$made" ]; then

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <ostream>
 #include <string>
 
 namespace rowlark {
@@ -22,6 +23,8 @@ struct Scope {
   HKEY root;
   const wchar_t* install;  // what DllInstall is told; null for the entry points of the machine
 };
+void PrintTo(const Scope& scope, std::ostream* out) { *out << scope.name; }
+
 const Scope kMachine{"machine", HKEY_LOCAL_MACHINE, nullptr};
 const Scope kUser{"user", HKEY_CURRENT_USER, L"user"};
 
