@@ -1,10 +1,6 @@
-#include <filesystem>
-#include <stdexcept>
-
 #include "AutomationHost.h"
 #include "Classes.h"
-#include "CsvFile.h"
-#include "util/Text.h"
+#include "Workbooks.h"
 
 namespace rowlark::workbench {
 namespace {
@@ -79,55 +75,20 @@ const std::vector<Ref<standalone::Workbook>>& Books(const Object& workbooks) {
   return workbooks.Context().Application().Workbooks();
 }
 
-Ref<standalone::Workbook> FindBook(Call& call, std::u16string_view name) {
-  for (const auto& book : Books(call.Self())) {
-    if (Compare(book->Name(), name, CompareMode::Text) == 0) return book;
-  }
-  return nullptr;
-}
-
 void ItemOfWorkbooks(Call& call) {
   if (!call.IsText(0)) return ItemOfCollection(call);
-  const auto book = FindBook(call, call.Text(0));
+  const auto book = FindWorkbook(call.Application(), call.Text(0));
   if (!book) SubscriptOutOfRange();
   call.Return(kWorkbook, book);
 }
 
 void Open(Call& call) {
-  const auto name = call.Text(0);
-  try {
-    const auto path = std::filesystem::absolute(name);
-    std::optional<char> separator;
-    if (call.Has(8)) {
-      const auto delimiter = call.Text(8);
-      if (!delimiter.empty() && delimiter.front() < 0x80) separator = static_cast<char>(delimiter.front());
-    }
-    auto file = CsvFile::Open(path, separator);
-    const auto writable = std::filesystem::status(path).permissions() & std::filesystem::perms::owner_write;
-    const bool read_only = call.Bool(2, false) || writable == std::filesystem::perms::none;
-    const auto book = call.Application().AddWorkbook(path.u16string(), read_only);
-    try {
-      file.ForEachRow(
-          [&](std::span<const std::string_view> cells) { book->Worksheets().front()->AppendRow(cells); },
-          [&] { book->Worksheets().front()->Clear(); });
-    } catch (...) {
-      call.Application().Close(book);
-      throw;
-    }
-    call.Return(kWorkbook, book);
-  } catch (const std::runtime_error&) {
-    throw host::Error(
-        1004, u"Sorry, we couldn't find " + name + u". Is it possible it was moved, renamed or deleted?");
+  std::optional<char> separator;
+  if (call.Has(8)) {
+    const auto delimiter = call.Text(8);
+    if (!delimiter.empty() && delimiter.front() < 0x80) separator = static_cast<char>(delimiter.front());
   }
-}
-
-void AddBook(Call& call) {
-  std::u16string name;
-  int32_t number = 0;
-  do {
-    name = u"Book" + ToText(++number);
-  } while (FindBook(call, name));
-  call.Return(kWorkbook, call.Application().AddWorkbook(name));
+  call.Return(kWorkbook, OpenWorkbook(call.Application(), call.Text(0), separator, call.Bool(2, false)));
 }
 
 constexpr Member kWorkbooksMembers[] = {
@@ -135,7 +96,7 @@ constexpr Member kWorkbooksMembers[] = {
     Get(u"Count", CountOfCollection),
     Get(u"Application", ReturnApplication),
     Get(u"Parent", ReturnApplication),
-    Method(u"Add([Template])", AddBook),
+    Method(u"Add([Template])", [](Call& call) { call.Return(kWorkbook, NewWorkbook(call.Application())); }),
     Method(u"Open(Filename, [UpdateLinks], [ReadOnly], [Format], [Password], [WriteResPassword], "
            u"[IgnoreReadOnlyRecommended], [Origin], [Delimiter], [Editable], [Notify], [Converter], "
            u"[AddToMru], [Local], [CorruptLoad])",
@@ -158,8 +119,9 @@ const Class kWorkbooks{
 void ReturnApplication(Call& call) { call.Return(kApplication, &call.Application()); }
 
 automation::ComPtr<IDispatch> ExposeApplication(const Ref<standalone::Application>& application,
-                                                std::shared_ptr<void> lifetime) {
-  const auto session = MakeRef<Session>(application, std::move(lifetime));
+                                                std::shared_ptr<void> lifetime,
+                                                std::function<void()> changed) {
+  const auto session = MakeRef<Session>(application, std::move(lifetime), std::move(changed));
   return session->Expose(kApplication, application).get();
 }
 

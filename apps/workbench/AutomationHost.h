@@ -18,6 +18,7 @@
 //   RunKey(Key)            the macro that OnKey has assigned to a key, "" without one
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include <oaidl.h>
@@ -28,9 +29,16 @@
 
 namespace rowlark::workbench {
 
+// The class of the Application object, and its name.
+inline constexpr CLSID kApplicationClass = {
+    0x3d8f6c1a, 0x52b7, 0x4e0d, {0x8b, 0x6e, 0x27, 0x94, 0xd1, 0x5c, 0x0f, 0xa3}};
+inline constexpr wchar_t kApplicationProgId[] = L"vtrlk_workbench.Application";
+
 // The Application object. It and every object reached through it keep the model alive; all belong to the
-// thread that made them. `lifetime` is dropped when the last of them goes. Throws std::bad_alloc.
+// thread that made them. `lifetime` is dropped when the last of them goes. `changed` is called after
+// every call that may have changed the model. Throws std::bad_alloc.
 automation::ComPtr<IDispatch> ExposeApplication(const Ref<standalone::Application>& application,
-                                                std::shared_ptr<void> lifetime = nullptr);
+                                                std::shared_ptr<void> lifetime = nullptr,
+                                                std::function<void()> changed = {});
 
 }  // namespace rowlark::workbench

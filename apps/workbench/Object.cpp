@@ -154,6 +154,9 @@ HRESULT Object::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* para
         if (FAILED(admitted)) return admitted;
       }
       Run(*member, flags, *parameters, call);
+      if (member->method != nullptr || (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
+        session_->Changed();
+      }
     }
     if (result != nullptr) *result = call.Result().Detach();
     return S_OK;

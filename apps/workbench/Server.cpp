@@ -13,9 +13,7 @@
 namespace rowlark::workbench {
 namespace {
 
-constexpr CLSID kClass = {0x3d8f6c1a, 0x52b7, 0x4e0d, {0x8b, 0x6e, 0x27, 0x94, 0xd1, 0x5c, 0x0f, 0xa3}};
 constexpr wchar_t kClassKey[] = L"Software\\Classes\\CLSID\\{3D8F6C1A-52B7-4E0D-8B6E-2794D15C0FA3}";
-constexpr wchar_t kProgId[] = L"vtrlk_workbench.Application";
 constexpr wchar_t kProgIdKey[] = L"Software\\Classes\\vtrlk_workbench.Application";
 
 // What COM forces to be one per library.
@@ -59,7 +57,7 @@ HRESULT Register() {
       SetText(class_key, nullptr, L"Rowlark Workbench Application") &&
       SetText(class_key + L"\\InprocServer32", nullptr, path) &&
       SetText(class_key + L"\\InprocServer32", L"ThreadingModel", L"Apartment") &&
-      SetText(class_key + L"\\ProgID", nullptr, kProgId) &&
+      SetText(class_key + L"\\ProgID", nullptr, kApplicationProgId) &&
       SetText(std::wstring(kProgIdKey) + L"\\CLSID", nullptr, class_key.substr(class_key.find(L'{')));
   if (done) return S_OK;
   Unregister();
@@ -82,7 +80,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void*) {
 extern "C" HRESULT WINAPI DllGetClassObject(REFCLSID class_id, REFIID iid, void** object) {
   if (object == nullptr) return E_POINTER;
   *object = nullptr;
-  if (class_id != kClass) return CLASS_E_CLASSNOTAVAILABLE;
+  if (class_id != kApplicationClass) return CLASS_E_CLASSNOTAVAILABLE;
   return rowlark::automation::GetClassFactory(module.locks, Create, iid, object);
 }
 

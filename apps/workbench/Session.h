@@ -1,6 +1,7 @@
 // What all objects of an exposed application share.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -18,9 +19,10 @@ namespace rowlark::workbench {
 
 class Session final : public RefCounted {
  public:
-  // `lifetime` goes with the last object.
-  Session(Ref<standalone::Application> application, std::shared_ptr<void> lifetime)
-      : lifetime_(std::move(lifetime)), application_(std::move(application)) {
+  // `lifetime` goes with the last object; `changed` may be empty.
+  Session(Ref<standalone::Application> application, std::shared_ptr<void> lifetime,
+          std::function<void()> changed)
+      : lifetime_(std::move(lifetime)), changed_(std::move(changed)), application_(std::move(application)) {
     try {
       version_ = std::stoi(std::string(application_->Version().begin(), application_->Version().end()));
     } catch (const std::exception&) {
@@ -43,6 +45,11 @@ class Session final : public RefCounted {
   }
   void CountNames() {
     if (counting_) ++names_;
+  }
+
+  // A client has set a property or called a method.
+  void Changed() const {
+    if (changed_) changed_();
   }
 
   bool Counting() const { return counting_; }
@@ -72,6 +79,7 @@ class Session final : public RefCounted {
   std::map<std::u16string, int64_t> NamedCounts() const;
 
   std::shared_ptr<void> lifetime_;
+  std::function<void()> changed_;
   Ref<standalone::Application> application_;
   int32_t version_ = 0;
   std::unordered_map<const RefCounted*, Object*> objects_;  // those with identity; not counted

@@ -14,6 +14,15 @@
 
 namespace rowlark::standalone {
 
+// The main window of the program that shows the sheets; position and size in points.
+struct MainWindow {
+  intptr_t handle = 1;
+  double left = 0;
+  double top = 0;
+  double width = 960;
+  double height = 540;
+};
+
 class Application final : public host::Application {
  public:
   explicit Application(std::u16string_view version = u"16.0") : version_(version) {}
@@ -30,11 +39,11 @@ class Application final : public host::Application {
   bool EnableAnimations() const override { return enable_animations_; }
   void SetEnableAnimations(bool on) override { enable_animations_ = on; }
   std::u16string Version() const override { return version_; }
-  intptr_t Hwnd() const override { return 1; }
-  double Left() const override { return 0; }
-  double Top() const override { return 0; }
-  double Width() const override { return 960; }
-  double Height() const override { return 540; }
+  intptr_t Hwnd() const override { return window_.handle; }
+  double Left() const override { return window_.left; }
+  double Top() const override { return window_.top; }
+  double Width() const override { return window_.width; }
+  double Height() const override { return window_.height; }
   Ref<host::CommandBar> CommandBars(std::u16string_view name) const override;
   void OnKey(std::u16string_view key, std::optional<std::u16string_view> macro) override;
 
@@ -46,6 +55,9 @@ class Application final : public host::Application {
 
   // Those that are open, the active one last.
   const std::vector<Ref<Workbook>>& Workbooks() const { return workbooks_; }
+
+  // A program without a window leaves it as it is.
+  void SetWindow(const MainWindow& window) { window_ = window; }
 
   // Hotkeys in force: key code to macro.
   const std::map<std::u16string, std::u16string>& Keys() const { return keys_; }
@@ -59,6 +71,7 @@ class Application final : public host::Application {
   Ref<Worksheet> ActiveCells() const;
 
   std::u16string version_;
+  MainWindow window_;
   std::vector<Ref<Workbook>> workbooks_;  // the active one is the last
   bool screen_updating_ = true;
   bool enable_events_ = true;

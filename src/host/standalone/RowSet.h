@@ -48,6 +48,19 @@ class RowSet {
     return last + 1;
   }
 
+  // The last row from `row` back to `first` that is in the set (or out of it); first - 1 when there is none.
+  int32_t Previous(int32_t row, int32_t first, bool in) const {
+    if (words_.empty()) return in ? first - 1 : row;
+    for (auto word = Word(row); row >= first; --word) {
+      uint64_t bits = in ? words_[word] : ~words_[word];
+      bits &= ~uint64_t{0} >> (63 - (row & 63));
+      row = static_cast<int32_t>(word * 64);
+      if (bits != 0) return std::max(row + 63 - std::countl_zero(bits), first - 1);
+      --row;
+    }
+    return first - 1;
+  }
+
  private:
   static std::size_t Word(int32_t row) { return static_cast<std::size_t>(row) / 64; }
 

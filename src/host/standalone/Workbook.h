@@ -18,6 +18,7 @@ class Workbook final : public host::Workbook {
   std::u16string Name() const override;
   std::u16string FullName() const override { return full_name_; }
   bool ReadOnly() const override { return read_only_; }
+  void SetReadOnly(bool read_only) { read_only_ = read_only; }
   bool Saved() const override { return saved_; }
   void SetSaved(bool saved) override { saved_ = saved; }
   Ref<host::Worksheet> ActiveSheet() const override { return active_sheet_; }

@@ -1,0 +1,144 @@
+#include "AddIn.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include <windows.h>
+
+#include "automation/Variant.h"
+#include "host/Error.h"
+
+namespace rowlark::workbench {
+namespace {
+
+using automation::ComPtr;
+using automation::Variant;
+using windows::Dispatch;
+using windows::Member;
+
+constexpr wchar_t kTitle[] = L"Vantrel Rowlark";
+
+struct Macro {
+  std::u16string_view name;
+  const wchar_t* operation;  // of the runtime object
+};
+
+constexpr std::u16string_view kShowSearch = u"VantrelRLK_ShowSearch";
+constexpr std::u16string_view kUnhide = u"VantrelRLK_Unhide";
+
+// Those that forward to one operation without arguments.
+constexpr Macro kMacros[] = {
+    {kShowSearch, L"ShowSearch"},          {u"VantrelRLK_ShowOptions", L"ShowOptions"},
+    {u"VantrelRLK_CallHelp", L"CallHelp"}, {u"VantrelRLK_CallTechSupport", L"CallTechSupport"},
+    {u"VantrelRLK_ShowAbout", L"About"},
+};
+
+Dispatch CreateRuntime() {
+  CLSID id;
+  if (FAILED(CLSIDFromProgID(L"vtrlk_runtime.clsVTRLKRuntime", &id))) {
+    throw host::Error(429,
+                      u"The add-in's library is not registered, so there is only the sheet.\n\n"
+                      u"To register it, run as an administrator: regsvr32 vtrlk_runtime.dll");
+  }
+  ComPtr<IDispatch> runtime;
+  const HRESULT result = CoCreateInstance(id, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                                          reinterpret_cast<void**>(runtime.Put()));
+  if (FAILED(result)) windows::ThrowError(result);
+  return Dispatch(std::move(runtime));
+}
+
+void Call(const Dispatch& object, const wchar_t* operation) {
+  Member member(operation);
+  object.Call(member);
+}
+
+void Put(const Dispatch& object, const wchar_t* property, const Variant& value) {
+  Member member(property);
+  object.Put(member, value);
+}
+
+// Goes on whatever happens.
+template <class Step>
+void Attempt(Step step) noexcept {
+  try {
+    step();
+  } catch (...) {  // NOLINT(bugprone-empty-catch): the next step must not suffer
+  }
+}
+
+}  // namespace
+
+void AddIn::Open() {
+  runtime_ = CreateRuntime();
+  try {
+    Put(runtime_, L"ExcelApp", application_.get());
+    Call(runtime_, L"Init");
+    Call(runtime_, L"MenuCreate");
+    AssignKeys(runtime_, true);
+  } catch (...) {
+    runtime_ = {};
+    throw;
+  }
+}
+
+void AddIn::Close() noexcept {
+  if (!runtime_) return;
+  const Dispatch runtime = std::exchange(runtime_, {});
+  Attempt([&] { AssignKeys(runtime, false); });
+  Attempt([&] { Call(runtime, L"MenuRemove"); });
+  Attempt([&] { Call(runtime, L"DoStop"); });
+  Attempt([&] { Put(runtime, L"ExcelApp", static_cast<IDispatch*>(nullptr)); });
+}
+
+void AddIn::Run(std::u16string_view macro) {
+  if (!runtime_) return;
+  if (macro == kUnhide) return Unhide();
+  const auto found = std::ranges::find(kMacros, macro, &Macro::name);
+  if (found == std::end(kMacros)) return;
+  const Dispatch keep = runtime_;  // the program may be closed meanwhile
+  Call(keep, found->operation);
+}
+
+void AddIn::Unhide() {
+  Member unhide(L"Unhide");
+  Variant reason(u"");
+  VARIANT by_reference{};
+  by_reference.vt = VT_BYREF | VT_VARIANT;
+  by_reference.pvarVal = &reason;
+  Variant arguments[2];
+  static_cast<VARIANT&>(arguments[0]) = by_reference;
+  arguments[1] = false;
+  const Dispatch keep = runtime_;
+  DISPPARAMS parameters{arguments, nullptr, 2, 0};
+  Variant done;
+  EXCEPINFO exception{};
+  const HRESULT result = keep.get()->Invoke(unhide.Id(*keep.get()), IID_NULL, LOCALE_USER_DEFAULT,
+                                            DISPATCH_METHOD, &parameters, &done, &exception, nullptr);
+  if (FAILED(result)) windows::ThrowError(result, &exception);
+  if (done.vt == VT_BOOL && done.boolVal == VARIANT_FALSE && reason.vt == VT_BSTR &&
+      SysStringLen(reason.bstrVal) > 0) {
+    MessageBoxW(GetActiveWindow(), reason.bstrVal, kTitle, MB_OK | MB_ICONEXCLAMATION);
+  }
+}
+
+void AddIn::AssignKeys(const Dispatch& runtime, bool assign) {
+  Member items_member(L"Items");
+  Member search(L"HotKeySearch");
+  Member unhide(L"HotKeyUnhide");
+  const Dispatch items = runtime.Object(items_member);
+  AssignKey(items.Text(search), assign ? kShowSearch : u"");
+  AssignKey(items.Text(unhide), assign ? kUnhide : u"");
+}
+
+// Without a macro the key means again what it means to the host.
+void AddIn::AssignKey(std::u16string_view key, std::u16string_view macro) {
+  if (key.empty()) return;
+  if (macro.empty()) {
+    application_.Call(on_key_, key);
+  } else {
+    application_.Call(on_key_, key, macro);
+  }
+}
+
+}  // namespace rowlark::workbench

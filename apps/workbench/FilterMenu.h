@@ -1,0 +1,14 @@
+// The menu of a filter button: simple criteria for one column.
+#pragma once
+
+#include <windows.h>
+
+#include "host/standalone/Worksheet.h"
+
+namespace rowlark::workbench {
+
+// Shows the menu at that place of the screen and applies what the user picks. The column (counted in the
+// sheet) has a filter. Throws host::Error.
+void ShowFilterMenu(HWND owner, standalone::Worksheet& sheet, int32_t column, POINT where);
+
+}  // namespace rowlark::workbench

@@ -1,0 +1,367 @@
+#include "GridWindow.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include <windowsx.h>
+
+#include "GridPainter.h"
+#include "automation/Variant.h"
+#include "util/Utf.h"
+
+namespace rowlark::workbench {
+namespace {
+
+using standalone::kMaxColumn;
+using standalone::kMaxRow;
+using standalone::Rect;
+using Part = GridView::Part;
+
+constexpr UINT_PTR kDragTimer = 1;
+constexpr UINT kDragInterval = 40;  // milliseconds between steps of scrolling beyond the edge
+
+bool IsDown(int key) { return GetKeyState(key) < 0; }
+
+class MemoryDC {
+ public:
+  MemoryDC(HDC like, HBITMAP bitmap)
+      : handle_(CreateCompatibleDC(like)), old_(SelectObject(handle_, bitmap)) {}
+  MemoryDC(const MemoryDC&) = delete;
+  MemoryDC& operator=(const MemoryDC&) = delete;
+  ~MemoryDC() {
+    SelectObject(handle_, old_);
+    DeleteDC(handle_);
+  }
+  operator HDC() const { return handle_; }
+
+ private:
+  HDC handle_;
+  HGDIOBJ old_;
+};
+
+}  // namespace
+
+GridWindow::GridWindow(HWND parent, Callbacks callbacks) : callbacks_(std::move(callbacks)) {
+  WNDCLASSEXW window_class{};
+  window_class.lpszClassName = L"RowlarkGrid";
+  window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+  if (Create(window_class, L"Sheet", WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_HSCROLL | WS_VSCROLL,
+             {0, 0, 0, 0}, parent) == nullptr) {
+    throw std::runtime_error("The window of the sheet can not be made.");
+  }
+}
+
+void GridWindow::Show(GridView* view) {
+  view_ = view;
+  Resize();
+  Redraw();
+}
+
+void GridWindow::SetFont(HFONT font) {
+  font_ = font;
+  const HDC screen = GetDC(Hwnd());
+  const auto old = SelectObject(screen, font);
+  TEXTMETRICW text{};
+  GetTextMetricsW(screen, &text);
+  SIZE digit{};
+  GetTextExtentPoint32W(screen, L"0", 1, &digit);
+  SelectObject(screen, old);
+  ReleaseDC(Hwnd(), screen);
+  metrics_ = {static_cast<int>(text.tmHeight + text.tmHeight / 3 + 1), static_cast<int>(digit.cx)};
+  Resize();
+}
+
+int GridWindow::TextWidth(std::string_view text) const {
+  const auto wide = ToUtf16(text);
+  const HDC screen = GetDC(Hwnd());
+  const auto old = SelectObject(screen, font_);
+  SIZE extent{};
+  GetTextExtentPoint32W(screen, automation::Wide(wide.data()), static_cast<int>(wide.size()), &extent);
+  SelectObject(screen, old);
+  ReleaseDC(Hwnd(), screen);
+  return static_cast<int>(extent.cx);
+}
+
+void GridWindow::Redraw() {
+  UpdateScrollBars();
+  InvalidateRect(Hwnd(), nullptr, FALSE);
+}
+
+void GridWindow::Resize() {
+  RECT client;
+  GetClientRect(Hwnd(), &client);
+  if (view_ != nullptr)
+    view_->Resize(static_cast<int>(client.right), static_cast<int>(client.bottom), metrics_);
+  UpdateScrollBars();
+}
+
+// The bars count in rows and columns; they reach one page beyond what is in use, or as far as the user went.
+void GridWindow::UpdateScrollBars() {
+  if (view_ == nullptr) return;
+  const auto used = view_->Sheet().Text().Used().value_or(Rect{});
+  const auto set = [this](int bar, int32_t used_last, int32_t first, int32_t last, int32_t most) {
+    SCROLLINFO info{sizeof info, SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL, 1, 0, 0, first, 0};
+    info.nPage = static_cast<UINT>(last - first + 1);
+    info.nMax = std::min(std::max(used_last, first) + (last - first), most);
+    SetScrollInfo(Hwnd(), bar, &info, TRUE);
+  };
+  set(SB_VERT, used.last_row, view_->TopRow(), view_->TopRow() + view_->PageRows() - 1, kMaxRow);
+  set(SB_HORZ, used.last_column, view_->LeftColumn(), view_->Columns().back().index, kMaxColumn);
+}
+
+// While the picture is frozen, the last one is shown.
+void GridWindow::Paint() {
+  PAINTSTRUCT paint;
+  const HDC screen = BeginPaint(Hwnd(), &paint);
+  RECT client;
+  GetClientRect(Hwnd(), &client);
+  const SIZE size{client.right, client.bottom};
+  const bool new_size = !picture_ || size.cx != picture_size_.cx || size.cy != picture_size_.cy;
+  if (new_size) {
+    picture_.reset(CreateCompatibleBitmap(screen, size.cx, size.cy));
+    picture_size_ = size;
+  }
+  {
+    const MemoryDC picture(screen, picture_.get());
+    if (view_ != nullptr && (new_size || !callbacks_.frozen())) PaintGrid(picture, size, font_, *view_);
+    BitBlt(screen, 0, 0, size.cx, size.cy, picture, 0, 0, SRCCOPY);
+  }
+  EndPaint(Hwnd(), &paint);
+}
+
+void GridWindow::Scroll(bool vertical, WORD request) {
+  SCROLLINFO info{};
+  info.cbSize = sizeof info;
+  info.fMask = SIF_ALL;
+  GetScrollInfo(Hwnd(), vertical ? SB_VERT : SB_HORZ, &info);
+  const auto scroll = [&](int32_t count) {
+    vertical ? view_->ScrollRows(count) : view_->ScrollToColumn(view_->LeftColumn() + count);
+  };
+  const auto page = static_cast<int32_t>(info.nPage);
+  switch (request) {
+    case SB_LINEUP:
+      scroll(-1);
+      break;
+    case SB_LINEDOWN:
+      scroll(1);
+      break;
+    case SB_PAGEUP:
+      scroll(-page);
+      break;
+    case SB_PAGEDOWN:
+      scroll(page);
+      break;
+    case SB_THUMBTRACK:
+    case SB_THUMBPOSITION:
+      vertical ? view_->ScrollToRow(info.nTrackPos) : view_->ScrollToColumn(info.nTrackPos);
+      break;
+    default:
+      return;
+  }
+  Redraw();
+}
+
+void GridWindow::Wheel(int delta, bool horizontal) {
+  wheel_ += delta;
+  const int notches = wheel_ / WHEEL_DELTA;
+  wheel_ %= WHEEL_DELTA;
+  UINT lines = 3;
+  SystemParametersInfoW(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
+  if (lines == WHEEL_PAGESCROLL) lines = static_cast<UINT>(view_->PageRows());
+  if (horizontal) {
+    view_->ScrollToColumn(view_->LeftColumn() + notches);
+  } else {
+    view_->ScrollRows(-notches * static_cast<int>(lines));
+  }
+  Redraw();
+}
+
+void GridWindow::ButtonDown(int x, int y, bool extend) {
+  SetFocus(Hwnd());
+  auto& sheet = view_->Sheet();
+  const auto [part, place] = view_->HitTest(x, y);
+  if (part == Part::FilterArrow) {
+    const auto box = view_->FilterArrow(place.column);
+    POINT where{box->left, box->bottom};
+    ClientToScreen(Hwnd(), &where);
+    return callbacks_.filter(place.column, where);
+  }
+  if (part == Part::Corner) {
+    SelectArea(sheet, {1, 1, kMaxRow, kMaxColumn}, place);
+    return callbacks_.selected();
+  }
+  mouse_ = {x, y};
+  dragged_ = part;
+  SetCapture(Hwnd());
+  SetTimer(Hwnd(), kDragTimer, kDragInterval, nullptr);
+  if (extend) return DragSelection();
+  if (part == Part::RowHeader) {
+    SelectArea(sheet, {place.row, 1, place.row, kMaxColumn}, {place.row, view_->LeftColumn()});
+  } else if (part == Part::ColumnHeader) {
+    SelectArea(sheet, {1, place.column, kMaxRow, place.column}, {view_->Rows().front().index, place.column});
+  } else {
+    MoveTo(sheet, place);
+    view_->Reveal(place);
+  }
+  callbacks_.selected();
+}
+
+void GridWindow::Drag(int x, int y) {
+  mouse_ = {x, y};
+  DragSelection();
+}
+
+void GridWindow::DragSelection() {
+  auto& sheet = view_->Sheet();
+  const Rect active = sheet.ActiveCell();
+  const auto place = view_->HitTest(static_cast<int>(mouse_.x), static_cast<int>(mouse_.y)).place;
+  Rect area = Join(active, {place.row, place.column, place.row, place.column});
+  if (dragged_ == Part::RowHeader) {
+    area.first_column = 1;
+    area.last_column = kMaxColumn;
+  } else if (dragged_ == Part::ColumnHeader) {
+    area.first_row = 1;
+    area.last_row = kMaxRow;
+  }
+  if (sheet.Selection().size() == 1 && sheet.Selection().front() == area) return;
+  SelectArea(sheet, area, {active.first_row, active.first_column});
+  callbacks_.selected();
+}
+
+void GridWindow::Go(Place to, bool extend) {
+  auto& sheet = view_->Sheet();
+  if (extend) {
+    ExtendTo(sheet, to);
+  } else {
+    MoveTo(sheet, to);
+  }
+  // Of whole rows and columns the far end is of no interest.
+  const Rect& area = sheet.Selection().front();
+  if (area.Rows() < kMaxRow) view_->RevealRow(to.row);
+  if (area.Columns() < kMaxColumn) view_->RevealColumn(to.column);
+  callbacks_.selected();
+}
+
+bool GridWindow::KeyDown(int32_t key) {
+  if (callbacks_.key(key)) return true;
+  auto& sheet = view_->Sheet();
+  const bool control = IsDown(VK_CONTROL);
+  const bool shift = IsDown(VK_SHIFT);
+  const Rect active = sheet.ActiveCell();
+  const Place cell{active.first_row, active.first_column};
+  const Place from = shift ? MovingCorner(sheet) : cell;
+  const auto go = [&](Direction direction) {
+    Go(control ? StepToEdge(sheet, from, direction) : Step(sheet, from, direction), shift);
+    return true;
+  };
+  const auto page = [&](int32_t pages) {
+    const int32_t rows = pages * std::max(view_->PageRows() - 1, 1);
+    view_->ScrollRows(rows);
+    Go({StepRows(sheet, from.row, rows), from.column}, shift);
+    return true;
+  };
+  switch (key) {
+    case VK_UP:
+      return go(Direction::Up);
+    case VK_DOWN:
+      return go(Direction::Down);
+    case VK_LEFT:
+      return go(Direction::Left);
+    case VK_RIGHT:
+      return go(Direction::Right);
+    case VK_PRIOR:
+      return page(-1);
+    case VK_NEXT:
+      return page(1);
+    case VK_HOME:
+      Go({control ? sheet.HiddenRows().Next(1, kMaxRow, false) : from.row, 1}, shift);
+      return true;
+    case VK_END:
+      if (!control) return false;
+      Go(LastUsed(sheet), shift);
+      return true;
+    case VK_RETURN:
+      Go(Step(sheet, cell, shift ? Direction::Up : Direction::Down), false);
+      return true;
+    case VK_TAB:
+      Go(Step(sheet, cell, shift ? Direction::Left : Direction::Right), false);
+      return true;
+    case 'A':
+      if (!control) return false;
+      SelectArea(sheet, {1, 1, kMaxRow, kMaxColumn}, cell);
+      callbacks_.selected();
+      return true;
+    case VK_F2:
+      callbacks_.edit(ToUtf16(sheet.Text().Cell(cell.row, cell.column)));
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool GridWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
+  switch (message) {
+    case WM_ERASEBKGND:
+      result = 1;
+      return true;
+    case WM_PAINT:
+      Paint();
+      return true;
+    case WM_SIZE:
+      Resize();
+      return true;
+    case WM_GETDLGCODE:
+      result = DLGC_WANTALLKEYS;
+      return true;
+    default:
+      break;
+  }
+  if (view_ == nullptr) return false;
+  switch (message) {
+    case WM_VSCROLL:
+    case WM_HSCROLL:
+      Scroll(message == WM_VSCROLL, LOWORD(wparam));
+      return true;
+    case WM_MOUSEWHEEL:
+    case WM_MOUSEHWHEEL:
+      Wheel(GET_WHEEL_DELTA_WPARAM(wparam), message == WM_MOUSEHWHEEL);
+      return true;
+    case WM_LBUTTONDOWN:
+      ButtonDown(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam), (wparam & MK_SHIFT) != 0);
+      return true;
+    case WM_MOUSEMOVE:
+      if (dragged_ != Part::Corner) Drag(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam));
+      return true;
+    case WM_TIMER: {  // the mouse is held beyond an edge
+      RECT client;
+      GetClientRect(Hwnd(), &client);
+      if (mouse_.y >= client.bottom) view_->ScrollRows(1);
+      if (mouse_.y < view_->HeaderHeight() && dragged_ != Part::ColumnHeader) view_->ScrollRows(-1);
+      if (mouse_.x >= client.right) view_->ScrollToColumn(view_->LeftColumn() + 1);
+      if (mouse_.x < view_->HeaderWidth() && dragged_ != Part::RowHeader)
+        view_->ScrollToColumn(view_->LeftColumn() - 1);
+      DragSelection();
+      Redraw();
+      return true;
+    }
+    case WM_LBUTTONUP:
+      ReleaseCapture();
+      return true;
+    case WM_CAPTURECHANGED:
+      dragged_ = Part::Corner;
+      KillTimer(Hwnd(), kDragTimer);
+      return true;
+    case WM_KEYDOWN:
+      return KeyDown(static_cast<int32_t>(wparam));
+    case WM_SYSKEYDOWN:  // with Alt: hotkeys alone
+      return callbacks_.key(static_cast<int32_t>(wparam));
+    case WM_CHAR:
+      if (wparam < ' ' || IsDown(VK_CONTROL)) return true;
+      callbacks_.edit(std::u16string(1, static_cast<char16_t>(wparam)));
+      return true;
+    default:
+      return false;
+  }
+}
+
+}  // namespace rowlark::workbench

@@ -1,0 +1,58 @@
+// The sheet on the screen: draws it, scrolls it, and selects what the user points at.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "GridView.h"
+#include "Window.h"
+
+namespace rowlark::workbench {
+
+class GridWindow final : public Window {
+ public:
+  // What the window leaves to others.
+  struct Callbacks {
+    std::function<void()> selected;                      // after the user has selected something
+    std::function<bool(int32_t key)> key;                // before the sheet's own keys; true when it was used
+    std::function<void(std::u16string_view text)> edit;  // the user begins to type into the active cell
+    std::function<void(int32_t column, POINT where)>
+        filter;                    // a filter button was pressed; screen coordinates
+    std::function<bool()> frozen;  // whether the picture must stay as it is
+  };
+
+  // Throws std::runtime_error.
+  GridWindow(HWND parent, Callbacks callbacks);
+  // The view must outlive the window or be replaced; null shows nothing.
+  void Show(GridView* view);
+  void SetFont(HFONT font);
+  // The sheet has changed.
+  void Redraw();
+  int TextWidth(std::string_view text) const;
+  const GridMetrics& Metrics() const { return metrics_; }
+
+ private:
+  bool OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) override;
+  void Paint();
+  void Resize();
+  void UpdateScrollBars();
+  void Scroll(bool vertical, WORD request);
+  void Wheel(int delta, bool horizontal);
+  void ButtonDown(int x, int y, bool extend);
+  void Drag(int x, int y);
+  void DragSelection();
+  bool KeyDown(int32_t key);
+  void Go(Place to, bool extend);
+
+  Callbacks callbacks_;
+  GridView* view_ = nullptr;
+  HFONT font_ = nullptr;
+  GridMetrics metrics_;
+  GdiPtr<HBITMAP> picture_;  // what was drawn last
+  SIZE picture_size_{};
+  GridView::Part dragged_ = GridView::Part::Corner;  // Corner: nothing is dragged
+  POINT mouse_{};
+  int wheel_ = 0;  // turns below one notch
+};
+
+}  // namespace rowlark::workbench

@@ -1,0 +1,61 @@
+#include "Window.h"
+
+#include <exception>
+#include <string>
+
+#include "automation/Variant.h"
+#include "host/Error.h"
+#include "util/Utf.h"
+
+namespace rowlark::workbench {
+
+HWND Window::Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style, const RECT& place,
+                    HWND parent) {
+  window_class.cbSize = sizeof window_class;
+  window_class.hInstance = GetModuleHandleW(nullptr);
+  window_class.lpfnWndProc = Procedure;
+  RegisterClassExW(&window_class);
+  CreateWindowExW(0, window_class.lpszClassName, title, style, place.left, place.top,
+                  place.right - place.left, place.bottom - place.top, parent, nullptr, window_class.hInstance,
+                  this);
+  return handle_;
+}
+
+LRESULT CALLBACK Window::Procedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
+  if (message == WM_NCCREATE) {
+    auto* window = static_cast<Window*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);
+    window->handle_ = handle;
+    SetWindowLongPtrW(handle, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(window));
+  }
+  auto* window = reinterpret_cast<Window*>(GetWindowLongPtrW(handle, GWLP_USERDATA));
+  if (window == nullptr) return DefWindowProcW(handle, message, wparam, lparam);
+  LRESULT result = 0;
+  bool handled = false;
+  try {
+    handled = window->OnMessage(message, wparam, lparam, result);
+  } catch (...) {
+    ReportFailure(handle);
+    handled = true;
+  }
+  if (message == WM_NCDESTROY) {
+    SetWindowLongPtrW(handle, GWLP_USERDATA, 0);
+    window->handle_ = nullptr;
+  }
+  return handled ? result : DefWindowProcW(handle, message, wparam, lparam);
+}
+
+void ReportFailure(HWND owner) noexcept {
+  const auto show = [owner](std::u16string_view text) {
+    MessageBoxW(GetAncestor(owner, GA_ROOT), std::wstring(text.begin(), text.end()).c_str(),
+                L"Rowlark Workbench", MB_OK | MB_ICONEXCLAMATION);
+  };
+  try {
+    throw;
+  } catch (const host::Error& error) {
+    show(error.Description());
+  } catch (const std::exception& error) {
+    show(ToUtf16(error.what()));
+  }
+}
+
+}  // namespace rowlark::workbench

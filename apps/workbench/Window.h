@@ -1,0 +1,44 @@
+// A window whose messages go to an object, and small owners of Win32 resources.
+#pragma once
+
+#include <memory>
+#include <type_traits>
+
+#include <windows.h>
+
+namespace rowlark::workbench {
+
+struct ObjectDeleter {
+  void operator()(HGDIOBJ object) const { DeleteObject(object); }
+};
+template <class Handle>
+using GdiPtr = std::unique_ptr<std::remove_pointer_t<Handle>, ObjectDeleter>;
+
+class Window {
+ public:
+  Window() = default;
+  Window(const Window&) = delete;
+  Window& operator=(const Window&) = delete;
+  virtual ~Window() {
+    if (handle_ != nullptr) DestroyWindow(handle_);
+  }
+
+  HWND Hwnd() const { return handle_; }
+
+ protected:
+  // Registers the class when it is new, and makes a window of it. Null when the system refuses.
+  HWND Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style, const RECT& place, HWND parent);
+
+  // Nothing: the message is the system's. May throw; the user is told.
+  virtual bool OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) = 0;
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
+
+  HWND handle_ = nullptr;
+};
+
+// Tells of the exception that is being handled.
+void ReportFailure(HWND owner) noexcept;
+
+}  // namespace rowlark::workbench
