@@ -16,7 +16,13 @@ made=$WINEPREFIX/.made
 if [ ! -e "$made" ]; then
   (
     flock 9
-    [ -e "$made" ] || { "$wine" wineboot -i >"$WINEPREFIX/wineboot.log" 2>&1 && touch "$made"; }
+    [ -e "$made" ] || {
+      "$wine" wineboot -i >"$WINEPREFIX/wineboot.log" 2>&1
+      # That session runs the service manager twice, which then starts no services; the next one is sound.
+      "${wine%64}server" -k
+      cp /usr/share/wine/fonts/marlett.ttf "$WINEPREFIX/drive_c/windows/Fonts" # marks and arrows
+      touch "$made"
+    }
   ) 9>"$WINEPREFIX/.lock"
 fi
 exec "$wine" "$@"

@@ -1,9 +1,9 @@
 #include "GridPainter.h"
 
 #include <algorithm>
+#include <charconv>
 #include <string>
 
-#include "Values.h"
 #include "automation/Variant.h"
 #include "util/Text.h"
 #include "util/Utf.h"
@@ -21,6 +21,15 @@ COLORREF Blend(COLORREF from, COLORREF into, int share) {
              mix(GetBValue(from), GetBValue(into)));
 }
 
+// Of the numbers of rows among which some are hidden.
+COLORREF FilteredColour() {
+  HIGHCONTRASTW contrast{};
+  contrast.cbSize = sizeof contrast;
+  const bool high = SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof contrast, &contrast, 0) != 0 &&
+                    (contrast.dwFlags & HCF_HIGHCONTRASTON) != 0;
+  return high ? GetSysColor(COLOR_HOTLIGHT) : RGB(0, 60, 200);
+}
+
 struct Colours {
   COLORREF cell = GetSysColor(COLOR_WINDOW);
   COLORREF text = GetSysColor(COLOR_WINDOWTEXT);
@@ -31,7 +40,7 @@ struct Colours {
   COLORREF selected_header = Blend(selection, header, 30);
   COLORREF line = Blend(GetSysColor(COLOR_BTNSHADOW), cell, 40);
   COLORREF header_line = GetSysColor(COLOR_BTNSHADOW);
-  COLORREF filtered = GetSysColor(COLOR_HOTLIGHT);  // numbers of rows among which some are hidden
+  COLORREF filtered = FilteredColour();
 };
 
 constexpr LONG kTextMargin = 3;
@@ -41,6 +50,12 @@ std::u16string ColumnName(int32_t column) {
   for (; column > 0; column = (column - 1) / 26)
     name.insert(name.begin(), static_cast<char16_t>(u'A' + (column - 1) % 26));
   return name;
+}
+
+bool IsNumber(std::string_view text) {
+  double number = 0;
+  const auto end = std::from_chars(text.data(), text.data() + text.size(), number);
+  return end.ec == std::errc() && end.ptr == text.data() + text.size() && text.back() <= '9';
 }
 
 class Painter {
@@ -93,8 +108,7 @@ class Painter {
         Fill(box, Selected(cell) && cell != active ? colours_.selected_cell : colours_.cell);
         const auto text = sheet_.Text().Cell(row.index, column.index);
         if (text.empty()) continue;
-        const bool number = ToValue(text).vt == VT_R8;
-        Text(ToUtf16(text), box, colours_.text, number ? DT_RIGHT : DT_LEFT);
+        Text(ToUtf16(text), box, colours_.text, IsNumber(text) ? DT_RIGHT : DT_LEFT);
       }
     }
   }
@@ -156,8 +170,8 @@ class Painter {
       Header(box, rowlark::ToText(row.index), Selected({row.index, 1, row.index, standalone::kMaxColumn}),
              among ? colours_.filtered : colours_.header_text);
       if (row.index > 1 && hidden.Contains(row.index - 1)) {  // a gap
-        Fill({box.left, box.top - 1, box.right, box.top + 2}, colours_.header_line);
-        Fill({box.left, box.top, box.right, box.top + 1}, colours_.cell);
+        Fill({box.left, box.top - 2, box.right, box.top + 1}, colours_.filtered);
+        Fill({box.left, box.top - 1, box.right, box.top}, colours_.cell);
       }
     }
   }

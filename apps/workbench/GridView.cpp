@@ -141,7 +141,10 @@ int GridView::ColumnWidth(int32_t column) const {
   const int32_t last = std::min(used->last_row, used->first_row + kMeasuredRows - 1);
   int width = 0;
   for (int32_t row = used->first_row; row <= last; ++row) {
-    if (const auto cell = text.Cell(row, column); !cell.empty()) width = std::max(width, measure_(cell));
+    if (const auto cell = text.Cell(row, column); !cell.empty()) {
+      const int button = row == used->first_row ? metrics_.row_height : 0;  // the head may get one
+      width = std::max(width, measure_(cell) + button);
+    }
   }
   if (width > 0) {
     const int margin = 2 * metrics_.digit_width;

@@ -45,8 +45,8 @@ GridWindow::GridWindow(HWND parent, Callbacks callbacks) : callbacks_(std::move(
   WNDCLASSEXW window_class{};
   window_class.lpszClassName = L"RowlarkGrid";
   window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
-  if (Create(window_class, L"Sheet", WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_HSCROLL | WS_VSCROLL,
-             {0, 0, 0, 0}, parent) == nullptr) {
+  if (Create(window_class, L"Sheet", WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_HSCROLL | WS_VSCROLL, parent) ==
+      nullptr) {
     throw std::runtime_error("The window of the sheet can not be made.");
   }
 }

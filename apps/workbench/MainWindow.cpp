@@ -81,9 +81,7 @@ MainWindow::MainWindow()
   window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
   window_class.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
   window_class.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
-  constexpr int kDefault = CW_USEDEFAULT;
-  if (Create(window_class, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, {kDefault, kDefault, 0, 0},
-             nullptr) == nullptr) {
+  if (Create(window_class, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, nullptr) == nullptr) {
     throw std::runtime_error("The main window can not be made.");
   }
   RegisterActiveObject(automation_.get(), kApplicationClass, ACTIVEOBJECT_STRONG, &registration_);
@@ -425,7 +423,7 @@ LRESULT CALLBACK MainWindow::FieldProcedure(HWND field, UINT message, WPARAM wpa
   // Enter and Escape would sound the system's warning.
   if (message == WM_CHAR && (wparam == VK_RETURN || wparam == VK_ESCAPE)) return 0;
   const LRESULT result = DefSubclassProc(field, message, wparam, lparam);
-  if (message == WM_SETFOCUS) PostMessageW(field, EM_SETSEL, 0, -1);
+  if (message == WM_SETFOCUS) SendMessageW(field, EM_SETSEL, 0, -1);
   if (message == WM_KILLFOCUS) self->Changed();
   return result;
 }

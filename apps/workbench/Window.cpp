@@ -9,22 +9,21 @@
 
 namespace rowlark::workbench {
 
-HWND Window::Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style, const RECT& place,
-                    HWND parent) {
+HWND Window::Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style, HWND parent) {
   window_class.cbSize = sizeof window_class;
   window_class.hInstance = GetModuleHandleW(nullptr);
   window_class.lpfnWndProc = Procedure;
   RegisterClassExW(&window_class);
-  CreateWindowExW(0, window_class.lpszClassName, title, style, place.left, place.top,
-                  place.right - place.left, place.bottom - place.top, parent, nullptr, window_class.hInstance,
-                  this);
-  return handle_;
+  const int place = parent == nullptr ? CW_USEDEFAULT : 0;
+  CreateWindowExW(0, window_class.lpszClassName, title, style, place, place, place, place, parent, nullptr,
+                  window_class.hInstance, this);
+  return hwnd_;
 }
 
 LRESULT CALLBACK Window::Procedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
   if (message == WM_NCCREATE) {
     auto* window = static_cast<Window*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);
-    window->handle_ = handle;
+    window->hwnd_ = handle;
     SetWindowLongPtrW(handle, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(window));
   }
   auto* window = reinterpret_cast<Window*>(GetWindowLongPtrW(handle, GWLP_USERDATA));
@@ -39,7 +38,7 @@ LRESULT CALLBACK Window::Procedure(HWND handle, UINT message, WPARAM wparam, LPA
   }
   if (message == WM_NCDESTROY) {
     SetWindowLongPtrW(handle, GWLP_USERDATA, 0);
-    window->handle_ = nullptr;
+    window->hwnd_ = nullptr;
   }
   return handled ? result : DefWindowProcW(handle, message, wparam, lparam);
 }

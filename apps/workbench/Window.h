@@ -20,22 +20,23 @@ class Window {
   Window(const Window&) = delete;
   Window& operator=(const Window&) = delete;
   virtual ~Window() {
-    if (handle_ != nullptr) DestroyWindow(handle_);
+    if (hwnd_ != nullptr) DestroyWindow(hwnd_);
   }
 
-  HWND Hwnd() const { return handle_; }
+  HWND Hwnd() const { return hwnd_; }
 
  protected:
-  // Registers the class when it is new, and makes a window of it. Null when the system refuses.
-  HWND Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style, const RECT& place, HWND parent);
+  // Registers the class when it is new, and makes a window of it: empty inside a parent, else where the
+  // system likes. Null when the system refuses.
+  HWND Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style, HWND parent);
 
-  // Nothing: the message is the system's. May throw; the user is told.
+  // False: the message is the system's. May throw; the user is told.
   virtual bool OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) = 0;
 
  private:
   static LRESULT CALLBACK Procedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept;
 
-  HWND handle_ = nullptr;
+  HWND hwnd_ = nullptr;
 };
 
 // Tells of the exception that is being handled.
