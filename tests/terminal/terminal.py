@@ -49,6 +49,7 @@ class Terminal:
         self.columns, self.rows = columns, rows
         self.screen.resize(rows, columns)
         self._set_size(self.fd)
+        return self
 
     def press(self, *keys):
         """Names of keys, "C-x" and "M-x" for a letter with Ctrl or Alt, or a text to type."""
@@ -60,12 +61,14 @@ class Terminal:
             elif len(key) == 3 and key.startswith("M-"):
                 key = "\x1b" + key[2]
             os.write(self.fd, key.encode())
+        return self
 
     def mouse(self, column, row, button=0, release=True):
         """Presses a button (0: left, 64 and 65: the wheel) in a cell; both count from 0."""
         os.write(self.fd, f"\x1b[<{button};{column + 1};{row + 1}M".encode())
         if release:
             os.write(self.fd, f"\x1b[<{button};{column + 1};{row + 1}m".encode())
+        return self
 
     def lines(self):
         return [line.rstrip() for line in self.screen.display]

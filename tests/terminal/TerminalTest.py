@@ -1,0 +1,208 @@
+"""The program as its users meet it on a terminal: keys and mouse in, drawn screens out. TerminalTest.py PROGRAM"""
+
+import signal
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+from terminal import Terminal
+
+PROGRAM = sys.argv.pop(1) if len(sys.argv) > 1 else "rowlark"
+TABLE = "name,city,amount\nann,Köln,12\nbob,Αθήνα,7\ncid,KÖLN,130\ndan,Praha,5\neve,Kiel,41\nfay,Köln-Süd,8\n"
+
+
+class Session(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+        self.file("t.csv", TABLE)
+
+    def file(self, name, text):
+        (self.folder / name).write_text(text, encoding="utf-8")
+
+    def start(self, *arguments, columns=80, rows=24, **environment):
+        terminal = Terminal([PROGRAM, *(arguments or ["t.csv"])], columns, rows, self.folder,
+                            XDG_CONFIG_HOME=str(self.folder / "config"), **environment)
+        self.addCleanup(terminal.close)
+        return terminal
+
+    def assert_shows(self, terminal, picture, top=0):
+        """The lines as drawn, from a row of the screen on."""
+        expected = picture.strip("\n").split("\n")
+        terminal.wait(lambda t: t.lines()[top:top + len(expected)] == expected) if terminal.pid else None
+        self.assertEqual(terminal.lines()[top:top + len(expected)], expected)
+
+
+class Table(Session):
+    def test_fits_the_screen(self):
+        picture = """
+      A     B         C
+   1│ name  city      amount
+   2│ ann   Köln          12
+   3│ bob   Αθήνα          7
+   4│ cid   KÖLN         130
+   5│ dan   Praha          5
+   6│ eve   Kiel          41
+   7│ fay   Köln-Süd       8"""
+        for columns, rows, status in ((80, 24, " t.csv │ A1 name                                     6 of 6 rows │ A1:C7"),
+                                      (40, 12, " t.csv │ A1 name"),
+                                      (120, 40, " t.csv │ A1 name" + 65 * " " + "6 of 6 rows │ A1:C7")):
+            terminal = self.start(columns=columns, rows=rows)
+            self.assert_shows(terminal, picture)
+            row = rows - (1 if rows < 16 else 2)
+            self.assertEqual(terminal.lines()[row].replace("  6 of", "  6 of"), status.ljust(0))
+
+    def test_moves_and_scrolls_below_the_header(self):
+        self.file("long.csv", "n,text\n" + "".join(f"{i},row {i}\n" for i in range(1, 2001)))
+        terminal = self.start("long.csv").wait("row 20")
+        terminal.press("PgDn", "PgDn").wait("│ A39 38")
+        terminal.press("C-End").wait("│ B2001 row 2000")
+        self.assertIn("   1│ n", terminal.text())
+        terminal.press("Home", "Up").wait("│ A2000 1999")
+        terminal.press("C-Home").wait("│ A1 n")
+        terminal.mouse(10, 5).wait("│ B5 row 4")
+        terminal.mouse(10, 5, button=65).wait_gone("row 1 ").press("Down").wait("│ B6 row 5")
+
+    def test_hides_rows_while_the_user_types(self):
+        terminal = self.start().wait("6 of 6 rows")
+        terminal.press("köln").wait("3 of 6 rows")
+        self.assert_shows(terminal, """
+      A     B         C
+   1│ name  city      amount
+   2│ ann   Köln          12
+   4╪ cid   KÖLN         130
+   7╪ fay   Köln-Süd       8""")
+        terminal.press("-").wait("1 of 6 rows")
+        terminal.press("xyz").wait("Text not found")
+        terminal.press("Esc").wait_gone("Search -").wait("6 of 6 rows")
+        terminal.press("/", "Down").wait("köln-xyz")  # the history
+
+    def test_edits_in_place(self):
+        terminal = self.start().wait("6 of 6 rows")
+        terminal.press("Down", "Right", "F2").wait("─ B2 ─").press("-Ehrenfeld", "Enter")
+        terminal.wait("   2│ ann   Köln-Ehrenfeld      12").wait("t.csv * │ B3 Αθήνα")
+        terminal.press("Enter", "xx", "Esc").wait_gone("─ B3 ─").wait("   3│ bob   Αθήνα ")
+        terminal.press("ehrenfeld").wait("1 of 6 rows")
+
+    def test_switches_tables(self):
+        self.file("other.csv", "x\n1\n")
+        terminal = self.start("t.csv", "other.csv").wait("t.csv (1/2)")
+        terminal.press("F7").wait("other.csv (2/2)").wait("1 of 1 rows").press("C-PgDn").wait("t.csv (1/2)")
+
+    def test_shows_any_text_harmlessly(self):
+        self.file("odd.csv", 'a,b\n漢字かな,x\ne\u0301te\u0301,y\n"two\nlines",\x1b[31mred\u202eleft\n')
+        self.assert_shows(self.start("odd.csv"), """
+      A          B
+   1│ a          b
+   2│ 漢 字 か な   x
+   3│ été        y
+   4│ two↵lines  ␛[31mred�left""")
+
+
+class Forms(Session):
+    def test_search_form_fits_narrow_screens(self):
+        terminal = self.start().wait("6 of 6 rows").press("C-f")
+        self.assert_shows(terminal, """
+─ Search - [entire sheet] ────────────────────────────────────────────────── × ─
+  ┌ Find what: ────────────────────────────────────────────────────────┐
+  │                                                               ▾    │
+  └────────────────────────────────────────────────────────────────────┘
+  (•) Any part of cells  [ ] Match case      [   Goto    ]  [ Show All ]
+  ( ) Entire cells only  [x] AutoFilter mode [Options... ]  [  Close   ]
+  ( ) Any of words       [ ] Edit mode""", 14)
+        terminal.resize(40, 12)
+        self.assert_shows(terminal, """
+─ Search - [entire sheet] ────────── × ─
+  Find what:                         ▾
+ (•) Any part of cells
+ ( ) Entire cells only ( ) Any of words
+ [ ] Match case [x] AutoFilter mode
+ [ ] Edit mode [ Goto ] [ Show All ]
+ [ Options... ] [ Close ]""", 4)
+        terminal.press("M-m").wait("[x] Match case")
+        terminal.resize(80, 24)
+        terminal.mouse(25, 18).wait("[ ] Match case")
+        terminal.mouse(76, 14).wait_gone("Search -")
+
+    def test_options_language_and_hotkeys(self):
+        terminal = self.start().wait("6 of 6 rows").press("F10").wait("Technical Support").press("o")
+        terminal.wait("[x] Show All after Search form closed").press("Down").wait("<All workbooks>")
+        self.assert_shows(terminal, """
+ ┌ Options ──────────────────────────────────────────────────────────────── × ┐
+ │  Common                ┌ Books ─────────────────────────────────────────┐  │
+ │  Excel workbooks       │ Add   Del   Reset                              │  │
+ │  Keyboard              │  <All workbooks>                               │  │
+ │  Edit mode             │                                                │  │""", 2)
+        terminal.press("M-a").wait("Do you want to add workbook [t.csv] in this list ?").press("Enter")
+        terminal.wait("t.csv    ").press("Down").wait("Form 'Search'")
+        row, column = terminal.find("Ctrl + f")
+        terminal.mouse(column, row).press("C-g").wait("Ctrl + g").press("Tab", "Esc").wait_gone("Options ─")
+        terminal.press("C-g").wait("Search -").press("Esc").wait_gone("Search -")
+        terminal.press("F10", "o").wait("Language info:")
+        row, column = terminal.find("<Default>")
+        terminal.mouse(column, row).wait("German (Deutsch)")
+        row, column = terminal.find("German (Deutsch)")
+        terminal.mouse(column, row).wait("Einstellungen").press("Tab", "Esc").wait("6 von 6 Zeilen")
+
+    def test_picks_a_range_with_the_cell_cursor(self):
+        terminal = self.start().wait("6 of 6 rows").press("F10", "o").wait("Options ─").press("Down")
+        row, column = terminal.wait("Search range:").find("[... ]")
+        terminal.mouse(column + 1, row).wait("─ Range select ─").press("Down", "S-Down", "S-Right").wait(" A2:B3 ")
+        terminal.press("Enter").wait("Search range:       A2:B3").press("Tab", "Esc").wait("A2:B3")
+        terminal.press("8").wait("Text not found")
+
+    def test_edit_mode_walks_the_rows_found(self):
+        terminal = self.start().wait("6 of 6 rows").press("köln").wait("3 of 6 rows")
+        terminal.press("M-d", "M-t").wait("Edit mode - ").press("Down").wait("─" * 40).wait("A4")
+        terminal.press("zoe", "Enter").wait("   4╪ zoe").press("Esc").wait("Search -")
+
+
+class Looks(Session):
+    def looks(self, **environment):
+        terminal = self.start(**environment).wait("6 of 6 rows").press("praha").wait("1 of 6 rows")
+        return terminal, terminal.styles(*terminal.find("Praha"))
+
+    def test_marks_matches_with_many_colours_few_and_none(self):
+        self.assertEqual(self.looks()[1], {"fg:000000", "bg:ffd75f"})
+        self.assertEqual(self.looks(TERM="xterm")[1], {"fg:black", "bg:brown"})
+        for environment in ({"NO_COLOR": "1"}, {"TERM": "vt100"}):
+            terminal, styles = self.looks(**environment)
+            self.assertEqual(styles, {"bold", "underscore"})
+            self.assertNotRegex(terminal.output, r"\x1b\[[0-9;]*[34][0-8]")
+        self.assertIn("reverse", terminal.styles(*terminal.find("dan")) | terminal.styles(1, 6))
+
+
+class Life(Session):
+    def assert_restored(self, terminal):
+        self.assertGreater(terminal.output.rfind("\x1b[?1049l"), terminal.output.rfind("\x1b[?1049h"))
+        self.assertIn("\x1b[?1002l", terminal.output)
+
+    def test_ends_and_restores_the_terminal(self):
+        for number, status in ((None, 0), (signal.SIGTERM, 143), (signal.SIGHUP, 129)):
+            terminal = self.start().wait("6 of 6 rows").press("F1").wait("Ctrl+Q")
+            terminal.press("Enter").wait_gone("Ctrl+Q").press("ann").wait("1 of 6 rows")
+            if number is None:
+                terminal.press("C-q")
+            else:
+                terminal.kill(number)
+            self.assertEqual(terminal.end(), status)
+            self.assert_restored(terminal)
+
+    def test_comes_back_after_a_stop(self):
+        terminal = self.start().wait("6 of 6 rows")
+        terminal.kill(signal.SIGTSTP)
+        terminal.wait(lambda t: t.output.count("\x1b[?1049h") == 2).press("Down").wait("A2 ann")
+
+    def test_says_what_it_can_not_open(self):
+        terminal = self.start("none.csv")
+        self.assertEqual(terminal.end(), 2)
+        self.assertIn("rowlark: none.csv: No such file or directory", terminal.output)
+        terminal = self.start(TERM="dumb")
+        self.assertEqual(terminal.end(), 2)
+        self.assertIn("rowlark search", terminal.output)
+
+
+if __name__ == "__main__":
+    unittest.main()
