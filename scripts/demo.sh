@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
-# Sets up, builds the program (release) and searches the example table.
+# Sets up, builds the program (release) and opens the example table; without a terminal, searches it instead.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 
 cmake --preset linux-release >/dev/null
 cmake --build --preset linux-release --target rowlark
+
+# What matches shows while you type; Escape shows all rows again, F1 the keys, Ctrl+Q ends it.
+if [ -t 0 ] && [ -t 1 ]; then exec build/linux-release/rowlark examples/customers.csv; fi
 
 run() {
   printf '\n$'

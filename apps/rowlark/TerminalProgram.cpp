@@ -4,12 +4,12 @@
 
 #include <algorithm>
 #include <limits>
-#include <span>
+#include <utility>
 
-#include "CsvFile.h"
 #include "forms/HotKey.h"
 #include "runtime/Failure.h"
 #include "settings/Product.h"
+#include "util/FileSystemPlatform.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
@@ -38,12 +38,17 @@ void Attempted(Action action) {
 TerminalProgram::TerminalProgram(Program& program, terminal::Screen& screen,
                                  terminal::TerminalMessagePump& pump, terminal::TerminalWindowSystem& windows,
                                  KeyHelp& help)
-    : program_(program), screen_(screen), pump_(pump), windows_(windows), help_(help) {
+    : program_(program),
+      screen_(screen),
+      pump_(pump),
+      windows_(windows),
+      help_(help),
+      tables_(program, pump, windows) {
   windows_.SetDesktop(*this);
   windows_.OkCaption = [this] { return Text(u"Edit.UI.BtnOK", u"O&K"); };
   windows_.CancelCaption = [this] { return Text(u"Edit.UI.BtnClose", u"&Cancel"); };
   help_.Show = [this] { ShowKeys(); };
-  pump_.OnEnd = [this](int signal) { signal == SIGINT ? Quit() : End(128 + signal); };
+  pump_.OnEnd = [this](int signal) { signal == SIGINT ? Quit() : EndBySignal(signal); };
   searching_ = program_.Runtime().SearchingEvent().Connect([this](bool& on) { evtRLRTM_Searching(on); });
 }
 
@@ -53,8 +58,8 @@ TerminalProgram::~TerminalProgram() {
 }
 
 int TerminalProgram::Run(const TerminalArguments& arguments) {
-  for (const auto& file : arguments.files) Open(file, arguments.separator);
-  NextTable(0);
+  for (const auto& file : arguments.files) tables_.Open(file, arguments.separator);
+  NextTable(1);
   auto& runtime = program_.Runtime();
   runtime.MenuCreate();
   const auto& items = program_.Items();
@@ -63,34 +68,35 @@ int TerminalProgram::Run(const TerminalArguments& arguments) {
   };
   on_key(items.HotKeySearch(), u"VantrelRLK_ShowSearch");
   on_key(items.HotKeyUnhide(), u"VantrelRLK_Unhide");
+  tables_.OfferRecovery();
   while (!status_) {
     pump_.ProcessMessages();
-    if (!status_) pump_.WaitForInput(std::numeric_limits<uint32_t>::max());
+    if (status_) break;
+    const bool loading = tables_.Load();
+    if (tables_.TakeLoaded()) EndLoading();
+    pump_.WaitForInput(loading ? 0 : std::numeric_limits<uint32_t>::max());
+    if (loading) pump_.Invalidate();
   }
   program_.Save();
   return *status_;
 }
 
-void TerminalProgram::Open(const std::filesystem::path& path, std::optional<char> separator) {
-  auto file = CsvFile::Open(path, separator);
-  const auto sheet = program_.OpenWorkbook(path);
-  file.ForEachRow([&sheet](std::span<const std::string_view> cells) { sheet->AppendRow(cells); },
-                  [&sheet] { sheet->Clear(); });
-  Ref<standalone::Workbook> book(&sheet->Book());
-  tables_.push_back(
-      std::make_unique<Table>(Table{book->Name(), book, TableView(sheet), sheet->Text().Version()}));
-}
-
-TerminalProgram::Table& TerminalProgram::Active() { return *tables_[active_]; }
-
 void TerminalProgram::NextTable(int32_t step) {
-  const auto count = static_cast<int32_t>(tables_.size());
-  active_ = static_cast<std::size_t>((static_cast<int32_t>(active_) + step + count) % count);
-  program_.Host()->Activate(Active().book);
+  tables_.Next(step);
+  highlight_ = {};
 }
 
-bool TerminalProgram::IsChanged(const Table& table) const {
-  return table.view.Sheet()->Text().Version() != table.saved_version;
+// Rows that came after a search are searched too.
+void TerminalProgram::EndLoading() {
+  pump_.Invalidate();
+  std::u16string discarded;
+  if (program_.Items().RowsIsGrouped) program_.Runtime().Search(searched_, discarded);
+}
+
+void TerminalProgram::Save() {
+  const auto path = platform::ToText(tables_.Active().SavePath());
+  if (tables_.Save())
+    message_ = program_.Runtime().Language().GetText(u"Terminal.Save.Saved", u"Saved: %1", path);
 }
 
 // The active cell, which may be another one when the user has ended.
@@ -109,7 +115,7 @@ void TerminalProgram::Edit() {
             windows_.MsgBox(error.Description(), host::MsgBoxIcon::Exclamation, kProductTitle);
             return;
           }
-          Active().view.Navigate({end == CellEditor::End::Down ? kKeyDown : kKeyRight});
+          tables_.View().Navigate({end == CellEditor::End::Down ? kKeyDown : kKeyRight});
         });
     editor_->Open(windows_);
   });
@@ -128,9 +134,9 @@ void TerminalProgram::StartSearch(const KeyPress& press) {
 std::shared_ptr<clsVTRLKItem> TerminalProgram::DetectedProfile() {
   std::shared_ptr<clsVTRLKItem> profile;
   Attempted([&] {
-    const auto stored = program_.Items().ByName(Active().name);
+    const auto stored = program_.Items().ByName(tables_.Active().Workbook()->Name());
     auto detected = (stored ? stored : program_.Items().DefaultItem)->Clone();
-    program_.Runtime().DetectSearchRange(*Active().view.Sheet(), *detected);
+    program_.Runtime().DetectSearchRange(*tables_.View().Sheet(), *detected);
     profile = detected;
   });
   return profile;
@@ -145,7 +151,7 @@ Highlight TerminalProgram::MakeHighlight() {
     const auto comma = std::min(letters.find(u','), letters.size());
     Attempted([&] {
       const auto cell = std::u16string(letters.substr(0, comma)) + u"1";
-      columns.push_back(Active().view.Sheet()->Range(cell)->Column());
+      columns.push_back(tables_.View().Sheet()->Range(cell)->Column());
     });
     letters.remove_prefix(std::min(comma + 1, letters.size()));
   }
@@ -220,7 +226,18 @@ void TerminalProgram::ShowKeys() {
                   host::MsgBoxIcon::Exclamation, kProductTitle);
 }
 
-void TerminalProgram::Quit() { End(0); }
+void TerminalProgram::Quit() {
+  if (std::exchange(quitting_, true)) return;
+  const bool may = tables_.MayQuit();
+  quitting_ = false;
+  if (may) End(0);
+}
+
+// Nobody can be asked any more.
+void TerminalProgram::EndBySignal(int signal) {
+  tables_.KeepChanges();
+  End(128 + signal);
+}
 
 void TerminalProgram::End(int status) {
   status_ = status;
@@ -231,13 +248,16 @@ void TerminalProgram::End(int status) {
 
 bool TerminalProgram::Navigate(const KeyPress& press) {
   if (press.Is(terminal::kKeyInsert)) {
-    Active().view.KeepSelection();
+    tables_.View().KeepSelection();
     return true;
   }
-  return Active().view.Navigate(press);
+  return tables_.View().Navigate(press);
 }
 
 void TerminalProgram::Press(const KeyPress& press) {
+  message_.clear();
+  if (press.Is(kKeyEscape)) return tables_.StopLoading();
+  if (press.Is(u'S', kCtrl)) return Save();
   if (press.Is(FKey(1)) || press.character == U'?') return ShowKeys();
   if (press.Is(FKey(7)) || press.Is(terminal::kKeyPageDown, kCtrl)) return NextTable(1);
   if (press.Is(terminal::kKeyPageUp, kCtrl)) return NextTable(-1);
@@ -249,7 +269,7 @@ void TerminalProgram::Press(const KeyPress& press) {
   if (press.character >= U' ' && press.character != 127) StartSearch(press);
 }
 
-void TerminalProgram::UseMouse(const terminal::MouseAction& action) { Active().view.UseMouse(action); }
+void TerminalProgram::UseMouse(const terminal::MouseAction& action) { tables_.View().UseMouse(action); }
 
 std::u16string TerminalProgram::Text(std::u16string_view key, std::u16string_view text) const {
   return program_.Runtime().Language().GetText(key, text);
@@ -262,14 +282,14 @@ void TerminalProgram::Draw(terminal::Canvas& canvas, const terminal::Rect& pictu
   const auto& items = program_.Items();
   const auto form = program_.Forms().Search();
   const bool marked = items.RowsIsGrouped || (form && !form->cboText.Text().empty());
-  Active().view.Draw(canvas, picture, marked ? highlight_ : Highlight(), focused);
+  tables_.View().Draw(canvas, picture, marked ? highlight_ : Highlight(), focused);
   DrawStatus(canvas, {status.left, status.top}, status.width);
   if (status.height > 1) DrawKeys(canvas, {status.left, status.top + 1}, status.width);
 }
 
 // Counting goes through all rows, so it is done again only when rows were hidden or shown.
 std::u16string TerminalProgram::CountRows() {
-  const auto& sheet = *Active().view.Sheet();
+  const auto& sheet = *tables_.View().Sheet();
   const auto used = sheet.Text().Used().value_or(standalone::Rect{});
   const int32_t last = used.last_row;
   const int32_t all = last - used.first_row;
@@ -307,10 +327,17 @@ std::u16string TerminalProgram::Mode() const {
 // From the left the table and its active cell, from the right what is known of the search, as far as there is
 // room.
 void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t width) {
-  const auto& table = Active();
   canvas.Fill({at.x, at.y, width, 1}, U' ', Style::Status);
   constexpr int32_t kLeast = 34;  // cells for the table
   std::vector<std::u16string> parts{CountRows()};
+  const auto& document = tables_.Active();
+  if (document.LoadState() == Document::State::Loading) {
+    const auto percent = ToText(static_cast<int32_t>(document.Fraction() * 100));
+    parts = {program_.Runtime().Language().GetText(u"Terminal.Status.Loading",
+                                                   u"Loading: %1 of 100 - Escape stops", percent)};
+  } else if (document.LoadState() == Document::State::Stopped) {
+    parts.push_back(Text(u"Terminal.Status.Stopped", u"not loaded to its end"));
+  }
   if (search_time_) {
     const auto tenths = static_cast<int32_t>(*search_time_ * 10 + 0.5);
     parts.push_back(program_.Runtime().Language().GetText(u"Terminal.Status.Time", u"%1 ms",
@@ -324,12 +351,8 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
     right += (right.empty() ? u" " : u" │ ") + part;
   }
   right += u' ';
-  std::u16string left = u" " + table.name;
-  if (IsChanged(table)) left += u" *";
-  if (tables_.size() > 1) {
-    left += u" (" + ToText(static_cast<int32_t>(active_) + 1) + u"/" +
-            ToText(static_cast<int32_t>(tables_.size())) + u")";
-  }
+  std::u16string left = u" " + tables_.Name();
+  if (!message_.empty()) left += u" │ " + message_;
   Attempted([&] {
     const auto cell = Require(program_.Host()->ActiveCell());
     auto address = cell->Address();
@@ -351,7 +374,7 @@ void TerminalProgram::DrawKeys(terminal::Canvas& canvas, Point at, int32_t width
       {u"F1", Text(u"Terminal.Keys.Help", u"Help")},
       {u"F2", Text(u"Terminal.Keys.Edit", u"Edit")},
       {u"F6", Text(u"Terminal.Keys.Form", u"Form/Table"), program_.Forms().Search() != nullptr},
-      {u"F7", Text(u"Terminal.Keys.NextTable", u"Next table"), tables_.size() > 1},
+      {u"F7", Text(u"Terminal.Keys.NextTable", u"Next table"), !tables_.Place().empty()},
       {u"F10", Text(u"Terminal.Keys.Menu", u"Menu")},
       {u"^F", Text(u"Terminal.Keys.Search", u"Search")},
       {u"^S", Text(u"Terminal.Keys.Save", u"Save")},

@@ -11,7 +11,7 @@
 #include "CellEditor.h"
 #include "Highlight.h"
 #include "Program.h"
-#include "TableView.h"
+#include "Tables.h"
 #include "host/terminal/TerminalWindowSystem.h"
 
 namespace rowlark {
@@ -52,18 +52,10 @@ class TerminalProgram final : public terminal::Desktop {
   void UseMouse(const terminal::MouseAction& action) override;
 
  private:
-  struct Table {
-    std::u16string name;
-    Ref<standalone::Workbook> book;
-    TableView view;
-    uint64_t saved_version;  // of its text
-  };
-
-  void Open(const std::filesystem::path& path, std::optional<char> separator);
-  Table& Active();
   void NextTable(int32_t step);
   void Edit();
-  bool IsChanged(const Table& table) const;
+  void Save();
+  void EndLoading();
 
   void StartSearch(const terminal::KeyPress& press);
   void evtRLRTM_Searching(bool searching);
@@ -76,6 +68,7 @@ class TerminalProgram final : public terminal::Desktop {
   void ShowMenu();
   void ShowKeys();
   void Quit();
+  void EndBySignal(int signal);
   void End(int status);
 
   std::u16string Text(std::u16string_view key, std::u16string_view text) const;
@@ -90,8 +83,9 @@ class TerminalProgram final : public terminal::Desktop {
   terminal::TerminalWindowSystem& windows_;
   KeyHelp& help_;
 
-  std::vector<std::unique_ptr<Table>> tables_;
-  std::size_t active_ = 0;
+  Tables tables_;
+  bool quitting_ = false;   // the user is being asked about it
+  std::u16string message_;  // what was done last, until the next key
   Ref<CellEditor> editor_;
   Connection searching_;
   std::chrono::steady_clock::time_point search_began_;

@@ -230,7 +230,7 @@ int32_t NaturalRows(const Control& control) {
   return std::min(RowsOf(control), std::max(kLeast, static_cast<int32_t>(entries)));
 }
 
-Arrangement Flow(const controls::Form& form, int32_t width) {
+Arrangement Flow(const controls::Form& form, int32_t width, int32_t margin) {
   constexpr int32_t kLeast = 10;  // of a box for text
   Arrangement flow;
   flow.boxes = false;
@@ -273,12 +273,12 @@ Arrangement Flow(const controls::Form& form, int32_t width) {
     if (x > 0 && x + wide > width) next_line();
     if (box) wide = std::max(kLeast, width - x - behind);
     wide = std::min(wide, width);
-    flow.places.push_back({control, {x, y, wide, NaturalRows(*control)}});
+    flow.places.push_back({control, {margin + x, y, wide, NaturalRows(*control)}});
     rows = std::max(rows, NaturalRows(*control));
     x += wide + 1;
   }
   next_line();
-  flow.size = {width, y};
+  flow.size = {width + 2 * margin, y};
   return flow;
 }
 
@@ -289,9 +289,9 @@ const Rect* Arrangement::Of(const Control* control) const {
   return place == places.end() ? nullptr : &place->area;
 }
 
-Arrangement Arrange(const controls::Form& form, int32_t width) {
+Arrangement Arrange(const controls::Form& form, int32_t width, int32_t margin) {
   auto arrangement = Grid(form);
-  return arrangement.size.width <= width ? arrangement : Flow(form, width);
+  return arrangement.size.width <= width ? arrangement : Flow(form, width - 2 * margin, margin);
 }
 
 int32_t TextUnits(std::u16string_view text) { return text.empty() ? 0 : kUnits * (WidthOf(text) + 1); }

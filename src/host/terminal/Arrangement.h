@@ -24,7 +24,8 @@ struct Arrangement {
   const Rect* Of(const controls::Control* control) const;
 };
 
-Arrangement Arrange(const controls::Form& form, int32_t width);
+// `margin` is what controls that follow one another leave free on both sides.
+Arrangement Arrange(const controls::Form& form, int32_t width, int32_t margin);
 
 // Width of a line of text in dialog units, with what a control needs around it in a terminal.
 int32_t TextUnits(std::u16string_view text);

@@ -15,6 +15,8 @@ namespace rowlark::terminal {
 constexpr int32_t kOwnCodes = 0x1000;
 constexpr int32_t OwnCode(int32_t key, int32_t shift) { return kOwnCodes + key * 8 + shift; }
 
+constexpr int32_t kMouseCode = OwnCode(0, 0);
+
 struct KeySequence {
   std::string bytes;
   int32_t code;

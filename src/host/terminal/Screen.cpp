@@ -5,6 +5,7 @@
 #include <term.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <clocale>
 #include <cstdio>
@@ -75,10 +76,22 @@ void UseUtf8() {
     std::setlocale(LC_CTYPE, "C.UTF-8");  // NOLINT(concurrency-mt-unsafe)
 }
 
-// Modes that terminals know and the library does not switch: the mouse while a button is held, and letters
-// with Ctrl and Shift as keys of their own.
-constexpr const char* kModesOn = "\033[?1002h\033[>4;1m\033[m";
-constexpr const char* kModesOff = "\033[>4m\033[m\033[?1002l";
+// Modes that the library does not switch as they are wanted here: the mouse, reported by its own sequences
+// and while a button is held, and letters with Ctrl and Shift as keys of their own.
+struct Mode {
+  const char* capability;  // of terminals that may be asked for it
+  const char* on;
+  const char* off;
+};
+constexpr Mode kModes[] = {{"kmous", "\033[?1000;1002;1006h", "\033[?1000;1002;1006l"},
+                           {"kUP5", "\033[>4;1m\033[m", "\033[>4m\033[m"}};
+constexpr const char* kMouseSequence = "\033[<";
+
+// What the terminal's description says; null when it says nothing.
+const char* Capability(const char* name) {
+  const char* text = tigetstr(name);
+  return text == reinterpret_cast<const char*>(-1) ? nullptr : text;
+}
 
 }  // namespace
 
@@ -92,8 +105,7 @@ class Screen::Library {
   void Show(const Canvas& canvas);
   std::optional<Input> Read();
   std::optional<Input> ReadMouse();
-  void Send(const char* bytes) const;
-  bool HasModes() const { return modes_; }
+  void SwitchModes(bool on) const;
 
   SCREEN* screen = nullptr;
   Canvas shown;  // an empty one: nothing is
@@ -103,21 +115,19 @@ class Screen::Library {
   void LearnKeys();
 
   std::array<attr_t, static_cast<std::size_t>(Style::kCount)> attributes_{};
-  bool modes_ = false;
-  bool button_held_ = false;
   char32_t backspace_ = 127;
 };
 
 Screen::Library::Library() {
   UseUtf8();
   screen = newterm(nullptr, stdout, stdin);
-  const char* move = screen == nullptr ? nullptr : tigetstr("cup");
-  if (move == nullptr || move == reinterpret_cast<const char*>(-1)) {
+  if (screen == nullptr || Capability("cup") == nullptr) {
     if (screen != nullptr) {
       endwin();
       delscreen(screen);
     }
-    throw std::runtime_error("terminal type '" + Environment("TERM") + "' can not show a table");
+    throw std::runtime_error("terminal type '" + Environment("TERM") +
+                             "' can not show a table; 'rowlark search FILE TEXT' needs none");
   }
   raw();
   noecho();
@@ -129,23 +139,19 @@ Screen::Library::Library() {
   if (Environment("ESCDELAY").empty()) set_escdelay(50);
   UseColours();
   LearnKeys();
-  mouseinterval(0);
-  mousemask(BUTTON1_PRESSED | BUTTON1_RELEASED | BUTTON4_PRESSED | BUTTON5_PRESSED | BUTTON_SHIFT |
-                BUTTON_CTRL | BUTTON_ALT | REPORT_MOUSE_POSITION,
-            nullptr);
-  const char* ctrl_up = tigetstr("kUP5");
-  modes_ = ctrl_up != nullptr && ctrl_up != reinterpret_cast<const char*>(-1);
-  if (modes_) Send(kModesOn);
+  SwitchModes(true);
 }
 
 Screen::Library::~Library() {
-  if (modes_) Send(kModesOff);
+  SwitchModes(false);
   endwin();
   delscreen(screen);
 }
 
-void Screen::Library::Send(const char* bytes) const {
-  std::fputs(bytes, stdout);
+void Screen::Library::SwitchModes(bool on) const {
+  for (const auto& mode : kModes) {
+    if (Capability(mode.capability) != nullptr) std::fputs(on ? mode.on : mode.off, stdout);
+  }
   std::fflush(stdout);
 }
 
@@ -165,8 +171,9 @@ void Screen::Library::UseColours() {
 
 void Screen::Library::LearnKeys() {
   for (const auto& [bytes, code] : KeySequences()) define_key(bytes.c_str(), code);
-  const char* key = tigetstr("kbs");
-  if (key != nullptr && key != reinterpret_cast<const char*>(-1) && key[0] == 8) backspace_ = 8;
+  define_key(kMouseSequence, kMouseCode);
+  const char* key = Capability("kbs");
+  if (key != nullptr && key[0] == 8) backspace_ = 8;
 }
 
 void Screen::Library::Show(const Canvas& canvas) {
@@ -200,7 +207,7 @@ std::optional<Input> Screen::Library::Read() {
     const int kind = get_wch(&character);
     if (kind == ERR) return std::nullopt;
     if (kind == KEY_CODE_YES) {
-      if (character == KEY_MOUSE) {
+      if (character == kMouseCode) {
         if (auto action = ReadMouse()) return action;
         continue;
       }
@@ -218,29 +225,39 @@ std::optional<Input> Screen::Library::Read() {
   }
 }
 
+// The rest of "ESC [ < buttons ; column ; row M", which ends in "m" when a button was released.
 std::optional<Input> Screen::Library::ReadMouse() {
-  MEVENT event;
-  if (getmouse(&event) != OK) return std::nullopt;
+  constexpr int kLate = 50;  // milliseconds that a part of it may take
+  std::array<int32_t, 3> numbers{};
+  std::size_t at = 0;
+  wint_t character = 0;
+  timeout(kLate);
+  int kind = OK;
+  while ((kind = get_wch(&character)) == OK && character != L'M' && character != L'm') {
+    if (character == L';') at = std::min(at + 1, numbers.size() - 1);
+    if (character >= L'0' && character <= L'9' && numbers[at] < 10'000) {
+      numbers[at] = numbers[at] * 10 + static_cast<int32_t>(character - L'0');
+    }
+  }
+  timeout(0);
+  if (kind != OK) return std::nullopt;
+  const int32_t state = numbers[0];
+  constexpr int32_t kMoved = 32;
+  constexpr int32_t kWheel = 64;
   MouseAction action;
-  action.at = {event.x, event.y};
-  if ((event.bstate & BUTTON_SHIFT) != 0) action.shift |= controls::kShift;
-  if ((event.bstate & BUTTON_CTRL) != 0) action.shift |= controls::kCtrl;
-  if ((event.bstate & BUTTON_ALT) != 0) action.shift |= controls::kAlt;
+  action.at = {numbers[1] - 1, numbers[2] - 1};
+  if ((state & 4) != 0) action.shift |= controls::kShift;
+  if ((state & 8) != 0) action.shift |= controls::kAlt;
+  if ((state & 16) != 0) action.shift |= controls::kCtrl;
   using Kind = MouseAction::Kind;
-  if ((event.bstate & BUTTON4_PRESSED) != 0) {
-    action.kind = Kind::WheelUp;
-  } else if ((event.bstate & BUTTON5_PRESSED) != 0) {
-    action.kind = Kind::WheelDown;
-  } else if ((event.bstate & BUTTON1_RELEASED) != 0) {
-    action.kind = Kind::Release;
-    button_held_ = false;
-  } else if ((event.bstate & BUTTON1_PRESSED) != 0) {
-    action.kind = button_held_ ? Kind::Drag : Kind::Press;
-    button_held_ = true;
-  } else if ((event.bstate & REPORT_MOUSE_POSITION) != 0 && button_held_) {
-    action.kind = Kind::Drag;
+  const int32_t button = state & 3;
+  if ((state & kWheel) != 0) {
+    if (button > 1) return std::nullopt;
+    action.kind = button == 0 ? Kind::WheelUp : Kind::WheelDown;
+  } else if (button != 0) {
+    return std::nullopt;  // only the left one means anything
   } else {
-    return std::nullopt;
+    action.kind = character == L'm' ? Kind::Release : (state & kMoved) != 0 ? Kind::Drag : Kind::Press;
   }
   return action;
 }
@@ -264,12 +281,12 @@ void Screen::Resize() {
 }
 
 void Screen::Leave() {
-  if (library_->HasModes()) library_->Send(kModesOff);
+  library_->SwitchModes(false);
   endwin();
 }
 
 void Screen::Return() {
-  if (library_->HasModes()) library_->Send(kModesOn);
+  library_->SwitchModes(true);
   Resize();
   refresh();
 }

@@ -173,7 +173,7 @@ void TerminalWindowSystem::Place(Window& window, const Rect& room) {
   const Form& form = *window.form;
   const bool docked = IsDocked(form);
   const bool list = window.beside != Point{};
-  window.arrangement = Arrange(form, room.width - 2);
+  window.arrangement = Arrange(form, room.width - 2, docked ? 0 : 1);
   const Size size = window.arrangement.size;
   const int32_t title = docked ? 1 : 2;  // and the lower border of a floating one
   const int32_t height = std::min(size.height + title, room.height);
@@ -277,7 +277,7 @@ void TerminalWindowSystem::UseKey(const KeyPress& press) {
     }
   }
   const bool opens = press.Is(kKeyF1 + 3) || press.Is(controls::kKeyDown, controls::kAlt);
-  if ((opens && OpenList(*form)) || PressToolBar(*form, press)) return;
+  if ((opens && OpenList(*form)) || PressToolBar(*form, press) || MoveFocus(*form, press)) return;
   if (IsForeign(press)) {
     const bool left = form->UserKeyDown(press.key, press.shift) != 0;
     form->UserKeyUp(press.key, press.shift);
@@ -288,6 +288,18 @@ void TerminalWindowSystem::UseKey(const KeyPress& press) {
   if (press.character != 0) AppendUtf16(units, press.character);
   PressKey(*form, press.key, press.shift, units.empty() ? u'\0' : units.front());
   if (units.size() > 1) PressKey(*form, kKeyPacket, press.shift, units.back());
+}
+
+// Arrows go from button to button and from box to box, as Tab does.
+bool TerminalWindowSystem::MoveFocus(Form& form, const KeyPress& press) {
+  const Control* control = form.ActiveControl();
+  if (control == nullptr || press.shift != controls::kNoShift) return false;
+  const bool moves = control->Kind == ControlKind::Button || control->Kind == ControlKind::CheckBox ||
+                     control->Kind == ControlKind::OptionButton;
+  const bool back = press.key == controls::kKeyLeft || press.key == controls::kKeyUp;
+  if (!moves || (!back && press.key != controls::kKeyRight && press.key != controls::kKeyDown)) return false;
+  PressKey(form, controls::kKeyTab, back ? controls::kShift : controls::kNoShift);
+  return true;
 }
 
 // Of the combo box that has the keyboard.

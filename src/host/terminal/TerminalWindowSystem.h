@@ -80,6 +80,7 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
   void UseMouse(Window& window, const MouseAction& action);
   void UseDesktop(const KeyPress& press);
   bool OpenList(controls::Form& form);
+  static bool MoveFocus(controls::Form& form, const KeyPress& press);
   static bool PressToolBar(controls::Form& form, const KeyPress& press);
 
   Screen& screen_;
