@@ -122,7 +122,7 @@ class Forms(Session):
  [ ] Edit mode [ Goto ] [ Show All ]
  [ Options... ] [ Close ]""", 4)
         terminal.press("M-m").wait("[x] Match case")
-        terminal.resize(80, 24)
+        terminal.resize(80, 24).wait(lambda t: t.lines()[14].startswith("─ Search"))
         terminal.mouse(25, 18).wait("[ ] Match case")
         terminal.mouse(76, 14).wait_gone("Search -")
 
