@@ -31,8 +31,4 @@ std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, std::optional
   return std::make_unique<CsvLoader>(path, separator);
 }
 
-std::unique_ptr<Loader> OpenLoader(const std::filesystem::path& path, std::optional<char> separator) {
-  return LoadCsv(path, separator);
-}
-
 }  // namespace rowlark

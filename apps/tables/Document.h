@@ -41,7 +41,7 @@ class SaveRefused : public std::runtime_error {
 };
 
 struct SaveOptions {
-  std::filesystem::path path;  // empty: Document::SavePath
+  std::filesystem::path path = {};  // empty: Document::SavePath
   bool overwrite = false;
   bool as_utf8 = false;  // with a mark, instead of the file's encoding
 };

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "Archive.h"
 #include "TempFolder.h"
 #include "host/Error.h"
 #include "util/Utf.h"
@@ -99,6 +100,154 @@ TEST(Document, SavesNothingButWhatWasEdited) {
       EXPECT_EQ(again.Get(cell), document.Get(cell)) << before;
     }
   }
+}
+
+TEST(Document, AsksBeforeItOverwritesOrConverts) {
+  const TempFolder folder;
+  const auto path = folder.Write("ansi.csv", "M\xFCnchen,a\n");
+  Opened document(path);
+  document.Set(u"B1", u"жж");
+  EXPECT_EQ(document.Refusal(), Reason::NotEncodable);
+  EXPECT_EQ(document.message, path.string() + ": B1: 'ж' is no character of Windows-1252");
+  EXPECT_EQ(document.Refusal({.path = folder.Write("other.csv", "x")}), Reason::FileExists);
+  EXPECT_EQ(Read(path), "M\xFCnchen,a\n");
+  EXPECT_TRUE(document.IsModified());
+  EXPECT_TRUE(document.Save({.as_utf8 = true}));
+  EXPECT_EQ(Read(path), "\xEF\xBB\xBFMünchen,жж\n");
+  document.Set(u"B1", u"ж");
+  EXPECT_EQ(document.Refusal(), std::nullopt);  // it is UTF-8 by now
+  EXPECT_EQ(Read(path), "\xEF\xBB\xBFMünchen,ж\n");
+
+  // Written by another program: what is saved then is made of the cells alone.
+  folder.Write("ansi.csv", "x");
+  EXPECT_TRUE(document.ChangedOnDisk());
+  EXPECT_EQ(document.Refusal(), Reason::FileChanged);
+  EXPECT_TRUE(document.Save({.overwrite = true}));
+  EXPECT_EQ(Read(path), "\xEF\xBB\xBFMünchen,ж\n");
+  EXPECT_FALSE(document.ChangedOnDisk());
+
+  // What would be read as another encoding.
+  Opened tricky(folder.Write("tricky.csv", "\xC3\xBC,\xFC\n"));
+  EXPECT_EQ(tricky.Get(u"A1"), "Ã¼");
+  tricky.Set(u"B1", u"u");
+  EXPECT_EQ(tricky.Refusal(), Reason::NotEncodable);
+
+  Opened nul(folder.Write("nul.csv", "a\n"));
+  nul.Set(u"A1", u"b\0"s);
+  EXPECT_THROW(nul.Save({}), std::runtime_error);
+  nul.Set(u"A1", u"b");
+  EXPECT_FALSE(nul.Save({}, [](double) { return false; }));
+  EXPECT_TRUE(nul.IsModified());
+  EXPECT_EQ(Read(nul.Path()), "a\n");
+}
+
+TEST(Document, LoadsInStepsAndCanBeStopped) {
+  std::string rows;
+  for (int i = 1; i <= 100'000; ++i) rows += std::to_string(i) + ",some text\n";
+  const TempFolder folder;
+  const auto path = folder.Write("long.csv", rows + "\"last\",\xFC");  // Windows-1252 only at its end
+  Opened document(path, false);
+  EXPECT_EQ(document.LoadState(), Document::State::Loading);
+  EXPECT_EQ(document.Get(u"A1000"), "1000");
+  const double fraction = document.Fraction();
+  EXPECT_TRUE(fraction > 0.1 && fraction < 0.9) << fraction;
+  document.Step();
+  document.Set(u"B2", u"edited");
+  EXPECT_THROW(document.Set(u"A100001", u"x"), host::Error);
+  document.Stop();
+  EXPECT_FALSE(document.Step());
+  EXPECT_EQ(document.Get(u"A100001"), "");
+  document.Set(u"B3", u"ö");
+  EXPECT_TRUE(document.Save({}));
+  auto expected = rows + "\"last\",\xFC";
+  expected.replace(expected.find("some text", expected.find("\n2,")), 9, "edited");
+  expected.replace(expected.find("some text", expected.find("\n3,")), 9, "\xF6");
+  EXPECT_TRUE(Read(path) == expected);
+
+  // Read on, the first rows turn out to have been read in the wrong encoding; edits stay.
+  Opened again(folder.Write("late.csv", "\xC3\xBC\nb\n" + rows + "\xFC"), false);
+  EXPECT_EQ(again.Get(u"A1"), "ü");
+  again.Set(u"A2", u"edited");
+  while (again.Step()) {
+  }
+  EXPECT_EQ(again.Get(u"A1") + again.Get(u"A2") + again.Get(u"A100002"), "Ã¼edited100000");
+  EXPECT_EQ(again.Get(u"A100003"), "ü");
+  EXPECT_EQ(again.ActiveSheet().UsedRange()->RowsCount(), 100'003);
+}
+
+TEST(Document, OpensWorkbooksAndSavesThemAsCsv) {
+  const TempFolder folder;
+  const auto path = folder.Write(
+      "book.xlsx", testing::Archive(testing::XlsxParts({{"One", "<row r='2'><c r='B2'><v>1.5</v></c></row>"},
+                                                        {"T/wo", "<row><c><v>2</v></c></row>"}})));
+  Opened document(path);
+  ASSERT_EQ(document.Sheets().size(), 2u);
+  EXPECT_EQ(document.RowText(document.ActiveSheet(), 2), ",1.5");
+  document.Workbook()->ActivateSheet(document.Sheets()[1]);
+  EXPECT_EQ(document.Get(u"A1"), "2");
+  document.Set(u"B1", u"a,b");
+  EXPECT_EQ(document.SavePath(), folder.Path() / "book.T_wo.csv");
+  EXPECT_TRUE(document.Save({}));
+  EXPECT_EQ(Read(folder.Path() / "book.T_wo.csv"),
+            "\xEF\xBB\xBF"
+            "2,\"a,b\"\r\n");
+  EXPECT_FALSE(document.IsModified());
+  EXPECT_EQ(document.Refusal(), Reason::FileExists);
+
+  for (const auto* bytes :
+       {"PK\x03\x04", "PK\x03\x04garbage",
+        "<?xml version='1.0'?><x xmlns='urn:schemas-microsoft-com:office:spreadsheet'>"}) {
+    const auto damaged = folder.Write("damaged", bytes);
+    try {
+      const Opened opened(damaged);
+      ADD_FAILURE() << bytes;
+    } catch (const std::runtime_error& error) {
+      const std::string message = error.what();
+      EXPECT_TRUE(message.starts_with(damaged.string() + ": ") &&
+                  message.size() > damaged.string().size() + 5)
+          << message;
+    }
+  }
+}
+
+TEST(Document, RecoversEdits) {
+  const TempFolder folder;
+  const auto path = folder.Write("table.csv", "a,b\nc,d\n");
+  const auto recovery = folder.Path() / "settings" / "rowlark";
+  {
+    Opened document(path);
+    document.WriteRecovery(recovery);
+    EXPECT_EQ(document.FindRecovery(recovery), std::nullopt);  // no edits, no file
+    document.Set(u"A1", u"Ω\r\n\xD800");
+    document.Set(u"C9", u"");
+    document.Set(u"C9", u"new");
+    document.Set(u"B2", u"");
+    document.WriteRecovery(recovery);
+  }
+  Opened document(path);
+  const auto found = document.FindRecovery(recovery);
+  ASSERT_TRUE(found);
+  EXPECT_FALSE(found->damaged);
+  EXPECT_EQ(found->stamp, FileStamp::Of(path));
+  EXPECT_EQ(document.Recover(*found), 0u);
+  EXPECT_EQ(document.ActiveSheet().Range(u"A1")->Value(), u"Ω\r\n\xD800");
+  EXPECT_EQ(document.Get(u"B2") + document.Get(u"C9"), "new");
+  EXPECT_TRUE(document.IsModified());
+
+  // Cut off anywhere, it gives the edits before and says so.
+  const auto file = RecoveryFile(recovery, path);
+  const auto bytes = Read(file);
+  for (std::size_t size = 0; size < bytes.size(); ++size) {
+    std::ofstream(file, std::ios::binary) << bytes.substr(0, size);
+    const auto damaged = document.FindRecovery(recovery);
+    ASSERT_TRUE(damaged && damaged->damaged) << size;
+    EXPECT_LT(damaged->edits.size(), 3u) << size;
+  }
+  folder.Write("table.csv", "other content\n");
+  std::ofstream(file, std::ios::binary) << bytes;
+  EXPECT_NE(document.FindRecovery(recovery)->stamp, FileStamp::Of(path));
+  document.RemoveRecovery(recovery);
+  EXPECT_EQ(document.FindRecovery(recovery), std::nullopt);
 }
 
 }  // namespace

@@ -1,0 +1,254 @@
+#include <charconv>
+#include <cstdlib>
+#include <filesystem>
+#include <map>
+#include <stdexcept>
+
+#include "NumberFormat.h"
+#include "Package.h"
+#include "WorkbookReader.h"
+#include "Xml.h"
+#include "util/Utf.h"
+
+namespace rowlark {
+namespace {
+
+using std::string_view;
+
+// A text with "_x000D_" for characters that XML does not hold.
+std::string Unescape(string_view text) {
+  std::string plain;
+  while (!text.empty()) {
+    unsigned unit = 0;
+    constexpr std::size_t kSize = 7;
+    const bool is_escape = text.size() >= kSize && text.starts_with("_x") && text[kSize - 1] == '_' &&
+                           std::from_chars(text.data() + 2, text.data() + 6, unit, 16).ptr == text.data() + 6;
+    if (is_escape) AppendUtf8(plain, unit);
+    if (!is_escape) plain += text.front();
+    text.remove_prefix(is_escape ? kSize : 1);
+  }
+  return plain;
+}
+
+// What a part refers to.
+class Relationships final : public XmlHandler {
+ public:
+  struct Target {
+    std::string part;
+    std::string type;  // the last word of its address
+  };
+
+  Relationships(const Package& package, const std::filesystem::path& part) : folder_(part.parent_path()) {
+    const auto name = folder_ / "_rels" / (part.filename().string() + ".rels");
+    if (const auto content = package.Read(name.string())) ParseXml(*content, *this);
+  }
+
+  const Target* Find(const std::string& id) const {
+    const auto found = targets_.find(id);
+    return found == targets_.end() ? nullptr : &found->second;
+  }
+  std::string PartOfType(string_view type) const {
+    for (const auto& [id, target] : targets_) {
+      if (target.type == type) return target.part;
+    }
+    return {};
+  }
+
+  void Start(string_view name, const Attributes& attributes) override {
+    if (name != "Relationship") return;
+    const auto type = Value(attributes, "Type");
+    const std::filesystem::path target = std::string(Value(attributes, "Target"));
+    const auto part = target.is_absolute() ? target.relative_path() : folder_ / target;
+    targets_[std::string(Value(attributes, "Id"))] = {part.lexically_normal().string(),
+                                                      std::string(type.substr(type.rfind('/') + 1))};
+  }
+  void End(string_view) override {}
+  void Characters(string_view) override {}
+
+ private:
+  std::filesystem::path folder_;
+  std::map<std::string, Target> targets_;
+};
+
+// The strings of the cells, one after the other.
+class SharedStrings final : public XmlHandler {
+ public:
+  void Start(string_view name, const Attributes&) override {
+    if (name == "si") strings_.emplace_back();
+    if (name == "rPh") in_phonetic_ = true;
+    in_text_ = name == "t" && !in_phonetic_ && !strings_.empty();
+  }
+  void End(string_view name) override {
+    if (name == "si") strings_.back() = Unescape(strings_.back());
+    if (name == "rPh") in_phonetic_ = false;
+    if (name == "t") in_text_ = false;
+  }
+  void Characters(string_view text) override {
+    if (in_text_) strings_.back() += text;
+  }
+
+  const std::string& At(std::size_t index) const {
+    if (index >= strings_.size()) throw std::runtime_error("A cell without its text");
+    return strings_[index];
+  }
+
+ private:
+  std::vector<std::string> strings_;
+  bool in_phonetic_ = false;
+  bool in_text_ = false;
+};
+
+// The number formats of the cells' styles.
+class Styles final : public XmlHandler {
+ public:
+  void Start(string_view name, const Attributes& attributes) override {
+    if (name == "numFmt") codes_[Id(attributes)] = Value(attributes, "formatCode");
+    if (name == "cellXfs") in_cell_formats_ = true;
+    if (name == "xf" && in_cell_formats_) formats_.push_back(Id(attributes));
+  }
+  void End(string_view name) override {
+    if (name == "cellXfs") in_cell_formats_ = false;
+  }
+  void Characters(string_view) override {}
+
+  string_view Code(std::size_t style) const {
+    if (style >= formats_.size()) return "General";
+    const auto own = codes_.find(formats_[style]);
+    return own != codes_.end() ? string_view(own->second) : BuiltinFormat(formats_[style]);
+  }
+
+ private:
+  static int Id(const Attributes& attributes) {
+    return static_cast<int>(Number(attributes, "numFmtId", 0) & 0xFFFF);
+  }
+
+  std::map<int, std::string> codes_;
+  std::vector<int> formats_;
+  bool in_cell_formats_ = false;
+};
+
+struct Workbook final : XmlHandler {
+  void Start(string_view name, const Attributes& attributes) override {
+    if (name == "sheet") sheets.emplace_back(Value(attributes, "name"), Value(attributes, "id"));
+    if (name == "workbookPr") {
+      const auto value = Value(attributes, "date1904");
+      since_1904 = value == "1" || value == "true";
+    }
+  }
+  void End(string_view) override {}
+  void Characters(string_view) override {}
+
+  std::vector<std::pair<std::string, std::string>> sheets;  // name, relationship
+  bool since_1904 = false;
+};
+
+class SheetReader final : public XmlHandler {
+ public:
+  SheetReader(RowBuilder& rows, const SharedStrings& strings, const Styles& styles, bool since_1904)
+      : rows_(rows), strings_(strings), styles_(styles), since_1904_(since_1904) {}
+
+  void Start(string_view name, const Attributes& attributes) override {
+    if (name == "row") {
+      if (!Value(attributes, "r").empty()) rows_.StartRow(Count(attributes, "r"));
+      column_ = 0;
+    } else if (name == "c") {
+      const auto address = Value(attributes, "r");
+      column_ = address.empty() ? column_ + 1 : ColumnOf(address);
+      type_ = Value(attributes, "t");
+      style_ = Number(attributes, "s", 0);
+      value_.clear();
+      in_cell_ = true;
+    } else if (name == "rPh") {
+      in_phonetic_ = true;
+    } else {
+      in_value_ = in_cell_ && (name == "v" || (name == "t" && !in_phonetic_));
+    }
+  }
+
+  void End(string_view name) override {
+    if (name == "row") {
+      rows_.EndRow();
+    } else if (name == "c" && in_cell_) {
+      in_cell_ = false;
+      rows_.Put(column_, Shown());
+    } else if (name == "rPh") {
+      in_phonetic_ = false;
+    } else if (name == "v" || name == "t") {
+      in_value_ = false;
+    }
+  }
+
+  void Characters(string_view text) override {
+    if (in_value_) value_ += text;
+  }
+
+ private:
+  static std::size_t ColumnOf(string_view address) {
+    std::size_t column = 0;
+    for (const char c : address) {
+      if (c < 'A' || c > 'Z' || column > 1'000'000) break;  // further on it is beyond any sheet
+      column = column * 26 + static_cast<std::size_t>(c - 'A') + 1;
+    }
+    return column;
+  }
+  std::string Shown() const {
+    if (value_.empty()) return {};
+    if (type_ == "s") {
+      std::size_t index = 0;
+      std::from_chars(value_.data(), value_.data() + value_.size(), index);
+      return strings_.At(index);
+    }
+    if (type_ == "b") return value_ == "0" ? "FALSE" : "TRUE";
+    if (type_ == "str" || type_ == "inlineStr") return Unescape(value_);
+    if (!type_.empty() && type_ != "n") return value_;  // errors, dates in ISO 8601
+    double number = 0;
+    const auto [end, failed] = std::from_chars(value_.data(), value_.data() + value_.size(), number);
+    if (failed != std::errc() || end != value_.data() + value_.size()) return value_;
+    return FormatNumber(number, styles_.Code(style_), since_1904_);
+  }
+
+  RowBuilder& rows_;
+  const SharedStrings& strings_;
+  const Styles& styles_;
+  bool since_1904_;
+  std::size_t column_ = 0;
+  std::size_t style_ = 0;
+  std::string type_;
+  std::string value_;
+  bool in_cell_ = false;
+  bool in_value_ = false;
+  bool in_phonetic_ = false;
+};
+
+void ParsePart(const Package& package, const std::string& part, XmlHandler& handler) {
+  if (const auto content = package.Read(part)) ParseXml(*content, handler);
+}
+
+}  // namespace
+
+void ReadOfficeOpenXml(const Package& package, SheetSink& sink) {
+  const auto main = Relationships(package, "").PartOfType("officeDocument");
+  const auto content = package.Read(main);
+  if (!content) throw std::runtime_error("No workbook is in this archive");
+  Workbook workbook;
+  ParseXml(*content, workbook);
+  const Relationships parts(package, main);
+  SharedStrings strings;
+  ParsePart(package, parts.PartOfType("sharedStrings"), strings);
+  Styles styles;
+  ParsePart(package, parts.PartOfType("styles"), styles);
+
+  RowBuilder rows(sink);
+  for (const auto& [name, id] : workbook.sheets) {
+    const auto* target = parts.Find(id);
+    if (target != nullptr && target->type != "worksheet") continue;  // a chart
+    const auto sheet = target != nullptr ? package.Read(target->part) : std::nullopt;
+    if (!sheet) throw std::runtime_error("The sheet '" + name + "' is missing");
+    rows.StartSheet(name);
+    SheetReader reader(rows, strings, styles, workbook.since_1904);
+    ParseXml(*sheet, reader);
+  }
+  if (workbook.sheets.empty()) throw std::runtime_error("A workbook without sheets");
+}
+
+}  // namespace rowlark

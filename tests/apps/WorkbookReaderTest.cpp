@@ -1,0 +1,197 @@
+// Workbooks read by our readers, without the process around them.
+#include "WorkbookReader.h"
+
+#include <gtest/gtest.h>
+
+#include <exception>
+
+#include "Archive.h"
+#include "NumberFormat.h"
+
+namespace rowlark {
+namespace {
+
+using testing::Archive;
+using testing::OdsContent;
+using testing::XlsxParts;
+
+// "[Sheet]1:a|b 3:c"
+class Written final : public SheetSink {
+ public:
+  void Sheet(std::string_view name) override { ((text += '[') += name) += ']'; }
+  void Row(int32_t row, std::span<const std::string> cells) override {
+    text += ' ' + std::to_string(row) + ':';
+    for (std::size_t i = 0; i < cells.size(); ++i) (text += i == 0 ? "" : "|") += cells[i];
+  }
+  std::string text;
+};
+
+std::string Read(const std::string& bytes) {
+  Written written;
+  try {
+    ReadWorkbook(bytes, written);
+  } catch (const std::exception& error) {
+    return std::string("error: ") + error.what();
+  }
+  return written.text;
+}
+
+std::string Xlsx(const std::string& rows, const std::string& strings = {},
+                 const std::vector<std::string>& formats = {}) {
+  return Read(Archive(XlsxParts({{"S", rows}}, strings, formats)));
+}
+
+std::string Ods(const std::string& rows) {
+  return Read(
+      Archive({{"content.xml", OdsContent("<table:table table:name=\"S\">" + rows + "</table:table>")}}));
+}
+
+TEST(WorkbookReader, ReadsOfficeOpenXml) {
+  const std::string strings =
+      "<si><t>Name</t></si><si><r><t>Ri</t></r><r><rPr/><t>ch &lt;ä&gt;</t></r><rPh><t>x</t></rPh></si>"
+      "<si><t>a_x000D_b</t></si>";
+  const std::vector<std::string> formats = {"dd.mm.yyyy", "0.0%"};
+  const std::pair<std::string, std::string> kCases[] = {
+      {"<row r='1'><c r='B1' t='s'><v>1</v></c><c r='A1' t='s'><v>0</v></c><c r='C1' "
+       "t='s'><v>2</v></c></row>",
+       "[S] 1:Name|Rich <ä>|a\rb"},
+      {"<row><c><v>1.5</v></c><c t='n'><v>0.1</v></c></row><row/><row r='4'><c "
+       "r='B4'/><c><v>1E3</v></c></row>",
+       "[S] 1:1.5|0.1 4:||1000"},
+      {"<row><c s='1'><v>45000.75</v></c><c s='2'><v>0.125</v></c><c s='9'><v>7</v></c></row>",
+       "[S] 1:15.03.2023|12.5%|7"},
+      {"<row><c t='b'><v>1</v></c><c t='e'><v>#N/A</v></c><c "
+       "t='inlineStr'><is><t>in</t><rPh><t>x</t></rPh></is></c>"
+       "<c t='str'><f>A1</f><v>res</v></c><c><f>1+1</f><v>2</v></c><c t='d'><v>2024-01-02</v></c></row>",
+       "[S] 1:TRUE|#N/A|in|res|2|2024-01-02"},
+      {"<row r='2'/><row r='1'/>", "error: Rows out of order"},
+      {"<row><c t='s'><v>3</v></c></row>", "error: A cell without its text"},
+      {"<row r='1048576'><c r='XFD1048576'><v>1</v></c></row>",
+       "[S] 1048576:" + std::string(16383, '|') + "1"},
+      {"<row r='1048577'><c><v>1</v></c></row>", "error: More than 1,048,576 rows"},
+      {"<row><c r='XFE1'><v>1</v></c></row>", "error: More than 16,384 columns"},
+      {"<row><c r='1'><v>1</v></c></row>", "error: More than 16,384 columns"},
+      {"<row><c></row>", "error: Damaged XML: mismatched tag"}};
+  for (const auto& [rows, expected] : kCases) EXPECT_EQ(Xlsx(rows, strings, formats), expected) << rows;
+  EXPECT_EQ(Read(Archive(XlsxParts({{"A &amp; B", "<row><c><v>1</v></c></row>"}, {"Zwei", ""}}))),
+            "[A & B] 1:1[Zwei]");
+}
+
+TEST(WorkbookReader, ReadsOpenDocument) {
+  const std::pair<std::string, std::string> kCases[] = {
+      {"<table:table-row><table:table-cell office:value-type='float' office:value='1.5'><text:p>1,50 "
+       "€</text:p>"
+       "</table:table-cell><table:table-cell table:number-columns-repeated='2'/><table:covered-table-cell/>"
+       "<table:table-cell "
+       "table:number-columns-repeated='2'><text:p>r</text:p></table:table-cell></table:table-row>",
+       "[S] 1:1,50 €||||r|r"},
+      {"<table:table-row "
+       "table:number-rows-repeated='2'><table:table-cell><text:p>x</text:p></table:table-cell>"
+       "</table:table-row><table:table-row "
+       "table:number-rows-repeated='1048570'><table:table-cell/></table:table-row>",
+       "[S] 1:x 2:x"},
+      {"<table:table-row><table:table-cell><office:annotation><text:p>note</text:p></office:annotation>"
+       "<text:p>a<text:s text:c='2'/>b<text:tab/>c<text:line-break/>\n "
+       "<text:span>d</text:span></text:p><text:p>e</text:p>"
+       "</table:table-cell></table:table-row>",
+       "[S] 1:a  b\tc\n d\ne"},
+      {"<table:table-row><table:table-cell office:value-type='boolean' office:boolean-value='true'/>"
+       "<table:table-cell office:value-type='date' office:date-value='2024-01-02'/></table:table-row>",
+       "[S] 1:TRUE|2024-01-02"},
+      {"<table:table-row><table:table-cell table:number-columns-repeated='99999999999'><text:p>x</text:p>"
+       "</table:table-cell></table:table-row>",
+       "error: More than 16,384 columns"},
+      {"<table:table-row "
+       "table:number-rows-repeated='1048577'><table:table-cell/></table:table-row><table:table-row>"
+       "<table:table-cell><text:p>x</text:p></table:table-cell></table:table-row>",
+       "error: More than 1,048,576 rows"}};
+  for (const auto& [rows, expected] : kCases) EXPECT_EQ(Ods(rows), expected) << rows;
+  EXPECT_EQ(Read("\xEF\xBB\xBF" + OdsContent("<table:table table:name='F'/>")), "[F]");
+}
+
+TEST(WorkbookReader, ReadsXmlSpreadsheet) {
+  const std::string head =
+      "<?xml version='1.0'?><Workbook xmlns='urn:schemas-microsoft-com:office:spreadsheet'>";
+  EXPECT_EQ(
+      Read(head +
+           "<Worksheet ss:Name='S'><Table><Row ss:Index='2'><Cell><Data "
+           "ss:Type='String'>a</Data><Comment><Data>x</Data>"
+           "</Comment></Cell><Cell ss:Index='4'><Data ss:Type='Boolean'>1</Data></Cell>"
+           "<Cell><Data ss:Type='DateTime'>2024-01-02T00:00:00.000</Data></Cell>"
+           "<Cell><Data "
+           "ss:Type='DateTime'>2024-01-02T10:20:00.000</Data></Cell></Row></Table></Worksheet></Workbook>"),
+      "[S] 2:a|||TRUE|2024-01-02|2024-01-02 10:20:00");
+}
+
+TEST(WorkbookReader, RefusesWhatIsDamaged) {
+  EXPECT_EQ(Read(Archive({{"a", "b"}})), "error: No workbook is in this archive");
+  EXPECT_EQ(Read("\xD0\xCF\x11\xE0"),
+            "error: A workbook of an old version or with a password; save it as .xlsx without one");
+  auto parts = XlsxParts({{"S", "<row><c><v>1</v></c></row>"}});
+  for (auto& [name, content] : parts) {  // every part cut off
+    auto whole = content;
+    content.resize(content.size() - 5);
+    EXPECT_TRUE(Read(Archive(parts)).starts_with("error: ")) << name;
+    content = std::move(whole);
+  }
+  parts.erase(parts.begin());
+  EXPECT_EQ(Read(Archive(parts)), "error: The sheet 'S' is missing");
+}
+
+TEST(NumberFormat, ShowsNumbers) {
+  struct Case {
+    double value;
+    std::string_view code;
+    std::string_view shown;
+  };
+  constexpr Case kCases[] = {{0.1 + 0.2, "General", "0.3"},
+                             {1234567890123, "General", "1234567890123"},
+                             {-1.5, "", "-1.5"},
+                             {1e20, "General", "1E+20"},
+                             {1234.5, "0", "1235"},
+                             {1.005, "0.00", "1.01"},
+                             {-0.4, "0", "0"},
+                             {5, "000", "005"},
+                             {1.5, "0.00", "1.50"},
+                             {1.5, "0.##", "1.5"},
+                             {1, "0.##", "1"},
+                             {0.5, "#.0", ".5"},
+                             {1234567.891, "#,##0.00", "1,234,567.89"},
+                             {1234567, "#,##0,", "1,235"},
+                             {12, "#,##0", "12"},
+                             {0.125, "0.0%", "12.5%"},
+                             {12345, "0.00E+00", "1.23E+04"},
+                             {0.00012, "0.0E-0", "1.2E-4"},
+                             {1234.5, "#,##0.00 [$€-407]", "1,234.50 €"},
+                             {3, "\"n=\"0\\ kg", "n=3 kg"},
+                             {3, "0_)", "3 "},
+                             {-5, "0;(0)", "(5)"},
+                             {-5, "#,##0;[Red]-#,##0", "-5"},
+                             {0, "0;-0;\"-\"", "-"},
+                             {5, "0;;", "5"},
+                             {0.5, "# ?/?", "0.5"},
+                             {5, "@", "5"},
+                             {5, "[>3]0;0.0", "5"},
+                             {45000, "yyyy-mm-dd", "2023-03-15"},
+                             {45000, "d/m/yy", "15/3/23"},
+                             {45000, "dddd, d mmmm yyyy", "Wednesday, 15 March 2023"},
+                             {45000, "ddd d-mmm-yy", "Wed 15-Mar-23"},
+                             {0.43055555555, "hh:mm", "10:20"},
+                             {0.999999, "h:mm:ss", "0:00:00"},
+                             {1.5, "[h]:mm", "36:00"},
+                             {0.75, "h:mm AM/PM", "6:00 PM"},
+                             {0, "h AM/PM", "12 AM"},
+                             {0.00001157407 * 61.25, "mm:ss.00", "01:01.25"},
+                             {1, "yyyy-mm-dd", "1900-01-01"},
+                             {61, "yyyy-mm-dd", "1900-03-01"},
+                             {45000.5, "yyyy-mm-dd\\Thh:mm", "2023-03-15T12:00"},
+                             {-1, "yyyy", "-1"},
+                             {1e300, "yyyy", "1E+300"},
+                             {5, "\"open", "5"}};
+  for (const auto& [value, code, shown] : kCases)
+    EXPECT_EQ(FormatNumber(value, code), shown) << value << ' ' << code;
+  EXPECT_EQ(FormatNumber(0, "yyyy-mm-dd", true), "1904-01-01");
+}
+
+}  // namespace
+}  // namespace rowlark
