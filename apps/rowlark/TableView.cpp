@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "host/standalone/Application.h"
 #include "host/standalone/CellText.h"
 #include "util/Utf.h"
 
@@ -172,7 +173,8 @@ void TableView::Measure(int32_t column) {
   if (column < used.first_column + known) return;
   const int32_t first = used.first_column + known;
   const int32_t last = std::max(column, std::min(column + kAtOnce, used.last_column));
-  widths_.resize(static_cast<std::size_t>(last - used.first_column + 1), kLeastWidth);
+  const int32_t count = last - used.first_column + 1;
+  widths_.resize(static_cast<std::size_t>(count), kLeastWidth);
   CellReader reader(sheet_->Text(), false);
   for (int32_t row = used.first_row; row <= std::min(used.last_row, used.first_row + kSample); ++row) {
     for (int32_t c = first; c <= last; ++c) Widen(c, terminal::WidthOf(Beginning(reader.Cell(row, c))));

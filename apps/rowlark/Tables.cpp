@@ -38,8 +38,9 @@ void Tables::Next(int32_t step) {
   const auto at = static_cast<int32_t>(
       std::ranges::find(sheets, &Active().ActiveSheet(), [](const auto& s) { return s.get(); }) -
       sheets.begin());
-  if (at + step >= 0 && at + step < count) {
-    return Active().Workbook()->ActivateSheet(sheets[static_cast<std::size_t>(at + step)]);
+  const int32_t next = at + step;
+  if (next >= 0 && next < count) {
+    return Active().Workbook()->ActivateSheet(sheets[static_cast<std::size_t>(next)]);
   }
   const auto documents = documents_.size();
   Activate((active_ + documents + static_cast<std::size_t>(step)) % documents);

@@ -39,7 +39,7 @@ class Tables {
   // document has come to its end.
   bool Load();
   bool TakeLoaded() { return std::exchange(loaded_, false); }
-  void StopLoading() { Active().Stop(); }
+  void StopLoading() const { Active().Stop(); }
 
   // Saves the active document, asking what there is to ask; false when it was not saved.
   bool Save();

@@ -3,6 +3,7 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -90,7 +91,11 @@ void TerminalProgram::NextTable(int32_t step) {
 void TerminalProgram::EndLoading() {
   pump_.Invalidate();
   std::u16string discarded;
-  if (program_.Items().RowsIsGrouped) program_.Runtime().Search(searched_, discarded);
+  if (const auto form = program_.Forms().Search()) {
+    if (!form->cboText.Text().empty()) form->tmr0.SetEnabled(true);
+  } else if (program_.Items().RowsIsGrouped) {
+    program_.Runtime().Search(searched_, discarded);
+  }
 }
 
 void TerminalProgram::Save() {
@@ -339,7 +344,7 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
     parts.push_back(Text(u"Terminal.Status.Stopped", u"not loaded to its end"));
   }
   if (search_time_) {
-    const auto tenths = static_cast<int32_t>(*search_time_ * 10 + 0.5);
+    const auto tenths = static_cast<int32_t>(std::lround(*search_time_ * 10));
     parts.push_back(program_.Runtime().Language().GetText(u"Terminal.Status.Time", u"%1 ms",
                                                           ToText(tenths / 10) + u"." + ToText(tenths % 10)));
   }

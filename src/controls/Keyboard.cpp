@@ -61,6 +61,15 @@ void Replace(TextInput& input, int32_t start, int32_t length, std::u16string_vie
   input.UserTyped(text, start + static_cast<int32_t>(with.size()));
 }
 
+// The caret before or behind the character next to it, which may be a pair of surrogates.
+int32_t Next(const TextInput& input, int32_t caret, int32_t step) {
+  const auto is = [&](int32_t at, char16_t half) {
+    return at >= 0 && at < input.End() && (input.Text()[static_cast<std::size_t>(at)] & 0xFC00) == half;
+  };
+  caret += step;
+  return is(caret - 1, 0xD800) && is(caret, 0xDC00) ? caret + step : caret;
+}
+
 bool Edit(TextInput& input, int32_t key, int32_t shift) {
   const int32_t start = input.SelStart();
   const int32_t length = input.SelLength();
@@ -71,10 +80,10 @@ bool Edit(TextInput& input, int32_t key, int32_t shift) {
   const bool extend = (shift & kShift) != 0;
   switch (key) {
     case kKeyLeft:
-      move(length > 0 && !extend ? start : input.Caret() - 1);
+      move(length > 0 && !extend ? start : Next(input, input.Caret(), -1));
       return true;
     case kKeyRight:
-      move(length > 0 && !extend ? start + length : input.Caret() + 1);
+      move(length > 0 && !extend ? start + length : Next(input, input.Caret(), 1));
       return true;
     case kKeyHome:
       move(0);
@@ -86,13 +95,13 @@ bool Edit(TextInput& input, int32_t key, int32_t shift) {
       if (length > 0)
         Replace(input, start, length, u"");
       else if (start > 0)
-        Replace(input, start - 1, 1, u"");
+        Replace(input, Next(input, start, -1), start - Next(input, start, -1), u"");
       return true;
     case kKeyDelete:
       if (length > 0)
         Replace(input, start, length, u"");
       else if (start < input.End())
-        Replace(input, start, 1, u"");
+        Replace(input, start, Next(input, start, 1) - start, u"");
       return true;
     default:
       return false;

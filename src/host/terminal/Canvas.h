@@ -56,7 +56,7 @@ class Canvas {
   };
 
   explicit Canvas(terminal::Size size = {})
-      : size_(size), cells_(static_cast<std::size_t>(size.width * size.height)) {}
+      : size_(size), cells_(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height)) {}
 
   terminal::Size Size() const { return size_; }
   const Cell& At(Point at) const { return cells_[Index(at)]; }
@@ -74,7 +74,10 @@ class Canvas {
 
  private:
   bool Holds(Point at) const { return Contains({0, 0, size_.width, size_.height}, at); }
-  std::size_t Index(Point at) const { return static_cast<std::size_t>(at.y * size_.width + at.x); }
+  std::size_t Index(Point at) const {
+    return static_cast<std::size_t>(at.y) * static_cast<std::size_t>(size_.width) +
+           static_cast<std::size_t>(at.x);
+  }
 
   terminal::Size size_;
   std::vector<Cell> cells_;

@@ -139,13 +139,15 @@ class Painter {
 
   void PaintEntries(const Entries& entries, const Rect& area, bool focused) const {
     const auto first = entries.First(area.height);
+    const auto count = static_cast<int32_t>(entries.texts.size());
     for (int32_t y = 0; y < area.height; ++y) {
-      const auto index = static_cast<std::size_t>(first + y);
-      if (index >= entries.texts.size()) return;
-      const bool selected = static_cast<int32_t>(index) == entries.selected;
+      const int32_t index = first + y;
+      if (index >= count) return;
+      const bool selected = index == entries.selected;
       const Style style = !selected ? Style::Normal : focused ? Style::Focus : Style::Selected;
       canvas_.Fill({area.left, area.top + y, area.width, 1}, U' ', style);
-      canvas_.Write({area.left + 1, area.top + y}, entries.texts[index], style, area.width - 2);
+      canvas_.Write({area.left + 1, area.top + y}, entries.texts[static_cast<std::size_t>(index)], style,
+                    area.width - 2);
     }
   }
 

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <clocale>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
@@ -90,7 +92,8 @@ constexpr const char* kMouseSequence = "\033[<";
 // What the terminal's description says; null when it says nothing.
 const char* Capability(const char* name) {
   const char* text = tigetstr(name);
-  return text == reinterpret_cast<const char*>(-1) ? nullptr : text;
+  // For a name that it does not know the library returns -1.
+  return std::bit_cast<std::intptr_t>(text) == -1 ? nullptr : text;
 }
 
 }  // namespace

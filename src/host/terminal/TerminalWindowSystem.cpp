@@ -311,6 +311,7 @@ bool TerminalWindowSystem::OpenList(Form& form) {
   const Rect* area = window->arrangement.Of(control);
   if (box.ListCount() == 0 || area == nullptr) return false;
   std::vector<ListForm::Entry> entries;
+  entries.reserve(static_cast<std::size_t>(box.ListCount()));
   for (int32_t i = 0; i < box.ListCount(); ++i) entries.push_back({box.List(i)});
   const Rect& inner = window->inner;
   const int32_t chosen =

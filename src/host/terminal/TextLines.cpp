@@ -79,21 +79,23 @@ void TextPane::Draw(Canvas& canvas, Point at, Style style, bool focused) const {
     int32_t offset = begin;
     int32_t x = 0;
     const int32_t y = at.y + static_cast<int32_t>(i - first_);
-    const auto caret = [&] {
-      const bool here = offset == input_.Caret() && x < size_.width;
+    // The caret may stand within what is one character on the screen.
+    const auto caret = [&](int32_t next) {
+      const bool here = input_.Caret() >= offset && input_.Caret() < next && x < size_.width;
       if (focused && here && !input_.ReadOnly) canvas.Cursor = Point{at.x + x, y};
     };
     auto rest = text.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
     while (!rest.empty()) {
-      caret();
       const auto left = rest.size();
       const auto glyph = TakeGlyph(rest);
+      const int32_t next = offset + static_cast<int32_t>(left - rest.size());
       if (x + glyph.width > size_.width) break;
+      caret(next);
       canvas.Put({at.x + x, y}, glyph, offset >= first && offset < last ? Style::Focus : style);
       x += glyph.width;
-      offset += static_cast<int32_t>(left - rest.size());
+      offset = next;
     }
-    if (rest.empty()) caret();
+    if (offset == end) caret(end + 1);
   }
 }
 
