@@ -147,10 +147,16 @@ bool Tables::MayQuit() {
     Document& document = *documents_[i];
     if (!document.IsModified()) continue;
     Activate(i);
-    const auto answer = windows_.Choose(
-        Text(u"Terminal.Save.Question", u"Save the changes in %1?", {FileName(document)}), kProductTitle,
-        {Text(u"Terminal.Save.Save", u"&Save"), Text(u"Terminal.Save.Discard", u"&Discard"),
-         Text(u"Edit.UI.BtnClose", u"&Cancel")});
+    const auto path = document.SavePath();
+    const auto question =
+        path == document.Path()
+            ? Text(u"Terminal.Save.Question", u"Save the changes in %1?", {FileName(document)})
+            : Text(u"Terminal.Save.QuestionAs", u"Save the changes in %1 as %2?",
+                   {FileName(document), platform::ToText(path.filename())});
+    const auto answer =
+        windows_.Choose(question, kProductTitle,
+                        {Text(u"Terminal.Save.Save", u"&Save"), Text(u"Terminal.Save.Discard", u"&Discard"),
+                         Text(u"Edit.UI.BtnClose", u"&Cancel")});
     if (answer == 2) return false;
     if (answer == 1) document.RemoveRecovery(RecoveryFolder());
     // Of several sheets each is saved by itself.

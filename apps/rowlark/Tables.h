@@ -29,6 +29,8 @@ class Tables {
 
   Document& Active() const { return *documents_[active_]; }
   TableView& View();
+  // Shows the document that was opened first.
+  void First() { Activate(0); }
   // Goes on to another sheet, or to another document from its last one.
   void Next(int32_t step);
   // What the active one is called, and which one of how many it is; no more than the name when it is alone.

@@ -60,7 +60,7 @@ TerminalProgram::~TerminalProgram() {
 
 int TerminalProgram::Run(const TerminalArguments& arguments) {
   for (const auto& file : arguments.files) tables_.Open(file, arguments.separator);
-  NextTable(1);
+  tables_.First();
   auto& runtime = program_.Runtime();
   runtime.MenuCreate();
   const auto& items = program_.Items();

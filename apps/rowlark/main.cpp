@@ -24,6 +24,8 @@ using rowlark::SearchArguments;
 constexpr int kFailed = 2;  // grep's status for trouble
 
 constexpr const char* kExamples = R"(Examples:
+  rowlark customers.csv orders.xlsx
+      opens the tables in the terminal: typing searches, F1 tells the keys
   rowlark search customers.csv münchen
       rows with a cell that holds the text, letter case ignored
   rowlark search customers.csv "киев praha" --words any --columns F,K
@@ -84,7 +86,8 @@ int Run(int argc, char** argv) {
 
   rowlark::ProgramArguments common;
   rowlark::TerminalArguments table;
-  app.add_option("FILE", table.files, "tables to open on the terminal: CSV, TSV")->type_name("");
+  app.add_option("FILE", table.files, "tables to open in the terminal: CSV, TSV, .xlsx, .ods and others")
+      ->type_name("");
   const auto add_common = [&common](CLI::App& command) {
     command.add_option("--config", common.config, "configuration file (default: the user's)")
         ->type_name("FILE");

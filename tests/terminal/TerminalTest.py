@@ -91,6 +91,16 @@ class Table(Session):
         terminal = self.start("t.csv", "other.csv").wait("t.csv (1/2)")
         terminal.press("F7").wait("other.csv (2/2)").wait("1 of 1 rows").press("C-PgDn").wait("t.csv (1/2)")
 
+    def test_goes_through_the_sheets_of_a_workbook(self):
+        sheet = '<Worksheet ss:Name="{0}"><Table><Row><Cell><Data ss:Type="String">{0}</Data></Cell></Row></Table></Worksheet>'
+        self.file("w.xml", '<?xml version="1.0"?><Workbook xmlns="urn:schemas-microsoft-com:office:spreadsheet" '
+                  'xmlns:ss="urn:schemas-microsoft-com:office:spreadsheet">' + sheet.format("One") + sheet.format("Two") +
+                  "</Workbook>")
+        terminal = self.start("w.xml").wait("w.xml: One (1/2) │ A1 One").press("F7").wait("w.xml: Two (2/2) │ A1 Two")
+        terminal.press("F2").wait("─ A1 ─").press("!", "Enter").wait("Two *").press("C-q")
+        terminal.wait("Save the changes in w.xml as w.Two.csv?").press("Enter").end()
+        self.assertIn("Two!", (self.folder / "w.Two.csv").read_text(encoding="utf-8-sig"))
+
     def test_shows_any_text_harmlessly(self):
         self.file("odd.csv", 'a,b\n漢字かな,x\ne\u0301te\u0301,y\n"two\nlines",\x1b[31mred\u202eleft\n')
         self.assert_shows(self.start("odd.csv"), """
