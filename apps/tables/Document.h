@@ -67,7 +67,7 @@ class Document {
   void Stop();
   enum class State { Loading, Loaded, Stopped };
   State LoadState() const noexcept { return state_; }
-  // How much is loaded, 0 to 1; stays 0 while that can not be told.
+  // How much is loaded, 0 to 1; 0 while that can not be told (a pipe).
   double Fraction() const;
 
   const std::filesystem::path& Path() const noexcept { return path_; }

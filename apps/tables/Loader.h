@@ -17,7 +17,7 @@ class Loader {
   // Loads on for a short while; false at the end. The workbook comes with one empty sheet. Throws
   // std::runtime_error("path: reason").
   virtual bool Step(standalone::Workbook& workbook) = 0;
-  // How much is loaded, 0 to 1; 0 while that can not be told.
+  // How much is loaded, 0 to 1; 0 while that can not be told (a pipe).
   virtual double Fraction() const = 0;
   // The file behind the one sheet, if it is a CSV file.
   virtual CsvFile* Csv() noexcept { return nullptr; }

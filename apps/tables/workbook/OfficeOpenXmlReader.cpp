@@ -144,8 +144,17 @@ struct Workbook final : XmlHandler {
 
 class SheetReader final : public XmlHandler {
  public:
-  SheetReader(RowBuilder& rows, const SharedStrings& strings, const Styles& styles, bool since_1904)
-      : rows_(rows), strings_(strings), styles_(styles), since_1904_(since_1904) {}
+  // `first`, `part`: what has been read before, of all, and what this sheet is of it.
+  SheetReader(RowBuilder& rows, const SharedStrings& strings, const Styles& styles, bool since_1904,
+              double first, double part)
+      : rows_(rows),
+        strings_(strings),
+        styles_(styles),
+        since_1904_(since_1904),
+        first_(first),
+        part_(part) {}
+
+  void Progress(double fraction) override { rows_.Progress(first_ + part_ * fraction); }
 
   void Start(string_view name, const Attributes& attributes) override {
     if (name == "row") {
@@ -211,6 +220,8 @@ class SheetReader final : public XmlHandler {
   const SharedStrings& strings_;
   const Styles& styles_;
   bool since_1904_;
+  double first_;
+  double part_;
   std::size_t column_ = 0;
   std::size_t style_ = 0;
   std::string type_;
@@ -232,6 +243,7 @@ void ReadOfficeOpenXml(const Package& package, SheetSink& sink) {
   if (!content) throw std::runtime_error("No workbook is in this archive");
   Workbook workbook;
   ParseXml(*content, workbook);
+  if (workbook.sheets.empty()) throw std::runtime_error("A workbook without sheets");
   const Relationships parts(package, main);
   SharedStrings strings;
   ParsePart(package, parts.PartOfType("sharedStrings"), strings);
@@ -239,16 +251,18 @@ void ReadOfficeOpenXml(const Package& package, SheetSink& sink) {
   ParsePart(package, parts.PartOfType("styles"), styles);
 
   RowBuilder rows(sink);
+  const double part = 1 / static_cast<double>(workbook.sheets.size());
+  double read = 0;
   for (const auto& [name, id] : workbook.sheets) {
     const auto* target = parts.Find(id);
     if (target != nullptr && target->type != "worksheet") continue;  // a chart
     const auto sheet = target != nullptr ? package.Read(target->part) : std::nullopt;
     if (!sheet) throw std::runtime_error("The sheet '" + name + "' is missing");
     rows.StartSheet(name);
-    SheetReader reader(rows, strings, styles, workbook.since_1904);
+    SheetReader reader(rows, strings, styles, workbook.since_1904, read, part);
     ParseXml(*sheet, reader);
+    read += part;
   }
-  if (workbook.sheets.empty()) throw std::runtime_error("A workbook without sheets");
 }
 
 }  // namespace rowlark

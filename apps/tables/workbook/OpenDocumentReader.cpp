@@ -66,6 +66,8 @@ class OpenDocumentReader final : public XmlHandler {
     }
   }
 
+  void Progress(double fraction) override { rows_.Progress(fraction); }
+
  private:
   // What holds text that is none of the cell's.
   static bool IsAside(std::string_view name) {

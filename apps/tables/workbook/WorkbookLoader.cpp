@@ -31,6 +31,7 @@ constexpr const char* kDamaged = "The file is damaged: it can not be read";
 enum class Message : char {
   Sheet,  // its name
   Row,    // its number as 4 bytes; of every cell the size as 4 bytes, and the text
+  Done,   // how much has been read, in thousandths, as 4 bytes
   Error,  // the reason
   End,
 };
@@ -58,6 +59,9 @@ class PipeWriter final : public SheetSink {
     auto content = Bytes(static_cast<std::size_t>(row));
     for (const auto& cell : cells) (content += Bytes(cell.size())) += cell;
     Send(Message::Row, content);
+  }
+  void Progress(double fraction) override {
+    Send(Message::Done, Bytes(static_cast<std::size_t>(fraction * 1000)));
   }
   void Send(Message kind, std::string_view content) {
     ((buffer_ += static_cast<char>(kind)) += Bytes(content.size())) += content;
@@ -134,8 +138,7 @@ class WorkbookLoader final : public Loader {
     return TakeMessages(workbook);
   }
 
-  // There is no telling how much will come.
-  double Fraction() const override { return 0; }
+  double Fraction() const override { return fraction_; }
 
  private:
   [[noreturn]] void Fail(const std::string& reason) const { throw std::runtime_error(path_ + ": " + reason); }
@@ -154,6 +157,7 @@ class WorkbookLoader final : public Loader {
       if (kind == Message::Error) Fail(content.empty() ? kDamaged : std::string(content));
       if (kind == Message::Sheet) StartSheet(workbook, content);
       if (kind == Message::Row) AppendRow(content);
+      if (kind == Message::Done) fraction_ = TakeNumber(content) / 1000.0;
     }
     buffer_.erase(0, buffer_.size() - rest.size());
     return true;
@@ -190,6 +194,7 @@ class WorkbookLoader final : public Loader {
   int pipe_ = -1;
   pid_t process_ = -1;
   std::string buffer_;
+  double fraction_ = 0;
   Ref<standalone::Worksheet> sheet_;
   std::vector<std::string_view> cells_;
   std::list<std::string> repaired_;

@@ -19,6 +19,8 @@ class SheetSink {
   virtual void Sheet(std::string_view name) = 0;
   // Rows count from 1; texts may hold malformed UTF-8.
   virtual void Row(int32_t row, std::span<const std::string> cells) = 0;
+  // How much of all has been read, 0 to 1; now and then.
+  virtual void Progress(double) {}
 };
 
 // Whether the first bytes of a file are those of a workbook, also one that can not be read.
@@ -33,6 +35,7 @@ class RowBuilder {
   explicit RowBuilder(SheetSink& sink) : sink_(sink) {}
 
   void StartSheet(std::string_view name);
+  void Progress(double fraction) { sink_.Progress(fraction); }
   // Ends the row at hand and goes to that one, from 1; throws when it lies before.
   void StartRow(std::size_t row);
   std::size_t Row() const noexcept { return row_; }

@@ -28,8 +28,10 @@ class Parse {
 
   void Run(std::string_view content) {
     constexpr std::size_t kPiece = 1 << 20;  // sizes are 32 bits wide here
+    const auto size = static_cast<double>(content.size() + 1);
     bool is_last = false;
     do {
+      handler_.Progress(1 - static_cast<double>(content.size()) / size);
       const auto piece = content.substr(0, kPiece);
       content.remove_prefix(piece.size());
       is_last = content.empty();

@@ -19,6 +19,8 @@ class XmlHandler {
   virtual void Start(std::string_view name, const Attributes& attributes) = 0;
   virtual void End(std::string_view name) = 0;
   virtual void Characters(std::string_view text) = 0;
+  // How much has been read, 0 to 1; now and then.
+  virtual void Progress(double) {}
 
  protected:
   // The value of an attribute; empty without it.

@@ -42,6 +42,8 @@ class XmlSpreadsheetReader final : public XmlHandler {
     if (in_data_) text_ += text;
   }
 
+  void Progress(double fraction) override { rows_.Progress(fraction); }
+
  private:
   std::string Shown() const {
     if (type_ == "Boolean") return text_ == "0" ? "FALSE" : "TRUE";
