@@ -32,6 +32,8 @@ constexpr const char* kExamples = R"(Examples:
       rows with either word in column F or K
   rowlark search customers.csv open --words cell --filter G=Germany --filter "J=>=100"
       of the rows that two filters show, those with a cell that is exactly "open"
+  rowlark search orders.xlsx open --sheet "Last year"
+      the rows of a sheet of a workbook, as CSV
   rowlark search customers.csv smith --go-to --jump H
       the address of the cell in column H of the first match
 
@@ -107,9 +109,12 @@ int Run(int argc, char** argv) {
   add_separator(app);
   add_common(app);
 
-  CLI::App& search = *app.add_subcommand("search", "Search a CSV file and print the rows that match");
+  CLI::App& search = *app.add_subcommand("search", "Search a table and print the rows that match");
   search.footer(kExamples);
-  search.add_option("FILE", arguments.file, "CSV file: UTF-8, UTF-16 with a mark, or Windows-1252")
+  search
+      .add_option(
+          "FILE", arguments.file,
+          "CSV in UTF-8, UTF-16 with a mark or Windows-1252; .xlsx, .ods, .fods, XML Spreadsheet 2003")
       ->required()
       ->type_name("");
   search.add_option("TEXT", arguments.text, "what to look for")->required()->type_name("");

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "Archive.h"
 #include "TempFolder.h"
 
 namespace rowlark {
@@ -20,7 +21,7 @@ struct Outcome {
   std::string error;
 };
 
-class CommandLine : public testing::Test {
+class CommandLine : public ::testing::Test {
  protected:
   CommandLine() {
     folder_.Write(
@@ -28,6 +29,9 @@ class CommandLine : public testing::Test {
         "id,city,status\n1,Köln,open\n2,Αθήνα,paid\n3,KÖLN,partly paid\n4,Киев,paid\n5,Praha,open\n");
     folder_.Write("quoted.csv", "\uFEFFa;\"x\r\ny \"\"1\"\"\"\r\nb;c\r\nlast;y");
     folder_.Write("pipes.txt", "a|b,c\n");
+    folder_.Write("book.xlsx",
+                  testing::Archive(testing::XlsxParts(
+                      {{"One", "<row><c><v>1</v></c></row>"}, {"Zwei", "<row><c><v>2.5</v></c></row>"}})));
     folder_.Write("empty.csv", "");
   }
 
@@ -67,6 +71,8 @@ TEST_F(CommandLine, FindsAndPrints) {
       {"orders.csv praha --go-to", "A6\n"},
       {"orders.csv praha --go-to --jump C", "C6\n"},
       {"quoted.csv Y", "a;\"x\r\ny \"\"1\"\"\"\r\nlast;y\r\n"},
+      {"book.xlsx 2 --sheet zwei", "2.5\n"},
+      {"book.xlsx 2", ""},
       {"pipes.txt b,c --words cell --separator '|'", "a|b,c\n"},
       {"pipes.txt -- -x", ""},
       {"empty.csv x", ""}};
@@ -115,6 +121,7 @@ TEST_F(CommandLine, RefusesInOneLineAndHelps) {
       {"search orders.csv x --jump 2", "--jump: no column '2' in the table"},
       {"search orders.csv x --range A0:B2", "--range: not a block of cells: A0:B2"},
       {"search orders.csv x --range A1:B2,C3", "--range: not a block of cells: A1:B2,C3"},
+      {"search book.xlsx x --sheet Drei", "--sheet: no sheet 'Drei' in the file (One, Zwei)"},
       {"search none.csv x", "none.csv: No such file or directory"},
       {"search binary.csv x", "binary.csv: Not a text file"},
       {"search orders.csv köln >/dev/full", "standard output: No space left on device"}};

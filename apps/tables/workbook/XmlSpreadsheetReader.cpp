@@ -49,7 +49,7 @@ class XmlSpreadsheetReader final : public XmlHandler {
     if (type_ == "Boolean") return text_ == "0" ? "FALSE" : "TRUE";
     if (type_ != "DateTime") return text_;
     // 2024-01-02T10:20:00.000
-    const auto seconds = text_.substr(0, text_.find('.'));
+    auto seconds = text_.substr(0, text_.find('.'));
     const auto at = seconds.find('T');
     if (at == std::string::npos) return seconds;
     const auto time = seconds.substr(at + 1);

@@ -18,6 +18,7 @@ inline constexpr int32_t kMaxColumn = 16384;
 struct Cell {
   int32_t row = 0;
   int32_t column = 0;
+  // NOLINTNEXTLINE(modernize-use-nullptr): a fault of the check
   friend auto operator<=>(const Cell&, const Cell&) = default;
 };
 
