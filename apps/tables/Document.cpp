@@ -107,16 +107,19 @@ bool Document::Step() {
   try {
     if (loader_->Step(*workbook_)) return true;
   } catch (...) {
-    state_ = State::Stopped;
+    Stop();
     throw;
   }
   state_ = State::Loaded;
+  loader_->Stop();
   for (const auto& sheet : Sheets()) sheet->SetLoading(false);
   return false;
 }
 
 void Document::Stop() {
-  if (state_ == State::Loading) state_ = State::Stopped;
+  if (state_ != State::Loading) return;
+  state_ = State::Stopped;
+  loader_->Stop();
 }
 
 double Document::Fraction() const { return state_ == State::Loaded ? 1 : loader_->Fraction(); }
@@ -171,7 +174,7 @@ bool Document::Save(const SaveOptions& options, const Progress& progress) {
   CsvFile* const csv = loader_->Csv();
   const bool changed = ChangedOnDisk();
   std::error_code missing;
-  const bool is_own = csv != nullptr && std::filesystem::equivalent(path, path_, missing);
+  const bool is_own = csv != nullptr && (path == path_ || std::filesystem::equivalent(path, path_, missing));
   if (is_own && changed && !options.overwrite) {
     throw SaveRefused(SaveRefused::Reason::FileChanged, path.string() + ": Changed by another program");
   }

@@ -19,6 +19,8 @@ class Loader {
   virtual bool Step(standalone::Workbook& workbook) = 0;
   // How much is loaded, 0 to 1; 0 while that can not be told (a pipe).
   virtual double Fraction() const = 0;
+  // Gives back what only loading needs; no step follows.
+  virtual void Stop() noexcept {}
   // The file behind the one sheet, if it is a CSV file.
   virtual CsvFile* Csv() noexcept { return nullptr; }
 };

@@ -125,6 +125,10 @@ TEST(Document, AsksBeforeItOverwritesOrConverts) {
   EXPECT_TRUE(document.Save({.overwrite = true}));
   EXPECT_EQ(Read(path), "\xEF\xBB\xBFMünchen,ж\n");
   EXPECT_FALSE(document.ChangedOnDisk());
+  std::filesystem::remove(path);
+  EXPECT_EQ(document.Refusal(), Reason::FileChanged);
+  EXPECT_EQ(document.Refusal({.overwrite = true}), std::nullopt);
+  EXPECT_EQ(Read(path), "\xEF\xBB\xBFMünchen,ж\n");
 
   // What would be read as another encoding.
   Opened tricky(folder.Write("tricky.csv", "\xC3\xBC,\xFC\n"));

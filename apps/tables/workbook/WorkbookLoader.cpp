@@ -119,11 +119,16 @@ class WorkbookLoader final : public Loader {
   WorkbookLoader(const WorkbookLoader&) = delete;
   WorkbookLoader& operator=(const WorkbookLoader&) = delete;
   ~WorkbookLoader() override {
+    Stop();
     ::close(pipe_);
+  }
+
+  void Stop() noexcept override {
     if (process_ <= 0) return;
     ::kill(process_, SIGKILL);
     while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) {
     }
+    process_ = -1;
   }
 
   bool Step(standalone::Workbook& workbook) override {
