@@ -269,7 +269,6 @@ void TerminalProgram::Press(const KeyPress& press) {
   if (press.Is(FKey(10)) || press.Is(u'R', kAlt)) return ShowMenu();
   if (RunHotKey(press)) return;
   if (press.Is(u'Q', kCtrl) || press.Is(u'C', kCtrl)) return Quit();
-  if (press.Is(u'Z', kCtrl)) return pump_.Suspend();
   if (press.Is(FKey(2)) || press.Is(kKeyReturn)) return Edit();
   if (press.character >= U' ' && press.character != 127) StartSearch(press);
 }

@@ -55,7 +55,7 @@ void MessageForm::Form_Close() {
   Unload();
 }
 
-ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, controls::View& view)
+ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t rows, controls::View& view)
     : Form(u"ListForm") {
   int32_t width = 0;
   for (const auto& entry : entries) {
@@ -71,7 +71,8 @@ ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, controls
   };
   Activate = [this] { list_.SetFocus(); };
   constexpr int32_t kLine = 12;
-  SetLayout(Layout::Column({Layout(list_, {4 * (width + 3), kLine * static_cast<int32_t>(entries.size())})}));
+  SetLayout(Layout::Column(
+      {Layout(list_, {4 * (width + 3), kLine * std::min(rows, static_cast<int32_t>(entries.size()))})}));
   Attach(view);
   Arrange();
   Load();

@@ -38,7 +38,8 @@ class ListForm final : public controls::Form {
     std::u16string text;
     char32_t accelerator = 0;  // the letter that chooses it
   };
-  ListForm(const std::vector<Entry>& entries, int32_t selected, controls::View& view);
+  // Shows so many rows at the most.
+  ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t rows, controls::View& view);
 
   // The index of the entry chosen; -1 when none was.
   int32_t Chosen() const { return chosen_; }

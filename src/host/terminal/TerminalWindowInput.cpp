@@ -1,0 +1,204 @@
+// What the user does with windows.
+#include <algorithm>
+
+#include "controls/ComboBox.h"
+#include "controls/Keyboard.h"
+#include "controls/ToolBar.h"
+#include "controls/TreeView.h"
+#include "host/terminal/FormPainter.h"
+#include "host/terminal/TerminalWindowSystem.h"
+#include "host/terminal/TextLines.h"
+#include "util/Text.h"
+#include "util/Utf.h"
+
+namespace rowlark::terminal {
+namespace {
+
+using controls::Control;
+using controls::ControlKind;
+using controls::Form;
+
+// Keys that mean nothing to a form's controls: what a form leaves of them is the desktop's.
+bool IsForeign(const KeyPress& press) {
+  const bool letter = press.key >= u'A' && press.key <= u'Z';
+  const bool ctrl = (press.shift & controls::kCtrl) != 0;
+  return (press.key >= kKeyF1 && press.key <= kKeyF12) || press.key == kKeyPageUp ||
+         press.key == kKeyPageDown || press.key == kKeyInsert || (ctrl && letter);
+}
+
+}  // namespace
+
+void TerminalWindowSystem::UseInput(const Input& input) {
+  if (const auto* press = std::get_if<KeyPress>(&input)) UseKey(*press);
+  if (const auto* action = std::get_if<MouseAction>(&input)) UseMouse(*action);
+}
+
+void TerminalWindowSystem::UseDesktop(const KeyPress& press) {
+  if (!desktop_->Navigate(press)) desktop_->Press(press);
+}
+
+void TerminalWindowSystem::UseKey(const KeyPress& press) {
+  if (press.Is(u'Z', controls::kCtrl)) return pump_.Suspend();
+  auto* window = Active();
+  if (window == nullptr) return UseDesktop(press);
+  const Ref<Form> form(window->form);
+  if (!form->Modal()) {
+    if (press.Is(kKeyF1 + 5)) {
+      desktop_focus_ = !desktop_focus_;
+      return;
+    }
+    if (form->Topmost() && !desktop_focus_ && desktop_->Navigate(press)) return;
+    if (desktop_focus_ && !form->Topmost()) {
+      if (!press.Is(controls::kKeyEscape)) return UseDesktop(press);
+      desktop_focus_ = false;
+      return;
+    }
+  }
+  const bool opens = press.Is(kKeyF1 + 3) || press.Is(controls::kKeyDown, controls::kAlt);
+  if ((opens && OpenList(*form)) || PressToolBar(*form, press) || MoveFocus(*form, press)) return;
+  if (IsForeign(press)) {
+    const bool left = form->UserKeyDown(press.key, press.shift) != 0;
+    form->UserKeyUp(press.key, press.shift);
+    if (left && !form->Modal()) UseDesktop(press);
+    return;
+  }
+  std::u16string units;
+  if (press.character != 0) AppendUtf16(units, press.character);
+  PressKey(*form, press.key, press.shift, units.empty() ? u'\0' : units.front());
+  if (units.size() > 1) PressKey(*form, kKeyPacket, press.shift, units.back());
+}
+
+// Arrows go from button to button and from box to box, as Tab does.
+bool TerminalWindowSystem::MoveFocus(Form& form, const KeyPress& press) {
+  const Control* control = form.ActiveControl();
+  if (control == nullptr || press.shift != controls::kNoShift) return false;
+  const bool moves = control->Kind == ControlKind::Button || control->Kind == ControlKind::CheckBox ||
+                     control->Kind == ControlKind::OptionButton;
+  const bool back = press.key == controls::kKeyLeft || press.key == controls::kKeyUp;
+  if (!moves || (!back && press.key != controls::kKeyRight && press.key != controls::kKeyDown)) return false;
+  PressKey(form, controls::kKeyTab, back ? controls::kShift : controls::kNoShift);
+  return true;
+}
+
+// Of the combo box that has the keyboard.
+bool TerminalWindowSystem::OpenList(Form& form) {
+  Control* control = form.ActiveControl();
+  if (control == nullptr || control->Kind != ControlKind::ComboBox || !control->Enabled()) return false;
+  auto& box = static_cast<controls::ComboBox&>(*control);
+  const auto* window = Find(form);
+  if (window->arrangement.places.empty()) Draw();  // the key came before the form was seen
+  const Rect* area = window->arrangement.Of(control);
+  if (box.ListCount() == 0 || area == nullptr) return false;
+  std::vector<ListForm::Entry> entries;
+  entries.reserve(static_cast<std::size_t>(box.ListCount()));
+  for (int32_t i = 0; i < box.ListCount(); ++i) entries.push_back({box.List(i)});
+  const Rect& inner = window->inner;
+  const int32_t chosen =
+      ChooseFrom(entries, box.ListIndex(), {inner.left + area->left, inner.top + area->top - window->scroll});
+  if (form.Loaded()) box.UserPicked(chosen);
+  return true;
+}
+
+// Its buttons can not have the keyboard; Alt with their first letter presses them.
+bool TerminalWindowSystem::PressToolBar(Form& form, const KeyPress& press) {
+  if (press.shift != controls::kAlt) return false;
+  for (auto* control : form.Controls()) {
+    if (control->Kind != ControlKind::ToolBar || !control->Shown()) continue;
+    auto& bar = static_cast<controls::ToolBar&>(*control);
+    for (const auto& button : bar.Buttons()) {
+      std::u16string_view caption = button.caption;
+      if (caption.empty() || ToUpper(TakeUtf16(caption)) != static_cast<char32_t>(press.key)) continue;
+      bar.UserPressed(std::u16string(button.key));
+      return true;
+    }
+  }
+  return false;
+}
+
+void TerminalWindowSystem::UseMouse(const MouseAction& action) {
+  using Kind = MouseAction::Kind;
+  auto* active = Active();
+  const bool modal = active != nullptr && active->form->Modal();
+  const bool selecting = active != nullptr && active->form->Topmost();
+  Window* hit = nullptr;
+  for (auto& window : windows_) {
+    const bool drawn = window.form->Visible() && (!selecting || &window == active);
+    if (drawn && (!modal || &window == active) && Contains(window.frame, action.at)) hit = &window;
+  }
+  const bool press = action.kind == Kind::Press;
+  if (press) mouse_in_desktop_ = hit == nullptr && !modal;
+  if (hit == nullptr || (mouse_in_desktop_ && (action.kind == Kind::Drag || action.kind == Kind::Release))) {
+    if (modal) {
+      if (press && active->beside != Point{}) active->form->UserClosed();
+      return;
+    }
+    if (press && active != nullptr && !selecting) desktop_focus_ = true;
+    return desktop_->UseMouse(action);
+  }
+  if (!press) {
+    if (action.kind == Kind::WheelUp || action.kind == Kind::WheelDown) {
+      const Ref<Form> form(hit->form);
+      PressKey(*form, action.kind == Kind::WheelUp ? controls::kKeyUp : controls::kKeyDown);
+    }
+    return;
+  }
+  const Ref<Form> form(hit->form);
+  if (hit != active || desktop_focus_) Activate(*hit);
+  if (auto* window = Find(*form)) UseMouse(*window, action);
+}
+
+void TerminalWindowSystem::UseMouse(Window& window, const MouseAction& action) {
+  const Ref<Form> form(window.form);
+  const auto& frame = window.frame;
+  if (action.at.y == frame.top && window.beside == Point{} && action.at.x >= frame.left + frame.width - 4) {
+    return form->UserClosed();
+  }
+  const Point at{action.at.x - window.inner.left, action.at.y - window.inner.top + window.scroll};
+  const auto& places = window.arrangement.places;
+  const auto place = std::find_if(places.rbegin(), places.rend(), [at](const Arrangement::Place& p) {
+    return p.control->Kind != ControlKind::Frame && Contains(p.area, at);
+  });
+  if (place == places.rend()) return form->UserClicked();
+  auto [control, area] = *place;
+  if (control->Focusable()) control->UserFocused();
+  control->UserPressedMouse();
+  if (!form->Loaded()) return;
+  const auto entry = control->Kind == ControlKind::TreeView || control->Kind == ControlKind::ListView ||
+                             control->Kind == ControlKind::ToolBar
+                         ? EntryAt(*control, area, at)
+                         : std::nullopt;
+  switch (control->Kind) {
+    case ControlKind::ListView:
+      if (!entry) return;
+      static_cast<controls::ListView*>(control)->UserPicked(*entry);
+      if (auto* list = dynamic_cast<ListForm*>(form.get())) list->Choose(*entry);
+      return;
+    case ControlKind::TreeView:
+      if (entry) static_cast<controls::TreeView*>(control)->UserPicked(*entry);
+      return;
+    case ControlKind::ToolBar:
+      if (entry) {
+        auto* bar = static_cast<controls::ToolBar*>(control);
+        bar->UserPressed(std::u16string(bar->Buttons()[static_cast<std::size_t>(*entry)].key));
+      }
+      return;
+    case ControlKind::ComboBox:
+      if (at.x >= area.left + area.width - 2 || static_cast<controls::ComboBox*>(control)->DropDownList) {
+        OpenList(*form);
+        return;
+      }
+      [[fallthrough]];
+    case ControlKind::TextBox: {
+      auto* input = static_cast<controls::TextInput*>(control);
+      const int32_t caret =
+          TextPane(*input, {area.width, area.height}).OffsetAt({at.x - area.left, at.y - area.top});
+      if (input->Enabled()) input->UserSelected(caret, caret);
+      break;
+    }
+    default:
+      break;
+  }
+  control->UserClicked();
+}
+
+}  // namespace rowlark::terminal
