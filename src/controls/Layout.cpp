@@ -11,7 +11,6 @@
 namespace rowlark::controls {
 namespace {
 
-constexpr int32_t kGap = 4;            // between cells
 constexpr Rect kInset{6, 11, 12, 17};  // of a frame: left, top, both sides, top and bottom
 
 int32_t LineWidth(const View* view, std::u16string_view line) {
@@ -30,23 +29,6 @@ Size TextSize(const View* view, std::u16string_view text) {
 }
 
 Size Max(Size a, Size b) { return {std::max(a.width, b.width), std::max(a.height, b.height)}; }
-
-// Spreads what is left of `available` over the flagged lengths.
-void Stretch(std::vector<int32_t>& lengths, const std::vector<bool>& flags, int32_t available) {
-  const auto flagged = static_cast<int32_t>(std::ranges::count(flags, true));
-  if (flagged == 0) return;
-  const int32_t used =
-      std::accumulate(lengths.begin(), lengths.end(), 0) + kGap * (static_cast<int32_t>(lengths.size()) - 1);
-  int32_t left = std::max(0, available - used);
-  int32_t takers = flagged;
-  for (std::size_t i = 0; i < lengths.size(); ++i) {
-    if (!flags[i]) continue;
-    const int32_t share = left / std::max(takers, 1);
-    --takers;
-    lengths[i] += share;
-    left -= share;
-  }
-}
 
 }  // namespace
 
@@ -75,6 +57,11 @@ Layout Layout::Framed(Control& frame, Layout content) {
   Layout framed = Column({std::move(content).Wide().High()});
   framed.control_ = &frame;
   return framed;
+}
+
+Layout Layout::Apart() && {
+  gap_ = 7;
+  return std::move(*this);
 }
 
 Layout Layout::Wide() && {
@@ -125,10 +112,10 @@ Size Layout::MeasureControl(const View* view) const {
     case ControlKind::OptionButton:
       return Max(minimum_, {text.width + 14, 10});
     case ControlKind::Label:
-      return Max(minimum_, text);
+      return Max(minimum_, {text.width + 2, text.height});  // letters may reach beyond their width
     case ControlKind::TextBox:
     case ControlKind::ComboBox:
-      return Max(minimum_, {40, 12});
+      return Max(minimum_, {40, 14});
     case ControlKind::TreeView: {
       Size size = minimum_;
       for (const auto& node : static_cast<const TreeView*>(control_)->Nodes()) {
@@ -139,12 +126,31 @@ Size Layout::MeasureControl(const View* view) const {
     case ControlKind::ToolBar: {
       Size size{0, 16};
       for (const auto& button : static_cast<const ToolBar*>(control_)->Buttons()) {
-        size.width += LineWidth(view, button.caption) + 12;
+        size.width += LineWidth(view, button.caption) + 22;
       }
       return Max(minimum_, size);
     }
     default:
       return minimum_;
+  }
+}
+
+int32_t Layout::Sum(const std::vector<int32_t>& lengths) const {
+  return std::accumulate(lengths.begin(), lengths.end(), gap_ * (static_cast<int32_t>(lengths.size()) - 1));
+}
+
+// Spreads what is left of `available` over the flagged lengths.
+void Layout::Stretch(std::vector<int32_t>& lengths, const std::vector<bool>& flags, int32_t available) const {
+  const auto flagged = static_cast<int32_t>(std::ranges::count(flags, true));
+  if (flagged == 0) return;
+  int32_t left = std::max(0, available - Sum(lengths));
+  int32_t takers = flagged;
+  for (std::size_t i = 0; i < lengths.size(); ++i) {
+    if (!flags[i]) continue;
+    const int32_t share = left / std::max(takers, 1);
+    --takers;
+    lengths[i] += share;
+    left -= share;
   }
 }
 
@@ -156,10 +162,7 @@ Size Layout::MeasureGrid(const View* view) {
     widths[i % columns_] = std::max(widths[i % columns_], size.width);
     heights[i / columns_] = std::max(heights[i / columns_], size.height);
   }
-  const auto sum = [](const std::vector<int32_t>& lengths) {
-    return std::accumulate(lengths.begin(), lengths.end(), kGap * (static_cast<int32_t>(lengths.size()) - 1));
-  };
-  return {sum(widths), sum(heights)};
+  return {Sum(widths), Sum(heights)};
 }
 
 void Layout::Place(const Rect& area) const {
@@ -199,13 +202,13 @@ void Layout::PlaceGrid(const Rect& area) const {
     const int32_t height = heights[i / columns_];
     if (column == 0 && i > 0) {
       place.left = area.left;
-      place.top += heights[i / columns_ - 1] + kGap;
+      place.top += heights[i / columns_ - 1] + gap_;
     }
     const auto& cell = cells_[i];
     // What does not fill its row stands in the middle of it.
     const int32_t own = cell.FillsHeight() ? height : cell.size_.height;
     cell.Place({place.left, place.top + (height - own) / 2, widths[column], own});
-    place.left += widths[column] + kGap;
+    place.left += widths[column] + gap_;
   }
 }
 

@@ -24,6 +24,8 @@ class Layout {
   // A frame with something in it.
   static Layout Framed(Control& frame, Layout content);
 
+  // Its cells have little to do with each other, and stand farther apart.
+  Layout Apart() &&;
   // Its column takes what width is left over, its row what height.
   Layout Wide() &&;
   Layout High() &&;
@@ -39,6 +41,9 @@ class Layout {
   enum class Shape { Control, Grid, Stack };
 
   void Order(Control* container, int32_t& tab_index) const;
+  // The room that lengths take with the gaps between them.
+  int32_t Sum(const std::vector<int32_t>& lengths) const;
+  void Stretch(std::vector<int32_t>& lengths, const std::vector<bool>& flags, int32_t available) const;
   Size MeasureControl(const View* view) const;
   Size MeasureGrid(const View* view);
   void PlaceGrid(const Rect& area) const;
@@ -50,6 +55,7 @@ class Layout {
   bool wide_ = false;
   bool high_ = false;
   std::size_t columns_ = 1;
+  int32_t gap_ = 4;
   std::vector<Layout> cells_;
   Size size_;  // as measured
 };

@@ -28,7 +28,7 @@ frmAbout::frmAbout(SharedState& shared) : BaseForm(shared, u"frmAbout") {
     if (character == controls::kKeyReturn || character == controls::kKeyEscape) character = 0;
   };
   Click = [this] { Unload(); };
-  lblWWW.Link = lblEMail.Link = true;
+  lblWWW.Link = lblEMail.Link = lblCopyrightMore.Link = true;
   lblWWW.SetCaption(kProductWebSite);
   lblEMail.SetCaption(kProductMail);
   lblVersion.SetCaption(kVersion);
@@ -38,10 +38,14 @@ frmAbout::frmAbout(SharedState& shared) : BaseForm(shared, u"frmAbout") {
     shared_.Platform.Windows.OpenLink(*this, u"mailto:" + std::u16string(kProductMail));
   };
   lblCopyrightMore.Click = [this] {
+    lblCopyrightMore.Link = false;
     lblCopyrightMore.SetCaption(kCredits);
     Arrange();
   };
-  SetLayout(Layout::Column({lblCaption1, lblCaption2, lblVersion, lblWWW, lblEMail, lblCopyrightMore}));
+  SetLayout(Layout::Row(
+                {Layout::Column({Layout(imgProduct, {32, 30}), Layout().High()}),
+                 Layout::Column({lblCaption1, lblCaption2, lblVersion, lblWWW, lblEMail, lblCopyrightMore})})
+                .Apart());
 }
 
 void frmAbout::Form_Load() {

@@ -1,6 +1,7 @@
 // What the product is, and where to find more.
 #pragma once
 
+#include "controls/Image.h"
 #include "controls/Label.h"
 #include "forms/BaseForm.h"
 
@@ -10,6 +11,7 @@ class frmAbout final : public BaseForm {
  public:
   explicit frmAbout(SharedState& shared);
 
+  controls::Image imgProduct{*this, u"imgProduct", u"rowlark"};
   controls::Label lblCaption1{*this, u"lblCaption1"};
   controls::Label lblCaption2{*this, u"lblCaption2"};
   controls::Label lblVersion{*this, u"lblVersion"};

@@ -23,9 +23,9 @@ frmEdit::frmEdit(SharedState& shared) : BaseForm(shared, u"frmEdit") {
   btnClose.Click = [this] { Unload(); };
   btnClose.Cancel = true;
   Activate = [this] { box0.SetFocus(); };
-  SetLayout(
-      Layout::Column({Layout::Stack({lblBack, Layout(lblActiveCell, {60, 8})}),
-                      Layout(box0, {200, 30}).High(), Layout::Row({Layout().Wide(), btnOK, btnClose})}));
+  SetLayout(Layout::Column({Layout::Stack({lblBack, Layout(lblActiveCell, {60, 8})}),
+                            Layout(box0, {200, 30}).High(), Layout::Row({Layout().Wide(), btnOK, btnClose})})
+                .Apart());
 }
 
 void frmEdit::Form_Load() {

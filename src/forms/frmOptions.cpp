@@ -31,11 +31,11 @@ frmOptions::frmOptions(SharedState& shared) : BaseForm(shared, u"frmOptions") {
     return Layout::Stack({box, automatic}).Wide();
   };
   const auto language = Layout::Framed(
-      fra0_Lang, Layout::Column({Layout::Row({lbl0_LangFileCaption, Layout(cbo0_LangFile, {130, 12}).Wide()}),
+      fra0_Lang, Layout::Column({Layout::Row({lbl0_LangFileCaption, Layout(cbo0_LangFile, {130, 14}).Wide()}),
                                  lbl0_LangInfoCaption, Layout(box0_LangInfo, {170, 36}).High()}));
   const auto common = Layout::Framed(
       fra0, Layout::Column({chk0_UnhideOnEsc, chk0_AutoDetectText, chk0_RecentsUse, chk0_RecentsTemp,
-                            Layout::Row({lbl0_RecentItemsCap, Layout(box0_RecentItems, {24, 12}),
+                            Layout::Row({lbl0_RecentItemsCap, Layout(box0_RecentItems, {24, 14}),
                                          Layout().Wide(), btnRecentClear}),
                             Layout(language).High()}));
   constexpr controls::Size kPickButton{15, 14};
@@ -50,13 +50,16 @@ frmOptions::frmOptions(SharedState& shared) : BaseForm(shared, u"frmOptions") {
            chk1_JumpFirstRow, chk1_DontSaveChanges}));
   const auto keyboard = Layout::Framed(
       fra3, Layout::Column({Layout::Framed(fra0_Keyboard, Layout::Grid(2, {chk0_HotKeySearch,
-                                                                           Layout(box0_HKS, {90, 12}).Wide(),
+                                                                           Layout(box0_HKS, {90, 14}).Wide(),
                                                                            chk0_HotKeyUnhide, box0_HKU})),
                             Layout().High()}));
   const auto edit = Layout::Framed(fra2, Layout::Column({chk2_EditCloseForm, Layout().High()}));
   SetLayout(Layout::Column(
-      {Layout::Row({Layout(tvw0, {70, 0}), Layout::Stack({common, books, keyboard, edit}).Wide()}).High(),
-       Layout::Row({Layout().Wide(), btnClose})}));
+                {Layout::Row({Layout(tvw0, {70, 0}), Layout::Stack({common, books, keyboard, edit}).Wide()})
+                     .Apart()
+                     .High(),
+                 Layout::Row({Layout().Wide(), btnClose})})
+                .Apart());
 }
 
 void frmOptions::ConnectCommonPages() {
@@ -77,10 +80,6 @@ void frmOptions::ConnectCommonPages() {
 
 void frmOptions::Form_Load() {
   for (const auto key : {kCommon, kBooks, kKeyboard, kEdit}) tvw0.AddNode(key);
-  for (auto* box : {&box1_RangeAuto, &box1_SearchColsAuto, &box1_ColAuto}) {
-    box->ReadOnly = true;
-    box->TabStop = false;
-  }
   language_files_.SetSortMode(SortMode::Ascending);
   Float();
   shared_.OptionsFormOpen = true;
@@ -182,9 +181,9 @@ void frmOptions::ApplyCaptions() {
 }
 
 void frmOptions::tvw0_NodeClick(std::u16string_view key) {
-  for (auto* page : {&fra0, &fra1, &fra2, &fra3}) page->SetVisible(false);
-  auto& page = key == kCommon ? fra0 : key == kBooks ? fra1 : key == kEdit ? fra2 : fra3;
-  page.SetVisible(true);
+  const auto& chosen = key == kCommon ? fra0 : key == kBooks ? fra1 : key == kEdit ? fra2 : fra3;
+  // What is hidden loses the focus; the page that stays does not.
+  for (auto* page : {&fra0, &fra1, &fra2, &fra3}) page->SetVisible(page == &chosen);
 }
 
 void frmOptions::FillOptions() {

@@ -62,6 +62,9 @@ void frmOptions::ConnectField(controls::TextBox& field, controls::TextBox& autom
     automatic.SetVisible(field.Text().empty());
     if (!loading_ && profile_) (this->*write)();
   };
+  automatic.ReadOnly = true;
+  automatic.TabStop = false;
+  automatic.CueFor = &field;
   automatic.Click = [&field] {
     field.SetText(u"");
     field.SetFocus();

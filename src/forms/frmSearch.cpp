@@ -52,16 +52,20 @@ frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch") {
   tmr0.Tick = [this] { tmr0_Timer(); };
   boxError.ReadOnly = true;
   boxError.MultiLine = true;
+  boxError.Alert = true;
   boxError.TabStop = false;
 
-  SetLayout(Layout::Column(
-      {Layout::Framed(fraTextCaption, Layout::Row({Layout(cboText, {170, 12}).Wide(),
-                                                   Layout::Stack({Layout(imgExclamationNormal, {12, 12}),
-                                                                  Layout(imgExclamationErr, {12, 12})})})),
-       Layout::Row({Layout::Column({optWordsAll, optWordsCell, optWordsAny}).Wide(),
-                    Layout::Column({chkCase, chkSearchAll, chkEditMode}).Wide(),
-                    Layout::Grid(2, {btnMode, btnUnhide, btnOptions, btnClose})}),
-       Layout(boxError, {0, 20}).High()}));
+  SetLayout(
+      Layout::Column({Layout::Framed(fraTextCaption,
+                                     Layout::Row({Layout(cboText, {180, 14}).Wide(),
+                                                  Layout::Stack({Layout(imgExclamationNormal, {12, 12}),
+                                                                 Layout(imgExclamationErr, {12, 12})})})),
+                      Layout::Row({Layout::Column({optWordsAll, optWordsCell, optWordsAny}).Wide(),
+                                   Layout::Column({chkCase, chkSearchAll, chkEditMode}).Wide(),
+                                   Layout::Grid(2, {btnMode, btnUnhide, btnOptions, btnClose})})
+                          .Apart(),
+                      Layout(boxError, {0, 20}).High()})
+          .Apart());
 }
 
 void frmSearch::Form_Load() {

@@ -7,37 +7,18 @@
 #include <new>
 #include <utility>
 
+#include "host/windows/FormWindow.h"
 #include "host/windows/Wide.h"
 #include "util/Text.h"
 
 namespace rowlark::windows {
 namespace {
 
-class ScreenContext {
- public:
-  ScreenContext() : handle_(::GetDC(nullptr)) {}
-  ScreenContext(const ScreenContext&) = delete;
-  ScreenContext& operator=(const ScreenContext&) = delete;
-  ~ScreenContext() {
-    if (handle_ != nullptr) ::ReleaseDC(nullptr, handle_);
-  }
-
-  // Pixels an inch; `index` is LOGPIXELSX or LOGPIXELSY.
-  int Resolution(int index) const {
-    const int pixels = handle_ == nullptr ? 0 : ::GetDeviceCaps(handle_, index);
-    return pixels > 0 ? pixels : USER_DEFAULT_SCREEN_DPI;
-  }
-
- private:
-  HDC handle_;
-};
-
 struct ScreenList {
-  int resolution_x;
-  int resolution_y;
+  int resolution;
   std::vector<controls::Rect> screens;
 
-  static int32_t Twips(LONG pixels, int resolution) {
+  int32_t Twips(LONG pixels) const {
     constexpr int kTwipsPerInch = 1440;
     return ::MulDiv(static_cast<int>(pixels), kTwipsPerInch, resolution);
   }
@@ -48,9 +29,8 @@ struct ScreenList {
     if (::GetMonitorInfoW(monitor, &info) == 0) return TRUE;
     auto& self = *reinterpret_cast<ScreenList*>(list);
     const RECT& area = info.rcWork;
-    const controls::Rect screen{Twips(area.left, self.resolution_x), Twips(area.top, self.resolution_y),
-                                Twips(area.right - area.left, self.resolution_x),
-                                Twips(area.bottom - area.top, self.resolution_y)};
+    const controls::Rect screen{self.Twips(area.left), self.Twips(area.top),
+                                self.Twips(area.right - area.left), self.Twips(area.bottom - area.top)};
     const bool is_primary = (info.dwFlags & MONITORINFOF_PRIMARY) != 0;
     self.screens.insert(is_primary ? self.screens.begin() : self.screens.end(), screen);
     return TRUE;
@@ -67,6 +47,12 @@ int ShowBox(std::u16string_view text, std::u16string_view title, UINT style) {
 
 }  // namespace
 
+WindowsWindowSystem::WindowsWindowSystem() = default;
+
+WindowsWindowSystem::~WindowsWindowSystem() {
+  while (desk_ && !desk_->Windows.empty()) desk_->Windows.back()->Abandon();
+}
+
 bool WindowsWindowSystem::MayOpen(std::u16string_view link) {
   for (const std::u16string_view scheme : {u"http://", u"https://", u"mailto:"}) {
     if (Compare(link.substr(0, scheme.size()), scheme, CompareMode::Text) == 0) return true;
@@ -74,7 +60,13 @@ bool WindowsWindowSystem::MayOpen(std::u16string_view link) {
   return false;
 }
 
-bool WindowsWindowSystem::Realise(controls::Form&) noexcept { return false; }
+bool WindowsWindowSystem::Realise(controls::Form& form) noexcept try {
+  if (!desk_) desk_ = std::make_shared<FormDesk>();
+  FormWindow::Open(form, desk_);
+  return true;
+} catch (...) {
+  return false;
+}
 
 void WindowsWindowSystem::MsgBox(std::u16string_view text, host::MsgBoxIcon icon,
                                  std::u16string_view title) noexcept try {
@@ -98,8 +90,9 @@ void WindowsWindowSystem::OpenLink(controls::Form&, std::u16string_view link) no
 void WindowsWindowSystem::Beep() noexcept { ::MessageBeep(MB_OK); }
 
 std::vector<controls::Rect> WindowsWindowSystem::Screens() const noexcept {
-  const ScreenContext context;
-  ScreenList list{context.Resolution(LOGPIXELSX), context.Resolution(LOGPIXELSY), {}};
+  const Dpi dpi;
+  const Dpi::Scope scope(dpi);
+  ScreenList list{static_cast<int>(dpi.System()), {}};
   ::EnumDisplayMonitors(nullptr, nullptr, ScreenList::Add, reinterpret_cast<LPARAM>(&list));
   return std::move(list.screens);
 }

@@ -1,16 +1,28 @@
-// Message boxes, screens and links of the desktop.
+// Forms, message boxes, screens and links of the desktop.
 #pragma once
+
+#include <memory>
 
 #include "host/WindowSystem.h"
 
 namespace rowlark::windows {
 
+class FormDesk;
+
 class WindowsWindowSystem final : public host::WindowSystem {
  public:
+  WindowsWindowSystem();
+  WindowsWindowSystem(const WindowsWindowSystem&) = delete;
+  WindowsWindowSystem& operator=(const WindowsWindowSystem&) = delete;
+  // Windows of forms that are still loaded go, and their forms hear nothing of it.
+  ~WindowsWindowSystem() override;
+
   // Whether OpenLink hands a link to the shell: web addresses and "mailto:" only, never files or programs.
   static bool MayOpen(std::u16string_view link);
 
-  // Forms have no windows yet.
+  // With native controls, in the user's font and at the resolution of the monitor, in the thread that calls:
+  // the one that processes the messages of the host. Destroying the window, as the end of its owner does,
+  // unloads the form.
   bool Realise(controls::Form& form) noexcept override;
 
   // Without an active window of this thread a box belongs to none, and the thread's windows wait for it.
@@ -21,6 +33,9 @@ class WindowsWindowSystem final : public host::WindowSystem {
   // Twips of the system's resolution, whatever that of the screen.
   std::vector<controls::Rect> Screens() const noexcept override;
   intptr_t WindowOfClass(std::u16string_view class_name) const noexcept override;
+
+ private:
+  std::shared_ptr<FormDesk> desk_;  // from the first form on
 };
 
 }  // namespace rowlark::windows

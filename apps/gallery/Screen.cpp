@@ -1,0 +1,46 @@
+#include "Screen.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <vector>
+
+namespace rowlark::gallery {
+
+void SavePicture(HWND window, const std::wstring& file) {
+  RECT area{};
+  ::GetWindowRect(window, &area);
+  BITMAPINFOHEADER header{};
+  header.biSize = sizeof header;
+  header.biWidth = area.right - area.left;
+  header.biHeight = area.bottom - area.top;
+  header.biPlanes = 1;
+  header.biBitCount = 32;
+  std::vector<char> pixels(static_cast<std::size_t>(header.biWidth) *
+                           static_cast<std::size_t>(header.biHeight) * 4);
+
+  const HDC screen = ::GetDC(nullptr);
+  const HDC context = ::CreateCompatibleDC(screen);
+  const HBITMAP bitmap = ::CreateCompatibleBitmap(screen, header.biWidth, header.biHeight);
+  const HGDIOBJ before = ::SelectObject(context, bitmap);
+  ::BitBlt(context, 0, 0, header.biWidth, header.biHeight, screen, area.left, area.top, SRCCOPY);
+  ::SelectObject(context, before);
+  const int lines = ::GetDIBits(context, bitmap, 0, static_cast<UINT>(header.biHeight), pixels.data(),
+                                reinterpret_cast<BITMAPINFO*>(&header), DIB_RGB_COLORS);
+  ::DeleteObject(bitmap);
+  ::DeleteDC(context);
+  ::ReleaseDC(nullptr, screen);
+
+  BITMAPFILEHEADER start{};
+  start.bfType = 0x4D42;  // "BM"
+  start.bfOffBits = sizeof start + sizeof header;
+  start.bfSize = start.bfOffBits + static_cast<DWORD>(pixels.size());
+  std::ofstream out(std::filesystem::path(file), std::ios::binary);
+  out.write(reinterpret_cast<const char*>(&start), sizeof start);
+  out.write(reinterpret_cast<const char*>(&header), sizeof header);
+  out.write(pixels.data(), static_cast<std::streamsize>(pixels.size()));
+  if (lines == 0 || !out.flush()) throw std::runtime_error("no picture could be written");
+}
+
+}  // namespace rowlark::gallery

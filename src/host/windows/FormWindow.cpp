@@ -1,0 +1,290 @@
+#include "host/windows/FormWindow.h"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "controls/Button.h"
+#include "host/windows/NativeButtons.h"
+#include "host/windows/Wide.h"
+
+namespace rowlark::windows {
+
+using controls::ControlKind;
+using controls::Property;
+
+namespace {
+
+constexpr wchar_t kClassName[] = L"RowlarkForm";
+
+}  // namespace
+
+FormDesk::FormDesk()
+    : Controls(Resources.Module()),
+      LargeIcon(Resources.LoadPicture(u"rowlark", ::GetSystemMetrics(SM_CXICON))),
+      SmallIcon(Resources.LoadPicture(u"rowlark", ::GetSystemMetrics(SM_CXSMICON))) {
+  const ActivationContext::Scope scope(Controls);
+  const INITCOMMONCONTROLSEX classes{sizeof classes,
+                                     ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_LINK_CLASS};
+  ::InitCommonControlsEx(&classes);
+  WNDCLASSEXW form{};
+  form.cbSize = sizeof form;
+  form.lpfnWndProc = FormWindow::Procedure;
+  form.cbWndExtra = DLGWINDOWEXTRA;
+  form.hInstance = Resources.Module();
+  form.hIcon = LargeIcon.get();
+  form.hIconSm = SmallIcon.get();
+  form.hCursor = ::LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // IDC_ARROW
+  form.hbrBackground = reinterpret_cast<HBRUSH>(static_cast<intptr_t>(COLOR_3DFACE + 1));
+  form.lpszClassName = kClassName;
+  ::RegisterClassExW(&form);
+}
+
+FormDesk::~FormDesk() { ::UnregisterClassW(kClassName, Resources.Module()); }
+
+std::shared_ptr<KeyHook> FormDesk::Keys() {
+  auto keys = keys_.lock();
+  if (!keys) keys_ = keys = std::make_shared<KeyHook>(KeyHook::Procedure<FormWindow::TakeKey>);
+  return keys;
+}
+
+FormWindow::FormWindow(controls::Form& form, std::shared_ptr<FormDesk> desk)
+    : desk_(std::move(desk)), form_(&form), site_(desk_->Resources, desk_->Dpi) {}
+
+void FormWindow::Open(controls::Form& form, std::shared_ptr<FormDesk> desk) {
+  const auto window = Ref<FormWindow>(new FormWindow(form, std::move(desk)));
+  const Dpi::Scope dpi(window->desk_->Dpi);
+  const ActivationContext::Scope controls(window->desk_->Controls);
+  try {
+    window->Create();
+    window->MakeControls();
+  } catch (...) {
+    window->Abandon();
+    throw;
+  }
+  form.Attach(*window);
+}
+
+void FormWindow::Create() {
+  ::CreateWindowExW(kFormExtendedStyle, kClassName, Wide(form_->Caption()).c_str(), kFormStyle, 0, 0, 0, 0,
+                    nullptr, nullptr, desk_->Resources.Module(), this);
+  if (site_.window == nullptr) {
+    throw std::system_error(static_cast<int>(::GetLastError()), std::system_category());
+  }
+  keys_ = desk_->Keys();
+  desk_->Windows.push_back(this);
+  tool_tips_.Create(site_.window, desk_->Resources.Module());
+  site_.dpi = desk_->Dpi.Of(site_.window);
+  site_.scale = std::make_unique<DialogScale>(desk_->Dpi.MessageFont(site_.dpi));
+}
+
+// In the tab order, which also puts a label before what it names.
+void FormWindow::MakeControls() {
+  auto order = form_->Controls();
+  std::ranges::stable_sort(order, {}, &controls::Control::TabIndex);
+  const controls::Control* before = nullptr;
+  LONG_PTR id = 100;
+  for (controls::Control* control : order) {
+    auto native = MakeNativeControl(*control, site_);
+    if (!native) continue;
+    NativeControl& made = *site_.controls.emplace_back(std::move(native));
+    const bool is_option = control->Kind == ControlKind::OptionButton;
+    const bool goes_on =
+        before != nullptr && before->Kind == control->Kind && before->Container == control->Container;
+    const bool ends_options = before != nullptr && before->Kind == ControlKind::OptionButton && !is_option;
+    if ((is_option && !goes_on) || ends_options) {
+      ::SetWindowLongPtrW(made.Window(), GWL_STYLE, ::GetWindowLongPtrW(made.Window(), GWL_STYLE) | WS_GROUP);
+    }
+    before = control;
+    const auto* button =
+        control->Kind == ControlKind::Button ? static_cast<controls::Button*>(control) : nullptr;
+    const bool is_default = button != nullptr && button->Default;
+    const bool is_cancel = button != nullptr && button->Cancel;
+    ::SetWindowLongPtrW(made.Window(), GWLP_ID, is_default ? IDOK : is_cancel ? IDCANCEL : ++id);
+    if (is_default) ::SendMessageW(site_.window, DM_SETDEFID, IDOK, 0);
+  }
+  for (const auto& control : site_.controls) {
+    control->Rescale();
+    for (const auto property :
+         {Property::Caption, Property::List, Property::Value, Property::Enabled, Property::Visible}) {
+      control->Update(property);
+    }
+    if (!control->Model().ToolTip().empty()) Changed(control->Model(), Property::ToolTip);
+    if (auto kind = control->Model().Kind; kind == ControlKind::TextBox || kind == ControlKind::ComboBox) {
+      control->Update(Property::Text);
+    }
+  }
+}
+
+void FormWindow::Abandon() noexcept {
+  form_ = nullptr;
+  if (site_.window != nullptr) ::DestroyWindow(site_.window);
+}
+
+void FormWindow::Released(controls::Form&) noexcept {
+  const Ref<FormWindow> keep(this);
+  form_ = nullptr;
+  if (!destroying_) ::DestroyWindow(site_.window);
+}
+
+FormWindow* FormWindow::Of(HWND window) {
+  const auto procedure = reinterpret_cast<WNDPROC>(::GetClassLongPtrW(window, GCLP_WNDPROC));
+  if (procedure != Procedure) return nullptr;
+  return reinterpret_cast<FormWindow*>(::GetWindowLongPtrW(window, GWLP_USERDATA));
+}
+
+LRESULT CALLBACK FormWindow::Procedure(HWND window, UINT message, WPARAM first, LPARAM second) noexcept {
+  if (message == WM_NCCREATE) {
+    auto* made = static_cast<FormWindow*>(reinterpret_cast<const CREATESTRUCTW*>(second)->lpCreateParams);
+    made->site_.window = window;
+    made->self_ = made;
+    ::SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(made));
+  }
+  const Ref<FormWindow> self(reinterpret_cast<FormWindow*>(::GetWindowLongPtrW(window, GWLP_USERDATA)));
+  if (!self) return ::DefDlgProcW(window, message, first, second);
+  try {
+    return self->Handle(message, first, second);
+  } catch (...) {
+    return 0;
+  }
+}
+
+LRESULT FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
+  const HWND window = site_.window;
+  const Ref<controls::Form> form = form_;
+  if (message == WM_NCDESTROY) {
+    std::erase(desk_->Windows, this);
+    keys_.reset();
+    site_.window = nullptr;
+    ::SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    const LRESULT result = ::DefDlgProcW(window, message, first, second);
+    self_ = nullptr;
+    return result;
+  }
+  if (!form) return ::DefDlgProcW(window, message, first, second);
+
+  switch (message) {
+    case WM_DESTROY:
+      destroying_ = true;
+      form->Unload();
+      return 0;
+    case WM_CLOSE:
+      form->UserClosed();
+      return 0;
+    case WM_ACTIVATE: {
+      const LRESULT result = ::DefDlgProcW(window, message, first, second);
+      if (LOWORD(first) != WA_INACTIVE) form->UserActivated();
+      return result;
+    }
+    case WM_COMMAND:
+      if (NativeControl* control = ControlOf(reinterpret_cast<HWND>(second))) {
+        control->Command(HIWORD(first), LOWORD(first));
+      }
+      return 0;
+    case WM_NOTIFY: {
+      const auto& header = *reinterpret_cast<const NMHDR*>(second);
+      NativeControl* control = ControlOf(header.hwndFrom);
+      return control != nullptr ? control->Notify(header) : 0;
+    }
+    case WM_CTLCOLORSTATIC: {
+      const NativeControl* control = ControlOf(reinterpret_cast<HWND>(second));
+      const HBRUSH brush = control != nullptr ? control->Colour(reinterpret_cast<HDC>(first)) : nullptr;
+      if (brush != nullptr) return reinterpret_cast<LRESULT>(brush);
+      break;
+    }
+    case WM_PARENTNOTIFY:
+      if (LOWORD(first) == WM_LBUTTONDOWN) {
+        POINT point{};
+        ::GetCursorPos(&point);
+        const NativeControl* control = ControlOf(::WindowFromPoint(point));
+        if (control != nullptr) control->Model().UserPressedMouse();
+      }
+      break;
+    case WM_LBUTTONUP:
+      form->UserClicked();
+      return 0;
+    case WM_TIMER:
+      for (controls::Control* control : form->Controls()) {
+        if (reinterpret_cast<WPARAM>(control) == first) static_cast<controls::Timer*>(control)->Expired();
+      }
+      return 0;
+    case NativeButton::kClicked:
+      for (controls::Control* control : form->Controls()) {
+        if (reinterpret_cast<WPARAM>(control) == first) control->UserClicked();
+      }
+      return 0;
+    case kFillLists:
+      list_update_is_posted_ = false;
+      for (const auto& control : site_.controls) control->UpdateList();
+      return 0;
+    case WM_MOVE:
+      Moved();
+      break;
+    case WM_DPICHANGED: {
+      const auto& suggested = *reinterpret_cast<const RECT*>(second);
+      ::SetWindowPos(window, nullptr, suggested.left, suggested.top, 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+      Rescale(HIWORD(first));
+      return 0;
+    }
+    case WM_SETTINGCHANGE:
+      if (first == SPI_SETNONCLIENTMETRICS) Rescale(site_.dpi);
+      break;
+    case WM_SYSCOLORCHANGE:
+      for (const auto& control : site_.controls) ::SendMessageW(control->Window(), message, first, second);
+      break;
+    default:
+      break;
+  }
+  return ::DefDlgProcW(window, message, first, second);
+}
+
+// That one or the one around it.
+NativeControl* FormWindow::ControlOf(HWND window) const {
+  while (window != nullptr && ::GetParent(window) != site_.window) window = ::GetParent(window);
+  if (window == nullptr) return nullptr;
+  const auto found = std::ranges::find(site_.controls, window, &NativeControl::Window);
+  return found == site_.controls.end() ? nullptr : found->get();
+}
+
+void FormWindow::TakeKey(MSG& message) noexcept {
+  const HWND root = ::GetAncestor(message.hwnd, GA_ROOT);
+  const Ref<FormWindow> self(root != nullptr ? Of(root) : nullptr);
+  if (!self || !self->form_) return;
+  try {
+    if (self->UsesKey(message)) message.message = WM_NULL;
+  } catch (...) {
+    message.message = WM_NULL;
+  }
+}
+
+// The form sees a key first; what it leaves is for the dialog, or for the control with the focus.
+bool FormWindow::UsesKey(MSG& message) {
+  const Ref<controls::Form> form = form_;
+  const auto held = [](int key, int32_t bit) { return ::GetKeyState(key) < 0 ? bit : 0; };
+  const int32_t shift =
+      held(VK_SHIFT, controls::kShift) | held(VK_CONTROL, controls::kCtrl) | held(VK_MENU, controls::kAlt);
+  WPARAM& key = message.wParam;
+  NativeControl* focused = ControlOf(message.hwnd);
+  const bool is_end = key == VK_RETURN || key == VK_ESCAPE;
+  switch (message.message) {
+    case WM_KEYDOWN:
+    case WM_SYSKEYDOWN:
+      if (key == VK_PROCESSKEY || (is_end && focused != nullptr && focused->TakesEndKeys())) break;
+      if (focused != nullptr) focused->Report();
+      key = static_cast<WPARAM>(form->UserKeyDown(static_cast<int32_t>(key), shift));
+      break;
+    case WM_CHAR:
+      key = form->UserKeyPress(static_cast<char16_t>(key));
+      break;
+    case WM_KEYUP:
+    case WM_SYSKEYUP:
+      key = static_cast<WPARAM>(form->UserKeyUp(static_cast<int32_t>(key), shift));
+      break;
+    default:
+      break;
+  }
+  return key == 0 || !form->Loaded() || ::IsDialogMessageW(site_.window, &message) != 0;
+}
+
+}  // namespace rowlark::windows

@@ -1,0 +1,98 @@
+// The window of a form. It lives from `Realise` until the form is unloaded or the window is destroyed,
+// whichever comes first; destroying it, as its owner's end does, unloads the form.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <vector>
+
+#include "controls/Form.h"
+#include "controls/Timer.h"
+#include "host/windows/ActivationContext.h"
+#include "host/windows/Dpi.h"
+#include "host/windows/KeyHook.h"
+#include "host/windows/NativeControl.h"
+#include "host/windows/Resources.h"
+#include "host/windows/ToolTips.h"
+#include "util/Ref.h"
+
+namespace rowlark::windows {
+
+class FormWindow;
+
+// What the windows of all forms have in common. It ends with the last of them.
+class FormDesk {
+ public:
+  FormDesk();
+  FormDesk(const FormDesk&) = delete;
+  FormDesk& operator=(const FormDesk&) = delete;
+  ~FormDesk();
+
+  // There is one hook for all windows, as long as there are windows.
+  std::shared_ptr<KeyHook> Keys();
+
+  const windows::Resources Resources;
+  const ActivationContext Controls;
+  const windows::Dpi Dpi;
+  const Icon LargeIcon;
+  const Icon SmallIcon;
+  std::vector<FormWindow*> Windows;
+
+ private:
+  std::weak_ptr<KeyHook> keys_;
+};
+
+class FormWindow final : public controls::View, public RefCounted {
+ public:
+  // Makes the windows, hidden, and attaches itself to the form. Throws std::system_error.
+  static void Open(controls::Form& form, std::shared_ptr<FormDesk> desk);
+  // Destroys the window without a word to the form.
+  void Abandon() noexcept;
+
+  void Changed(controls::Control& control, controls::Property property) noexcept override;
+  void Released(controls::Form& form) noexcept override;
+  int32_t TextWidth(std::u16string_view text) const noexcept override;
+  controls::Size WindowSize(controls::Size client) const noexcept override;
+
+ private:
+  FormWindow(controls::Form& form, std::shared_ptr<FormDesk> desk);
+
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM first, LPARAM second) noexcept;
+  static void TakeKey(MSG& message) noexcept;
+  static FormWindow* Of(HWND window);
+  friend class FormDesk;
+
+  static constexpr UINT kFillLists = WM_APP + 1;  // posted when lists have changed
+  static constexpr DWORD kFormStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU;
+  static constexpr DWORD kFormExtendedStyle = WS_EX_CONTROLPARENT | WS_EX_WINDOWEDGE;
+
+  void Create();
+  void MakeControls();
+  LRESULT Handle(UINT message, WPARAM first, LPARAM second);
+  // True where nothing is left to do with a message.
+  bool UsesKey(MSG& message);
+  NativeControl* ControlOf(HWND window) const;
+
+  void ChangedForm(controls::Property property);
+  void Show();
+  void Hide();
+  void DisableOthers();
+  void Moved();
+  void Rescale(UINT dpi);
+  void LayOut();
+  void StartTimer(controls::Timer& timer);
+  int32_t Twips(LONG pixels) const;
+
+  std::shared_ptr<FormDesk> desk_;
+  std::shared_ptr<KeyHook> keys_;
+  Ref<controls::Form> form_;  // null once it is unloaded
+  Ref<FormWindow> self_;      // while there is a window
+  FormSite site_;
+  ToolTips tool_tips_;
+  std::vector<HWND> disabled_;  // while the form is modal
+  bool destroying_ = false;
+  bool list_update_is_posted_ = false;
+};
+
+}  // namespace rowlark::windows

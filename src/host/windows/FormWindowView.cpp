@@ -1,0 +1,161 @@
+// What the window of a form shows of it.
+#include <algorithm>
+#include <utility>
+
+#include "host/windows/FormWindow.h"
+#include "host/windows/Wide.h"
+
+namespace rowlark::windows {
+
+using controls::Property;
+
+namespace {
+
+constexpr int kTwipsPerInch = 1440;
+
+}  // namespace
+
+void FormWindow::Changed(controls::Control& control, Property property) noexcept try {
+  if (!form_ || site_.window == nullptr) return;
+  const Ref<FormWindow> keep(this);
+  const Dpi::Scope dpi(desk_->Dpi);
+  if (&control == form_.get()) return ChangedForm(property);
+  if (property == Property::Timer) return StartTimer(static_cast<controls::Timer&>(control));
+  NativeControl* native = site_.Find(control);
+  if (native == nullptr) return;
+  if (property == Property::ToolTip) tool_tips_.Set(native->Window(), control.ToolTip());
+  native->Update(property);
+  if (native->ListIsDue() && !std::exchange(list_update_is_posted_, true)) {
+    ::PostMessageW(site_.window, kFillLists, 0, 0);
+  }
+} catch (...) {  // NOLINT(bugprone-empty-catch): out of memory; the window shows what it showed
+}
+
+void FormWindow::ChangedForm(Property property) {
+  switch (property) {
+    case Property::Caption:
+      ::SetWindowTextW(site_.window, Wide(form_->Caption()).c_str());
+      break;
+    case Property::Visible:
+      if (form_->Visible()) {
+        Show();
+      } else {
+        Hide();
+      }
+      break;
+    case Property::Layout:
+      LayOut();
+      break;
+    case Property::Position: {
+      const auto pixels = [this](int32_t twips) {
+        return ::MulDiv(twips, static_cast<int>(desk_->Dpi.System()), kTwipsPerInch);
+      };
+      ++site_.updating;
+      ::SetWindowPos(site_.window, nullptr, pixels(form_->Left()), pixels(form_->Top()), 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+      --site_.updating;
+      break;
+    }
+    case Property::Owner: {
+      const auto owner = reinterpret_cast<HWND>(form_->Owner());
+      if (destroying_ || (owner != nullptr && ::IsWindow(owner) == 0)) break;
+      ::SetWindowLongPtrW(site_.window, GWLP_HWNDPARENT, form_->Owner());
+      break;
+    }
+    case Property::Topmost:
+      ::SetWindowPos(site_.window, form_->Topmost() ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0,
+                     SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+      break;
+    default:
+      break;
+  }
+}
+
+void FormWindow::Show() {
+  for (const auto& control : site_.controls) control->UpdateList();
+  if (form_->Modal()) DisableOthers();
+  ::ShowWindow(site_.window, SW_SHOW);
+  if (!form_) return;
+  if (controls::Control* active = form_->ActiveControl()) {
+    if (NativeControl* native = site_.Find(*active)) native->Update(Property::Focus);
+  }
+}
+
+// What was disabled comes back first: the system then activates the owner, and no other program's window.
+void FormWindow::Hide() {
+  for (const HWND window : std::exchange(disabled_, {})) ::EnableWindow(window, TRUE);
+  ::ShowWindow(site_.window, SW_HIDE);
+}
+
+// All windows of the thread wait for a modal form: a host may have several main windows.
+void FormWindow::DisableOthers() {
+  ::EnumThreadWindows(
+      ::GetCurrentThreadId(),
+      [](HWND window, LPARAM data) -> BOOL {
+        auto& self = *reinterpret_cast<FormWindow*>(data);
+        if (window == self.site_.window || ::IsWindowVisible(window) == 0 || ::IsWindowEnabled(window) == 0) {
+          return TRUE;
+        }
+        try {
+          self.disabled_.push_back(window);
+          ::EnableWindow(window, FALSE);
+          return TRUE;
+        } catch (...) {
+          return FALSE;
+        }
+      },
+      reinterpret_cast<LPARAM>(this));
+}
+
+void FormWindow::LayOut() {
+  const controls::Size client = form_->ClientSize();
+  const RECT inner = site_.scale->Pixels({0, 0, client.width, client.height});
+  const SIZE outer =
+      desk_->Dpi.WindowSize({inner.right, inner.bottom}, kFormStyle, kFormExtendedStyle, site_.dpi);
+  ::SetWindowPos(site_.window, nullptr, 0, 0, outer.cx, outer.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+  for (const auto& control : site_.controls) control->Place(site_.scale->Pixels(control->Model().Bounds));
+}
+
+void FormWindow::Moved() {
+  if (site_.updating > 0 || ::IsWindowVisible(site_.window) == 0 || ::IsIconic(site_.window) != 0) return;
+  RECT area{};
+  ::GetWindowRect(site_.window, &area);
+  form_->UserMoved(Twips(area.left), Twips(area.top));
+}
+
+void FormWindow::Rescale(UINT dpi) {
+  site_.dpi = dpi;
+  const auto before = std::exchange(site_.scale, std::make_unique<DialogScale>(desk_->Dpi.MessageFont(dpi)));
+  for (const auto& control : site_.controls) control->Rescale();
+  form_->Arrange();
+  ::InvalidateRect(site_.window, nullptr, TRUE);
+}
+
+void FormWindow::StartTimer(controls::Timer& timer) {
+  const auto id = reinterpret_cast<UINT_PTR>(static_cast<controls::Control*>(&timer));
+  if (timer.Enabled()) {
+    ::SetTimer(site_.window, id, static_cast<UINT>(timer.Interval()), nullptr);
+  } else {
+    ::KillTimer(site_.window, id);
+  }
+}
+
+int32_t FormWindow::TextWidth(std::u16string_view text) const noexcept try {
+  return site_.scale->TextWidth(text);
+} catch (...) {
+  return 0;
+}
+
+controls::Size FormWindow::WindowSize(controls::Size client) const noexcept {
+  const Dpi::Scope dpi(desk_->Dpi);
+  const RECT inner = site_.scale->Pixels({0, 0, client.width, client.height});
+  const SIZE outer =
+      desk_->Dpi.WindowSize({inner.right, inner.bottom}, kFormStyle, kFormExtendedStyle, site_.dpi);
+  return {Twips(outer.cx), Twips(outer.cy)};
+}
+
+int32_t FormWindow::Twips(LONG pixels) const {
+  return ::MulDiv(static_cast<int>(pixels), kTwipsPerInch, static_cast<int>(desk_->Dpi.System()));
+}
+
+}  // namespace rowlark::windows

@@ -1,0 +1,145 @@
+#include "host/windows/NativeControl.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include "host/windows/NativeButtons.h"
+#include "host/windows/NativeLists.h"
+#include "host/windows/NativeStatics.h"
+#include "host/windows/NativeTexts.h"
+#include "host/windows/Wide.h"
+
+namespace rowlark::windows {
+
+using controls::Property;
+
+namespace {
+
+class Updating {
+ public:
+  explicit Updating(FormSite& site) : site_(site) { ++site_.updating; }
+  Updating(const Updating&) = delete;
+  Updating& operator=(const Updating&) = delete;
+  ~Updating() { --site_.updating; }
+
+ private:
+  FormSite& site_;
+};
+
+}  // namespace
+
+void NativeControl::Create(const wchar_t* type, DWORD style, DWORD extended_style) {
+  window_ = ::CreateWindowExW(extended_style, type, L"", style | WS_CHILD, 0, 0, 0, 0, site_.window, nullptr,
+                              site_.resources.Module(), nullptr);
+  if (window_ == nullptr) {
+    throw std::system_error(static_cast<int>(::GetLastError()), std::system_category());
+  }
+}
+
+NativeControl* FormSite::Find(const controls::Control& control) const {
+  const auto found =
+      std::ranges::find(controls, &control, [](const auto& native) { return &native->Model(); });
+  return found == controls.end() ? nullptr : found->get();
+}
+
+bool NativeControl::HasFocus() const {
+  const HWND focus = ::GetFocus();
+  return window_ != nullptr && focus != nullptr && (focus == window_ || ::IsChild(window_, focus) != 0);
+}
+
+void NativeControl::Update(Property property) {
+  if (property == Property::List) {
+    list_is_due_ = true;
+    return;
+  }
+  const bool enables = property == Property::Enabled || property == Property::Visible;
+  const bool is_usable = model_.Enabled() && model_.Shown();
+  if (enables && !is_usable && HasFocus()) {
+    // A window that can not be used keeps the focus, and the keyboard with it.
+    ::SendMessageW(site_.window, WM_NEXTDLGCTL, 0, FALSE);
+  }
+  UpdateList();
+  const Updating updating(site_);
+  Apply(property);
+}
+
+void NativeControl::UpdateList() {
+  if (!list_is_due_) return;
+  list_is_due_ = false;
+  const Updating updating(site_);
+  FillList();
+}
+
+void NativeControl::Apply(Property property) {
+  switch (property) {
+    case Property::Caption:
+      ::SetWindowTextW(window_, Wide(model_.Caption()).c_str());
+      break;
+    case Property::Enabled:
+      ::EnableWindow(window_, model_.Enabled());
+      break;
+    case Property::Visible:
+      ::ShowWindow(window_, model_.Shown() ? SW_SHOWNA : SW_HIDE);
+      break;
+    case Property::Focus:
+      if (::IsWindowVisible(window_) != 0 && !HasFocus()) ::SetFocus(window_);
+      break;
+    default:
+      break;
+  }
+}
+
+void NativeControl::Rescale() {
+  if (window_ == nullptr) return;
+  const Updating updating(site_);
+  area_ = {};
+  Send(WM_SETFONT, reinterpret_cast<WPARAM>(site_.scale->Font()), FALSE);
+  ApplyPictures();
+}
+
+void NativeControl::Place(const RECT& area) {
+  if (window_ == nullptr || ::EqualRect(&area, &area_) != 0) return;
+  const Updating updating(site_);
+  area_ = area;
+  ::SetWindowPos(window_, nullptr, area.left, area.top, area.right - area.left, area.bottom - area.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+  Placed({area.right - area.left, area.bottom - area.top});
+}
+
+std::wstring TextOf(HWND window) {
+  std::wstring text(static_cast<std::size_t>(::GetWindowTextLengthW(window)), L'\0');
+  const int length = ::GetWindowTextW(window, text.data(), static_cast<int>(text.size()) + 1);
+  text.resize(static_cast<std::size_t>(length));
+  return text;
+}
+
+std::unique_ptr<NativeControl> MakeNativeControl(controls::Control& control, FormSite& site) {
+  using controls::ControlKind;
+  switch (control.Kind) {
+    case ControlKind::Button:
+    case ControlKind::CheckBox:
+    case ControlKind::Frame:
+    case ControlKind::OptionButton:
+      return std::make_unique<NativeButton>(control, site);
+    case ControlKind::ComboBox:
+      return std::make_unique<NativeComboBox>(control, site);
+    case ControlKind::Image:
+      return std::make_unique<NativeImage>(control, site);
+    case ControlKind::Label:
+      return std::make_unique<NativeLabel>(control, site);
+    case ControlKind::ListView:
+      return std::make_unique<NativeListView>(control, site);
+    case ControlKind::TextBox:
+      if (static_cast<const controls::TextBox&>(control).CueFor != nullptr)
+        return std::make_unique<NativeCue>(control, site);
+      return std::make_unique<NativeTextBox>(control, site);
+    case ControlKind::ToolBar:
+      return std::make_unique<NativeToolBar>(control, site);
+    case ControlKind::TreeView:
+      return std::make_unique<NativeTreeView>(control, site);
+    default:
+      return nullptr;
+  }
+}
+
+}  // namespace rowlark::windows

@@ -1,0 +1,29 @@
+// What lies in the resources of the library, or program, that this code is linked into.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <string_view>
+#include <type_traits>
+
+namespace rowlark::windows {
+
+struct IconDeleter {
+  void operator()(HICON icon) const noexcept { ::DestroyIcon(icon); }
+};
+using Icon = std::unique_ptr<std::remove_pointer_t<HICON>, IconDeleter>;
+
+class Resources {
+ public:
+  Resources();
+
+  HINSTANCE Module() const { return module_; }
+  // A picture by its name, in whatever case; null when there is none.
+  Icon LoadPicture(std::u16string_view name, int pixels) const;
+
+ private:
+  HINSTANCE module_ = nullptr;
+};
+
+}  // namespace rowlark::windows

@@ -1,0 +1,443 @@
+// The forms in windows of their own, in a message loop that knows nothing of them.
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <commctrl.h>
+
+#include <cstring>
+#include <set>
+
+#include "Platform.h"
+#include "Sheet.h"
+#include "TempFolder.h"
+#include "controls/Form.h"
+#include "forms/FormSet.h"
+#include "host/windows/WindowsMessagePump.h"
+#include "host/windows/WindowsWindowSystem.h"
+#include "runtime/clsVTRLKRuntime.h"
+
+namespace rowlark::windows {
+namespace {
+
+using controls::Control;
+using testing::MemoryRegistry;
+using testing::RecordingHelp;
+using testing::SampleHost;
+
+std::vector<HWND> WindowsOfThread() {
+  std::vector<HWND> windows;
+  ::EnumThreadWindows(
+      ::GetCurrentThreadId(),
+      [](HWND window, LPARAM list) -> BOOL {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+        return TRUE;
+      },
+      reinterpret_cast<LPARAM>(&windows));
+  return windows;
+}
+
+class FormWindows : public ::testing::Test {
+ protected:
+  FormWindows() {
+    runtime.SetExcelApp(sheet.application);
+    runtime.Init();
+  }
+  ~FormWindows() override { forms.Unload(nullptr); }
+
+  // A host's loop, until something has come about or ten seconds have gone.
+  template <class Condition>
+  static bool PumpUntil(Condition condition) {
+    const DWORD begin = ::GetTickCount();
+    for (MSG message; !condition();) {
+      if (::GetTickCount() - begin > 10'000) return false;
+      ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+      while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+        ::TranslateMessage(&message);
+        ::DispatchMessageW(&message);
+      }
+    }
+    return true;
+  }
+  static void Pump() {
+    bool passed = false;
+    PumpUntil([&passed] { return std::exchange(passed, true); });
+  }
+  static HWND WindowOf(const controls::Form& form) {
+    for (const HWND window : WindowsOfThread()) {
+      wchar_t caption[100] = {};
+      ::GetWindowTextW(window, caption, 100);
+      wchar_t type[100] = {};
+      ::GetClassNameW(window, type, 100);
+      if (type == std::wstring_view(L"RowlarkForm") &&
+          std::u16string(std::begin(caption), caption + ::lstrlenW(caption)) == form.Caption()) {
+        return window;
+      }
+    }
+    return nullptr;
+  }
+  // A key with modifiers, as the keyboard sends it to the window with the focus.
+  static void Press(int key, std::initializer_list<int> held = {}) {
+    BYTE before[256];
+    BYTE state[256] = {};
+    ::GetKeyboardState(before);
+    for (const int modifier : held) state[modifier] = 0x80;
+    ::SetKeyboardState(state);
+    const bool is_system = state[VK_MENU] != 0;
+    ::PostMessageW(::GetFocus(), is_system ? WM_SYSKEYDOWN : WM_KEYDOWN, static_cast<WPARAM>(key),
+                   is_system ? 1 << 29 : 0);
+    Pump();
+    ::SetKeyboardState(before);
+  }
+  static void Type(std::u16string_view text) {
+    for (const char16_t c : text) ::PostMessageW(::GetFocus(), WM_CHAR, c, 0);
+    Pump();
+  }
+  static std::u16string TextOf(HWND window) {
+    wchar_t text[1000];
+    const int length = ::GetWindowTextW(window, text, 1000);
+    return {text, text + length};
+  }
+  Ref<frmSearch> Search() {
+    runtime.ShowSearch();
+    Pump();
+    return forms.Search();
+  }
+  Ref<frmOptions> Options(int32_t page) {
+    runtime.ShowOptions();
+    forms.Options()->tvw0.UserPicked(page);
+    Pump();
+    return forms.Options();
+  }
+
+  SampleHost sheet{"Name,City|ann,x|bob,y|ann,y|cid,x"};
+  TempFolder folder;
+  WindowsMessagePump pump;
+  MemoryRegistry registry;
+  RecordingHelp help;
+  mclsVTFileSystem files;
+  WindowsWindowSystem windows;
+  SharedState shared{Platform{pump, registry, help, windows, files,
+                              std::filesystem::path(ROWLARK_LANGUAGES).make_preferred().u16string(),
+                              ToUtf16(folder.Path().string() + "\\")}};
+  FormSet forms{shared};
+  clsVTRLKRuntime runtime{shared, forms};
+};
+
+TEST_F(FormWindows, SearchForWhatIsTyped) {
+  const auto form = Search();
+  ASSERT_TRUE(form);
+  EXPECT_EQ(form->ActiveControl(), &form->cboText);
+  Type(u"bob");
+  EXPECT_EQ(form->cboText.Text(), u"bob");
+  EXPECT_EQ(form->cboText.Caret(), 3);
+  EXPECT_TRUE(PumpUntil([&] { return sheet.VisibleRows(5) != "1 2 3 4 5"; }));
+  EXPECT_EQ(sheet.VisibleRows(5), "3");
+  Press(VK_BACK, {VK_CONTROL});
+  EXPECT_EQ(form->cboText.Text(), u"");
+  EXPECT_EQ(TextOf(::GetFocus()), u"");
+  Type(u"nobody");
+  EXPECT_TRUE(PumpUntil([&] { return form->boxError.Visible(); }));
+  EXPECT_EQ(form->boxError.Text(), u"Text not found");
+
+  // What code writes is shown and not heard of; the caret goes both ways.
+  form->cboText.SetText(u"one two");
+  form->cboText.Select(0, 3);
+  EXPECT_EQ(TextOf(::GetFocus()), u"one two");
+  Type(u"1");
+  EXPECT_EQ(form->cboText.Text(), u"1 two");
+  EXPECT_EQ(form->cboText.Caret(), 1);
+}
+
+TEST_F(FormWindows, OfferKeysToTheFormFirst) {
+  auto form = Search();
+  const bool filter = form->chkSearchAll.Value();
+  Press('F', {VK_CONTROL});
+  EXPECT_NE(form->chkSearchAll.Value(), filter);
+  // Entries of the history, and back to what was typed.
+  runtime.Items->RecentItems->Add(u"first");
+  Press(VK_ESCAPE);
+  EXPECT_FALSE(form->Loaded());
+  form = Search();
+  Type(u"ann");
+  Press(VK_DOWN);
+  EXPECT_EQ(form->cboText.ListIndex(), 0);
+  EXPECT_EQ(form->cboText.Text(), u"first");
+  EXPECT_EQ(TextOf(::GetFocus()), u"first");
+  Press(VK_UP);
+  EXPECT_EQ(TextOf(::GetFocus()), u"ann");
+  // Enter clicks the default button: go to the match.
+  Press(VK_RETURN);
+  EXPECT_FALSE(form->Loaded());
+  EXPECT_EQ(sheet.application->ActiveCell()->Value(), u"ann");
+}
+
+TEST_F(FormWindows, AreReachedByTabsAndAccelerators) {
+  const auto form = Search();
+  std::vector<const Control*> reached;
+  for (int i = 0; i < 9; ++i) {
+    reached.push_back(form->ActiveControl());
+    Press(VK_TAB);
+  }
+  const std::vector<const Control*> expected{&form->cboText,      &form->optWordsAll, &form->chkCase,
+                                             &form->chkSearchAll, &form->chkEditMode, &form->btnMode,
+                                             &form->btnUnhide,    &form->btnOptions,  &form->btnClose};
+  EXPECT_EQ(reached, expected);
+  EXPECT_EQ(form->ActiveControl(), &form->cboText);  // round again
+  Press('M', {VK_MENU});
+  EXPECT_TRUE(form->chkCase.Value());
+  Press('E', {VK_MENU});
+  EXPECT_TRUE(form->optWordsCell.Value());
+  EXPECT_FALSE(form->optWordsAll.Value());
+  Press('W', {VK_MENU});  // of the frame around the text
+  EXPECT_EQ(form->ActiveControl(), &form->cboText);
+  Press('C', {VK_MENU});
+  EXPECT_FALSE(form->Loaded());
+}
+
+TEST_F(FormWindows, ShowListsAndReportWhatIsPicked) {
+  const auto form = Options(1);
+  ASSERT_TRUE(form);
+  const HWND window = WindowOf(*form);
+  const HWND list = ::FindWindowExW(window, nullptr, WC_LISTVIEWW, nullptr);
+  const HWND tree = ::FindWindowExW(window, nullptr, WC_TREEVIEWW, nullptr);
+  const HWND bar = ::FindWindowExW(window, nullptr, TOOLBARCLASSNAMEW, nullptr);
+  EXPECT_EQ(::SendMessageW(list, LVM_GETITEMCOUNT, 0, 0), 1);
+  EXPECT_EQ(::SendMessageW(tree, TVM_GETCOUNT, 0, 0), 4);
+  EXPECT_EQ(::SendMessageW(bar, TB_BUTTONCOUNT, 0, 0), 3);
+  EXPECT_FALSE(::IsWindowVisible(::FindWindowExW(window, nullptr, WC_COMBOBOXW, nullptr)));
+
+  form->tvw0.SetFocus();
+  Press(VK_UP);
+  EXPECT_EQ(form->tvw0.Selected(), 0);
+  EXPECT_TRUE(form->fra0.Visible());
+  // Picking a language gives the form its texts.
+  form->cbo0_LangFile.SetFocus();
+  for (int i = 0; i < 6 && shared.Language->LangFile() != u"german.lng"; ++i) Press(VK_DOWN);
+  EXPECT_EQ(TextOf(window), u"Optionen");
+  EXPECT_NE(form->box0_LangInfo.Text().find(u"german.lng"), std::u16string::npos);
+  // Hotkeys are captured, those with Alt too.
+  form->tvw0.UserPicked(2);
+  form->box0_HKS.SetFocus();
+  Press('K', {VK_CONTROL, VK_MENU});
+  EXPECT_EQ(runtime.Items->HotKeySearch(), u"^%k");
+  form->tvw0.UserPicked(3);
+  ::SendMessageW(window, WM_CLOSE, 0, 0);
+  EXPECT_FALSE(form->Loaded());
+}
+
+TEST_F(FormWindows, KeepLinesAsCellsHaveThem) {
+  sheet.application->ActiveSheet()->Cells(1, 1)->SetValue(u"a\nb");
+  sheet.application->ActiveSheet()->Cells(1, 1)->Activate();
+  forms.ShowEdit(runtime);
+  const auto form = forms.Edit();
+  ASSERT_TRUE(form);
+  Pump();
+  EXPECT_EQ(TextOf(::GetFocus()), u"a\r\nb");
+  form->box0.SetCaret(3);
+  Type(u"c");
+  EXPECT_EQ(form->box0.Text(), u"a\nbc");
+  EXPECT_EQ(form->box0.Caret(), 4);
+  Press(VK_RETURN);
+  EXPECT_EQ(sheet.application->ActiveCell()->Value(), u"a\nbc");
+}
+
+// A text that its window cuts, in whatever language.
+BOOL CALLBACK CheckText(HWND window, LPARAM report) {
+  wchar_t type[50];
+  ::GetClassNameW(window, type, 50);
+  wchar_t text[500];
+  ::GetWindowTextW(window, text, 500);
+  RECT area{};
+  ::GetClientRect(window, &area);
+  const std::wstring_view name = type;
+  SIZE needed{};
+  const bool is_group =
+      name == WC_BUTTONW && (::GetWindowLongPtrW(window, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
+  if (name == WC_BUTTONW && !is_group) {
+    EXPECT_NE(::SendMessageW(window, BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&needed)), 0);
+  } else if (name == TOOLBARCLASSNAMEW) {
+    ::SendMessageW(window, TB_GETMAXSIZE, 0, reinterpret_cast<LPARAM>(&needed));
+  } else if (name == WC_STATICW || is_group || name == WC_LINK) {
+    const HDC context = ::GetDC(window);
+    const HGDIOBJ before =
+        ::SelectObject(context, reinterpret_cast<HFONT>(::SendMessageW(window, WM_GETFONT, 0, 0)));
+    RECT extent{};
+    std::wstring plain = text;
+    if (name == WC_LINK && plain.starts_with(L"<a>")) plain = plain.substr(3, plain.size() - 7);
+    const bool is_icon = (::GetWindowLongPtrW(window, GWL_STYLE) & SS_TYPEMASK) == SS_ICON;
+    if (!is_icon || is_group) ::DrawTextW(context, plain.c_str(), -1, &extent, DT_CALCRECT);
+    needed = {extent.right + (is_group ? 12 : 0), is_group ? 0 : extent.bottom};
+    ::SelectObject(context, before);
+    ::ReleaseDC(window, context);
+  }
+  if (needed.cx > area.right || needed.cy > area.bottom) {
+    char what[600];
+    ::snprintf(what, sizeof what, "%ls \"%ls\" needs %ldx%ld and has %ldx%ld", type, text, needed.cx,
+               needed.cy, area.right, area.bottom);
+    *reinterpret_cast<std::string*>(report) += std::string(what) + "\n";
+  }
+  return TRUE;
+}
+
+TEST_F(FormWindows, CutNoTextInAnyLanguage) {
+  std::set<std::u16string> captions;
+  for (const auto* language : {u"english", u"french", u"german", u"polish", u"russian", u"spanish"}) {
+    shared.Language->SetLangFile(std::u16string(language) + u".lng");
+    captions.insert(shared.Language->GetText(u"Search.UI.Opt.CellEntire", u""));
+    std::string cut;
+    const auto check = [&cut](const controls::Form& form) {
+      const HWND window = WindowOf(form);
+      ASSERT_NE(window, nullptr);
+      ::EnumChildWindows(window, CheckText, reinterpret_cast<LPARAM>(&cut));
+    };
+    check(*Search());
+    forms.ShowEdit(runtime);
+    check(*forms.Edit());
+    check(*Options(0));
+    const HWND tree = ::FindWindowExW(WindowOf(*forms.Options()), nullptr, WC_TREEVIEWW, nullptr);
+    RECT area{};
+    ::GetClientRect(tree, &area);
+    for (auto node = ::SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0); node != 0;
+         node = ::SendMessageW(tree, TVM_GETNEXTITEM, TVGN_NEXT, node)) {
+      RECT item{};
+      std::memcpy(&item, &node, sizeof node);
+      ::SendMessageW(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&item));
+      EXPECT_LE(item.right, area.right);
+    }
+    const auto about = MakeRef<frmAbout>(shared);
+    ASSERT_TRUE(about->Open());
+    check(*about);
+    about->lblCopyrightMore.UserClicked();
+    check(*about);
+    about->Unload();
+    EXPECT_EQ(cut, "") << ToUtf8(language);
+    forms.Unload(nullptr);
+  }
+  EXPECT_EQ(captions.size(), 6U);
+}
+
+TEST_F(FormWindows, FollowTheResolution) {
+  const auto form = Search();
+  const HWND window = WindowOf(*form);
+  RECT before{};
+  ::GetClientRect(window, &before);
+  RECT place{100, 100, 0, 0};
+  ::SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&place));
+  RECT after{};
+  ::GetClientRect(window, &after);
+  EXPECT_NEAR(after.right, 2 * before.right, before.right / 5);
+  EXPECT_NEAR(after.bottom, 2 * before.bottom, before.bottom / 5);
+  LOGFONTW font{};
+  ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(::GetFocus(), WM_GETFONT, 0, 0)), sizeof font, &font);
+  std::string cut;
+  ::EnumChildWindows(window, CheckText, reinterpret_cast<LPARAM>(&cut));
+  EXPECT_EQ(cut, "");
+}
+
+TEST_F(FormWindows, RememberWhereTheUserPutsThem) {
+  auto form = Search();
+  form->Move(3000, 2000);
+  const int32_t moved = form->Left();
+  ::SetWindowPos(WindowOf(*form), nullptr, 100, 80, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+  EXPECT_NE(form->Left(), moved);
+  const auto left = form->Left();
+  const auto top = form->Top();
+  form->Unload();
+  form = Search();
+  EXPECT_EQ(form->Left(), left);
+  EXPECT_EQ(form->Top(), top);
+  RECT area{};
+  ::GetWindowRect(WindowOf(*form), &area);
+  EXPECT_EQ(area.left, 100);
+  EXPECT_EQ(area.top, 80);
+}
+
+HWND MakeHostWindow() {
+  const HWND host = ::CreateWindowExW(0, L"STATIC", L"host", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 400,
+                                      300, nullptr, nullptr, nullptr, nullptr);
+  EXPECT_NE(host, nullptr);
+  return host;
+}
+
+TEST_F(FormWindows, EndWithTheirOwner) {
+  const HWND host = MakeHostWindow();
+  const auto form = Search();
+  form->SetOwner(reinterpret_cast<intptr_t>(host));
+  EXPECT_EQ(::GetWindow(WindowOf(*form), GW_OWNER), host);
+  Type(u"kept");
+  ::DestroyWindow(host);
+  EXPECT_FALSE(form->Loaded());
+  EXPECT_FALSE(shared.SearchFormLoaded);
+  EXPECT_EQ(runtime.Items->RecentItems->Item(0), u"kept");  // closed as ever
+  EXPECT_TRUE(Search());                                    // and ready for the next time
+}
+
+TEST_F(FormWindows, DisableTheOthersWhileModal) {
+  const HWND host = MakeHostWindow();
+  const auto search = Search();
+  const HWND other = WindowOf(*search);
+  bool was_modal = false;
+  const auto stop = [&] {
+    was_modal = !::IsWindowEnabled(host) && !::IsWindowEnabled(other);
+    runtime.DoStop();
+  };
+  static const std::function<void()>* action = nullptr;  // a timer without a window is told nothing else
+  const std::function<void()> stop_function = stop;
+  action = &stop_function;
+  ::SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR timer, DWORD) {
+    ::KillTimer(nullptr, timer);
+    (*action)();
+  });
+  runtime.About();
+  EXPECT_TRUE(was_modal);
+  EXPECT_TRUE(::IsWindowEnabled(host));
+  EXPECT_FALSE(forms.About());
+  EXPECT_FALSE(search->Loaded());
+  ::DestroyWindow(host);
+}
+
+// The highest of the handles that a new object of GDI gets: they are given out again from the lowest on.
+WORD HighestGdiHandle() {
+  HBRUSH brushes[32];
+  WORD highest = 0;
+  for (HBRUSH& brush : brushes) {
+    brush = ::CreateSolidBrush(RGB(1, 2, 3));
+    highest = std::max(highest, LOWORD(reinterpret_cast<DWORD_PTR>(brush)));
+  }
+  for (const HBRUSH brush : brushes) ::DeleteObject(brush);
+  return highest;
+}
+
+TEST_F(FormWindows, LeaveNothingBehind) {
+  const auto cycle = [this](int times) {
+    for (int i = 0; i < times; ++i) {
+      const auto about = MakeRef<frmAbout>(shared);
+      EXPECT_TRUE(about->Open());
+      about->Unload();
+      if (i % 10 != 0) continue;
+      Search();
+      Options(i / 10 % 4);
+      forms.Unload(nullptr);
+      Pump();
+    }
+  };
+  const auto process = ::GetCurrentProcess();
+  const auto before = WindowsOfThread().size();
+  cycle(40);
+  DWORD handles = 0;
+  ::GetProcessHandleCount(process, &handles);
+  const DWORD user = ::GetGuiResources(process, GR_USEROBJECTS);
+  const DWORD gdi = ::GetGuiResources(process, GR_GDIOBJECTS);
+  const WORD gdi_handle = HighestGdiHandle();
+  cycle(500);
+  EXPECT_EQ(WindowsOfThread().size(), before);
+  DWORD handles_after = 0;
+  ::GetProcessHandleCount(process, &handles_after);
+  EXPECT_LE(handles_after, handles + 5);
+  EXPECT_LE(::GetGuiResources(process, GR_USEROBJECTS), user + 5);
+  EXPECT_LE(::GetGuiResources(process, GR_GDIOBJECTS), gdi + 5);
+  EXPECT_LE(HighestGdiHandle(), gdi_handle + 20);
+}
+
+}  // namespace
+}  // namespace rowlark::windows
