@@ -9,8 +9,6 @@ export WINEPREFIX
 # No messages of its own, no offers to download browsers; the language, and with it the ANSI code page, is fixed.
 export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" LC_ALL=C.UTF-8
 wine=/usr/lib/wine/wine64
-# Starting the system takes seconds, so it stays up for a while after a program has ended; one that is up stays.
-/usr/lib/wine/wineserver64 -p30 </dev/null >/dev/null 2>&1 || true
 
 made=$WINEPREFIX/.made
 if [ ! -e "$made" ]; then
@@ -24,5 +22,10 @@ if [ ! -e "$made" ]; then
       touch "$made"
     }
   ) 9>"$WINEPREFIX/.lock"
+fi
+# Starting the system takes seconds, so it stays up for a while after a program has ended; one that is up stays. Its own
+# programs, the desktop among them, are started here: whoever reads what "$@" writes would wait for their end as well.
+if "${wine%64}server64" -p30 </dev/null >/dev/null 2>&1; then
+  "$wine" rundll32 user32.dll,GetDesktopWindow </dev/null >/dev/null 2>&1 || true
 fi
 exec "$wine" "$@"

@@ -123,14 +123,14 @@ TEST(Controls, KeysReachTheFormFirstAndNobodyAfterItIsUnloaded) {
 TEST(Controls, LayoutGivesRoomToTextsAndTheRestToWhoStretches) {
   const auto form = MakeRef<Sample>();
   const auto right = [](const Control& control) { return control.Bounds.left + control.Bounds.width; };
-  EXPECT_EQ(form->label.Bounds.width, 60);
+  EXPECT_EQ(form->label.Bounds.width, 62);
   EXPECT_EQ(form->box.Bounds.width, 40);
   EXPECT_EQ(right(form->combo), right(form->right));
   EXPECT_EQ(form->list.Bounds.width, right(form->right) - 7);
   EXPECT_EQ(form->c.Container, &form->right);
   form->label.SetCaption(u"a label that is longer");
   form->Arrange();
-  EXPECT_EQ(form->label.Bounds.width, 110);
+  EXPECT_EQ(form->label.Bounds.width, 112);
   EXPECT_EQ(form->ClientSize().width, right(form->right) + 7);
   EXPECT_EQ(form->ClientSize().height, form->list.Bounds.top + form->list.Bounds.height + 7);
 }
