@@ -176,7 +176,7 @@ void GridWindow::Wheel(int delta, bool horizontal) {
   Redraw();
 }
 
-void GridWindow::ButtonDown(int x, int y, bool extend) {
+void GridWindow::ButtonDown(int x, int y, bool shift, bool control) {
   SetFocus(Hwnd());
   auto& sheet = view_->Sheet();
   const auto [part, place] = view_->HitTest(x, y);
@@ -194,13 +194,16 @@ void GridWindow::ButtonDown(int x, int y, bool extend) {
   dragged_ = part;
   SetCapture(Hwnd());
   SetTimer(Hwnd(), kDragTimer, kDragInterval, nullptr);
-  if (extend) return DragSelection();
+  kept_.clear();
+  if (shift) return DragSelection();
+  if (control) kept_ = sheet.Selection();
   if (part == Part::RowHeader) {
-    SelectArea(sheet, {place.row, 1, place.row, kMaxColumn}, {place.row, view_->LeftColumn()});
+    SelectArea(sheet, {place.row, 1, place.row, kMaxColumn}, {place.row, view_->LeftColumn()}, kept_);
   } else if (part == Part::ColumnHeader) {
-    SelectArea(sheet, {1, place.column, kMaxRow, place.column}, {view_->Rows().front().index, place.column});
+    SelectArea(sheet, {1, place.column, kMaxRow, place.column}, {view_->Rows().front().index, place.column},
+               kept_);
   } else {
-    MoveTo(sheet, place);
+    SelectArea(sheet, {place.row, place.column, place.row, place.column}, place, kept_);
     view_->Reveal(place);
   }
   callbacks_.selected();
@@ -223,8 +226,8 @@ void GridWindow::DragSelection() {
     area.first_row = 1;
     area.last_row = kMaxRow;
   }
-  if (sheet.Selection().size() == 1 && sheet.Selection().front() == area) return;
-  SelectArea(sheet, area, {active.first_row, active.first_column});
+  if (sheet.Selection().back() == area) return;
+  SelectArea(sheet, area, {active.first_row, active.first_column}, kept_);
   callbacks_.selected();
 }
 
@@ -327,7 +330,8 @@ bool GridWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& 
       Wheel(GET_WHEEL_DELTA_WPARAM(wparam), message == WM_MOUSEHWHEEL);
       return true;
     case WM_LBUTTONDOWN:
-      ButtonDown(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam), (wparam & MK_SHIFT) != 0);
+      ButtonDown(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam), (wparam & MK_SHIFT) != 0,
+                 (wparam & MK_CONTROL) != 0);
       return true;
     case WM_MOUSEMOVE:
       if (dragged_ != Part::Corner) Drag(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam));
@@ -345,6 +349,7 @@ bool GridWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& 
       return true;
     }
     case WM_LBUTTONUP:
+      if (dragged_ != Part::Corner) Drag(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam));
       ReleaseCapture();
       return true;
     case WM_CAPTURECHANGED:

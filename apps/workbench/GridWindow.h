@@ -38,7 +38,8 @@ class GridWindow final : public Window {
   void UpdateScrollBars();
   void Scroll(bool vertical, WORD request);
   void Wheel(int delta, bool horizontal);
-  void ButtonDown(int x, int y, bool extend);
+  // With Shift the selection reaches to there; with Ctrl it gets one more area.
+  void ButtonDown(int x, int y, bool shift, bool control);
   void Drag(int x, int y);
   void DragSelection();
   bool KeyDown(int32_t key);
@@ -51,6 +52,7 @@ class GridWindow final : public Window {
   GdiPtr<HBITMAP> picture_;  // what was drawn last
   SIZE picture_size_{};
   GridView::Part dragged_ = GridView::Part::Corner;  // Corner: nothing is dragged
+  std::vector<standalone::Rect> kept_;               // areas selected before the one that is dragged
   POINT mouse_{};
   int wheel_ = 0;  // turns below one notch
 };

@@ -80,7 +80,7 @@ MainWindow::MainWindow()
   window_class.lpszClassName = L"XLMAIN";
   window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
   window_class.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
-  window_class.hIcon = LoadIconW(nullptr, IDI_APPLICATION);
+  window_class.hIcon = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(kIcon));
   if (Create(window_class, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, nullptr) == nullptr) {
     throw std::runtime_error("The main window can not be made.");
   }

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "automation/Variant.h"
+#include "util/Text.h"
 
 namespace rowlark::workbench {
 namespace {
@@ -78,8 +79,10 @@ void MenuBar::Update() {
   AppendPopup(bar, kData, L"&Data");
   const HMENU books = CreatePopupMenu();
   for (std::size_t i = 0; i < content_.books.size(); ++i) {
+    std::u16string caption = i < 9 ? u"&" : u"";
+    caption += ToText(static_cast<int32_t>(i) + 1) + u' ' + content_.books[i];
     AppendMenuW(books, content_.books[i] == content_.active ? MF_STRING | MF_CHECKED : MF_STRING,
-                Id(Command::FirstWorkbook) + i, Wide(content_.books[i].c_str()));
+                Id(Command::FirstWorkbook) + i, Wide(caption.c_str()));
   }
   AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(books), L"&Window");
   std::size_t i = 0;

@@ -131,12 +131,15 @@ void ExtendTo(Worksheet& sheet, Place corner) {
              {active.first_row, active.first_column});
 }
 
-void SelectArea(Worksheet& sheet, const Rect& area, Place active) {
+void SelectArea(Worksheet& sheet, const Rect& area, Place active, std::vector<Rect> others) {
   const Rect cell{active.row, active.column, active.row, active.column};
-  if (sheet.Selection().size() == 1 && sheet.Selection().front() == area && sheet.ActiveCell() == cell)
-    return;
+  others.push_back(area);
+  if (sheet.Selection() == others && sheet.ActiveCell() == cell) return;
   std::u16string address;
-  AppendAddress(address, area);
+  for (const auto& each : others) {
+    if (!address.empty()) address += u',';
+    AppendAddress(address, each);
+  }
   sheet.Select(address);
   sheet.Activate({cell});
 }

@@ -1,6 +1,8 @@
 // Where keys lead on a sheet. Hidden rows are passed over.
 #pragma once
 
+#include <vector>
+
 #include "host/standalone/Worksheet.h"
 
 namespace rowlark::workbench {
@@ -34,7 +36,8 @@ Place MovingCorner(const standalone::Worksheet& sheet);
 // sheet's event only where the selection changes.
 void MoveTo(standalone::Worksheet& sheet, Place cell);
 void ExtendTo(standalone::Worksheet& sheet, Place corner);
-// Selects an area and makes one of its cells the active one.
-void SelectArea(standalone::Worksheet& sheet, const standalone::Rect& area, Place active);
+// Selects an area, beside others or alone, and makes one of its cells the active one.
+void SelectArea(standalone::Worksheet& sheet, const standalone::Rect& area, Place active,
+                std::vector<standalone::Rect> others = {});
 
 }  // namespace rowlark::workbench

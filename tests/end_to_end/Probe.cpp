@@ -3,6 +3,7 @@
 //   connect        takes the running Application object
 //   ? EXPRESSION   a VBScript expression; the members of Application stand for themselves
 //   STATEMENT      a VBScript statement
+//   minimise, restore   the main window, as its caption's buttons do
 //   windows        "=" and the number of lines that follow, one for each visible window of the workbench,
 //   each
 //                  before those inside it: handle, parent, class, text, left, top, width, height, flags (E
@@ -146,6 +147,11 @@ struct Listing {
   }
 };
 
+std::string Command(WPARAM command) {
+  const HWND main = FindWindowW(L"XLMAIN", nullptr);
+  return PostMessageW(main, WM_SYSCOMMAND, command, 0) != 0 ? "= done" : "! no workbench";
+}
+
 std::string Windows() {
   const HWND main = FindWindowW(L"XLMAIN", nullptr);
   if (main == nullptr) return "! no workbench";
@@ -171,6 +177,8 @@ void Serve() {
     std::string answer = "! not connected";
     if (request == "windows") {
       answer = Windows();
+    } else if (request == "minimise" || request == "restore") {
+      answer = Command(request == "restore" ? SC_RESTORE : SC_MINIMIZE);
     } else if (request == "connect") {
       disconnect();
       ComPtr<IUnknown> running;
