@@ -51,15 +51,17 @@ class Steps {
  public:
   explicit Steps(std::vector<std::function<void()>> steps) : steps_(std::move(steps)) {
     current = this;
-    ::SetTimer(nullptr, 0, kSettled, [](HWND, UINT, UINT_PTR timer, DWORD) {
-      auto& self = *current;
-      if (self.next_ + 1 >= self.steps_.size()) ::KillTimer(nullptr, timer);
-      if (self.next_ < self.steps_.size()) self.steps_[self.next_++]();
-    });
+    ::SetTimer(nullptr, 0, kSettled, DoNext);
   }
   bool Done() const { return next_ == steps_.size(); }
 
  private:
+  static void CALLBACK DoNext(HWND, UINT, UINT_PTR timer, DWORD) {
+    Steps& self = *current;
+    if (self.next_ + 1 >= self.steps_.size()) ::KillTimer(nullptr, timer);
+    if (self.next_ < self.steps_.size()) self.steps_[self.next_++]();
+  }
+
   static inline Steps* current = nullptr;  // a timer without a window is told nothing else
 
   std::vector<std::function<void()>> steps_;

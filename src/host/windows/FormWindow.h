@@ -78,6 +78,7 @@ class FormWindow final : public controls::View, public RefCounted {
   void Show();
   void Hide();
   void DisableOthers();
+  static BOOL CALLBACK DisableOther(HWND window, LPARAM self) noexcept;
   void Moved();
   void Rescale(UINT dpi);
   void LayOut();

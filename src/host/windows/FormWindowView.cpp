@@ -1,5 +1,5 @@
 // What the window of a form shows of it.
-#include <algorithm>
+#include <new>
 #include <utility>
 
 #include "host/windows/FormWindow.h"
@@ -89,22 +89,18 @@ void FormWindow::Hide() {
 
 // All windows of the thread wait for a modal form: a host may have several main windows.
 void FormWindow::DisableOthers() {
-  ::EnumThreadWindows(
-      ::GetCurrentThreadId(),
-      [](HWND window, LPARAM data) -> BOOL {
-        auto& self = *reinterpret_cast<FormWindow*>(data);
-        if (window == self.site_.window || ::IsWindowVisible(window) == 0 || ::IsWindowEnabled(window) == 0) {
-          return TRUE;
-        }
-        try {
-          self.disabled_.push_back(window);
-          ::EnableWindow(window, FALSE);
-          return TRUE;
-        } catch (...) {
-          return FALSE;
-        }
-      },
-      reinterpret_cast<LPARAM>(this));
+  ::EnumThreadWindows(::GetCurrentThreadId(), DisableOther, reinterpret_cast<LPARAM>(this));
+}
+
+BOOL CALLBACK FormWindow::DisableOther(HWND window, LPARAM self) noexcept try {
+  auto& form = *reinterpret_cast<FormWindow*>(self);
+  const bool is_usable = ::IsWindowVisible(window) != 0 && ::IsWindowEnabled(window) != 0;
+  if (window == form.site_.window || !is_usable) return TRUE;
+  form.disabled_.push_back(window);
+  ::EnableWindow(window, FALSE);
+  return TRUE;
+} catch (const std::bad_alloc&) {
+  return FALSE;
 }
 
 void FormWindow::LayOut() {
