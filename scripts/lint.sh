@@ -13,5 +13,5 @@ clang-format --dry-run -Werror "${sources[@]}"
 cmake --preset linux-release >/dev/null
 # Sources for Windows need its headers, which the cross compiler alone has.
 printf '%s\n' "${sources[@]}" | grep -E '^(src|apps|bench)/.*\.cpp$' |
-  grep -vE '/windows/|^src/(automation|server)/|^apps/workbench/' |
+  grep -vE '/windows/|^src/(automation|server)/|^apps/(workbench|gallery)/' |
   xargs -P "$(nproc)" -n 4 clang-tidy --quiet -p build/linux-release --extra-arg=-Wno-unknown-warning-option --warnings-as-errors='*'
