@@ -146,6 +146,21 @@ TEST_F(FormWindows, SearchForWhatIsTyped) {
   Type(u"1");
   EXPECT_EQ(form->cboText.Text(), u"1 two");
   EXPECT_EQ(form->cboText.Caret(), 1);
+  // So does the user's, as the next key finds it.
+  Press(VK_END);
+  Press(VK_LEFT, {VK_SHIFT});
+  Press(VK_LEFT, {VK_SHIFT});
+  Press(VK_SHIFT);
+  EXPECT_EQ(form->cboText.Anchor(), 5);
+  EXPECT_EQ(form->cboText.Caret(), 3);
+  Press(VK_RIGHT, {VK_SHIFT});
+  Press(VK_SHIFT);
+  EXPECT_EQ(form->cboText.Caret(), 4);
+  Press(VK_HOME);
+  Press(VK_RIGHT, {VK_SHIFT});
+  Press(VK_SHIFT);
+  EXPECT_EQ(form->cboText.Anchor(), 0);
+  EXPECT_EQ(form->cboText.Caret(), 1);
 }
 
 TEST_F(FormWindows, OfferKeysToTheFormFirst) {
@@ -223,6 +238,47 @@ TEST_F(FormWindows, ShowListsAndReportWhatIsPicked) {
   form->tvw0.UserPicked(3);
   ::SendMessageW(window, WM_CLOSE, 0, 0);
   EXPECT_FALSE(form->Loaded());
+}
+
+TEST_F(FormWindows, TakeTheChoiceThatAnOpenListEndsWith) {
+  const auto options = Options(0);
+  auto& languages = options->cbo0_LangFile;
+  const auto before = languages.ListIndex();
+  languages.SetFocus();
+  const HWND box = ::GetFocus();
+  const auto is_open = [box] { return ::SendMessageW(box, CB_GETDROPPEDSTATE, 0, 0) != 0; };
+  const auto shown = [box] { return ::SendMessageW(box, CB_GETCURSEL, 0, 0); };
+  for (const int end : {VK_ESCAPE, VK_RETURN}) {
+    Press(VK_F4);
+    Press(VK_DOWN);
+    Press(VK_DOWN);
+    EXPECT_TRUE(is_open());
+    EXPECT_EQ(shown(), before + 2);
+    EXPECT_EQ(languages.ListIndex(), before);
+    Press(end);
+    EXPECT_FALSE(is_open());
+    EXPECT_EQ(languages.ListIndex(), end == VK_RETURN ? before + 2 : before);
+    EXPECT_EQ(shown(), languages.ListIndex());
+  }
+  EXPECT_TRUE(options->Loaded());
+  options->Unload();
+
+  runtime.Items->RecentItems->Add(u"first");
+  runtime.Items->RecentItems->Add(u"second");
+  const auto form = Search();
+  Type(u"typed");
+  for (const int end : {VK_ESCAPE, VK_RETURN}) {
+    Press(VK_F4);
+    Press(VK_DOWN);
+    Press(VK_DOWN);
+    Press(VK_UP);
+    EXPECT_EQ(TextOf(::GetFocus()), u"second");
+    EXPECT_EQ(form->cboText.Text(), u"typed");
+    Press(end);
+    EXPECT_EQ(form->cboText.Text(), end == VK_RETURN ? u"second" : u"typed");
+    EXPECT_EQ(TextOf(::GetFocus()), form->cboText.Text());
+  }
+  EXPECT_TRUE(form->Loaded());
 }
 
 TEST_F(FormWindows, KeepLinesAsCellsHaveThem) {

@@ -266,11 +266,10 @@ bool FormWindow::UsesKey(MSG& message) {
       held(VK_SHIFT, controls::kShift) | held(VK_CONTROL, controls::kCtrl) | held(VK_MENU, controls::kAlt);
   WPARAM& key = message.wParam;
   NativeControl* focused = ControlOf(message.hwnd);
-  const bool is_end = key == VK_RETURN || key == VK_ESCAPE;
   switch (message.message) {
     case WM_KEYDOWN:
     case WM_SYSKEYDOWN:
-      if (key == VK_PROCESSKEY || (is_end && focused != nullptr && focused->TakesEndKeys())) break;
+      if (key == VK_PROCESSKEY || (focused != nullptr && focused->TakesKey(key))) break;
       if (focused != nullptr) focused->Report();
       key = static_cast<WPARAM>(form->UserKeyDown(static_cast<int32_t>(key), shift));
       break;

@@ -61,8 +61,8 @@ class NativeControl {
   virtual HBRUSH Colour(HDC) const { return nullptr; }
   // Tells the control what the native window does not report by itself, before a handler looks at it.
   virtual void Report() {}
-  // Return and Escape mean something to the control, whatever they mean to the form.
-  virtual bool TakesEndKeys() const { return false; }
+  // A key means something to the control, whatever it means to the form.
+  virtual bool TakesKey(WPARAM) const { return false; }
 
  protected:
   // In the constructor.

@@ -1,6 +1,7 @@
 #include "host/windows/NativeTexts.h"
 
 #include <algorithm>
+#include <array>
 
 #include "host/windows/Wide.h"
 
@@ -41,12 +42,20 @@ NativeText::Selection NativeText::SelectionIn(std::wstring_view text) const {
   return {offset(start), offset(end)};
 }
 
-// The native window tells what is selected, but not in which direction.
+// The native window tells what is selected; in which direction is seen from where the caret stands. The
+// character at the start is asked for since there is always one there.
 void NativeText::Report() {
-  if (Editor() == nullptr) return;
+  if (Editor() == nullptr || ::GetFocus() != Editor()) return;
+  const Dpi::Scope dpi(site_.dpi_of);
   const auto [start, end] = SelectionIn(TextOf(Editor()));
-  if (start == Input().SelStart() && end - start == Input().SelLength()) return;
-  Input().UserSelected(start, end);
+  DWORD first = 0;
+  POINT caret{};
+  ::SendMessageW(Editor(), EM_GETSEL, reinterpret_cast<WPARAM>(&first), 0);
+  const auto place = static_cast<DWORD>(::SendMessageW(Editor(), EM_POSFROMCHAR, first, 0));
+  const bool is_back = start != end && ::GetCaretPos(&caret) != 0 &&
+                       caret.x == static_cast<SHORT>(LOWORD(place)) &&
+                       caret.y == static_cast<SHORT>(HIWORD(place));
+  Input().UserSelected(is_back ? end : start, is_back ? start : end);
 }
 
 void NativeText::Typed() {
@@ -145,15 +154,37 @@ void NativeComboBox::Command(WORD code, WORD) {
       if (::IsWindow(window_) != 0) MarkEntry(Box().ListIndex());
       break;
     case CBN_SELCHANGE:
-      if (site_.updating == 0) Box().UserPicked(static_cast<int32_t>(Send(CB_GETCURSEL)));
+      // In the open list it may still go on.
+      if (site_.updating == 0 && !ListIsOpen()) Box().UserPicked(static_cast<int32_t>(Send(CB_GETCURSEL)));
+      break;
+    case CBN_SELENDOK:
+    case CBN_SELENDCANCEL:
+      is_chosen_ = code == CBN_SELENDOK;
       break;
     case CBN_CLOSEUP:
-      // Closing the list may complete the text without a word.
-      if (site_.updating == 0 && Editor() != nullptr) Typed();
+      if (site_.updating == 0) ListClosed();
       break;
     default:
       break;
   }
+}
+
+void NativeComboBox::ListClosed() {
+  const auto index = static_cast<int32_t>(Send(CB_GETCURSEL));
+  if (is_chosen_ && index >= 0) {
+    Box().UserPicked(index);
+  } else if (is_chosen_ && Editor() != nullptr) {
+    Typed();
+  } else {
+    // The window follows what the user goes through.
+    for (const auto property : {Property::ListIndex, Property::Text, Property::Selection}) Update(property);
+  }
+}
+
+// In the open list these move and end the choice, whatever they mean to the form.
+bool NativeComboBox::TakesKey(WPARAM key) const {
+  constexpr std::array<WPARAM, 7> kKeys = {VK_RETURN, VK_ESCAPE, VK_PRIOR, VK_NEXT, VK_UP, VK_DOWN, VK_F4};
+  return std::ranges::count(kKeys, key) != 0 && ListIsOpen();
 }
 
 void NativeComboBox::MarkEntry(int32_t index) const {

@@ -60,7 +60,7 @@ class NativeComboBox final : public NativeText {
   NativeComboBox(controls::Control& model, FormSite& site);
 
   void Command(WORD code, WORD number) override;
-  bool TakesEndKeys() const override { return Send(CB_GETDROPPEDSTATE) != 0; }
+  bool TakesKey(WPARAM key) const override;
 
  private:
   controls::ComboBox& Box() const { return static_cast<controls::ComboBox&>(model_); }
@@ -70,9 +70,12 @@ class NativeComboBox final : public NativeText {
   void Placed(SIZE size) override;
   // Selects an entry without touching the text.
   void MarkEntry(int32_t index) const;
+  bool ListIsOpen() const { return Send(CB_GETDROPPEDSTATE) != 0; }
+  void ListClosed();
 
   HWND editor_ = nullptr;
   HWND list_ = nullptr;
+  bool is_chosen_ = false;  // the list closes with a choice
 };
 
 }  // namespace rowlark::windows
