@@ -2,6 +2,8 @@
 
 #include <shlobj.h>
 
+#include <utility>
+
 #include "automation/Variant.h"
 
 namespace rowlark::server {
@@ -19,8 +21,9 @@ std::u16string ConfigurationFolder() {
 
 }  // namespace
 
-Library::Library(std::u16string_view file_name)
-    : Shared(
+Library::Library(std::u16string_view file_name, std::function<void()> idle)
+    : windows_(std::move(idle)),
+      Shared(
           Platform{pump_, registry_, help_, windows_, files_, FolderOf(file_name), ConfigurationFolder()}) {}
 
 }  // namespace rowlark::server

@@ -1,6 +1,7 @@
 // The program that the automation objects are the outside of, composed of its Windows parts.
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 #include "forms/FormSet.h"
@@ -22,7 +23,11 @@ class Library {
 
  public:
   // Language files lie beside the library, the configuration in the user's folder for application data.
-  explicit Library(std::u16string_view file_name);
+  // `idle` is called when no form's message is being handled any more; it may end the program.
+  Library(std::u16string_view file_name, std::function<void()> idle);
+
+  // A form's message is being handled: the logic may be on the stack.
+  bool Busy() const { return windows_.Busy(); }
 
   SharedState Shared;
   FormSet Forms{Shared};

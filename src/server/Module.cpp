@@ -1,5 +1,8 @@
 #include "server/Module.h"
 
+#include <new>
+#include <utility>
+
 #include "automation/Variant.h"
 #include "server/Library.h"
 
@@ -28,6 +31,15 @@ void Module::ObjectGone() {
   type_library_ = nullptr;
 }
 
+bool Module::Keep(IUnknown* object) noexcept try {
+  if (!program_ || !program_->Busy()) return false;
+  kept_.emplace_back();
+  kept_.back() = automation::ComPtr<IUnknown>(object);
+  return true;
+} catch (const std::bad_alloc&) {
+  return false;
+}
+
 automation::ComPtr<ITypeInfo> Module::TypeInfo(const GUID& guid) {
   automation::ComPtr<ITypeInfo> info;
   if (!type_library_) LoadTypeLibEx(automation::Wide(FileName().c_str()), REGKIND_NONE, type_library_.Put());
@@ -36,7 +48,7 @@ automation::ComPtr<ITypeInfo> Module::TypeInfo(const GUID& guid) {
 }
 
 Library& Module::Program() {
-  if (!program_) program_ = std::make_unique<Library>(FileName());
+  if (!program_) program_ = std::make_unique<Library>(FileName(), [this] { std::exchange(kept_, {}); });
   return *program_;
 }
 

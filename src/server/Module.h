@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include <oaidl.h>
 
@@ -33,6 +34,9 @@ class Module {
   volatile LONG& Locks() { return locks_; }
   void ObjectMade() { InterlockedIncrement(&objects_); }
   void ObjectGone();
+  // True when an object that its last client has let go of has to wait: the program may be on the stack, in a
+  // form's message. It then goes when that has been handled.
+  bool Keep(IUnknown* object) noexcept;
   bool CanUnload() const { return locks_ == 0 && objects_ == 0; }
 
   // The type information of an interface or a class; null when the library's resources can not be read.
@@ -53,6 +57,7 @@ class Module {
   volatile LONG objects_ = 0;
   automation::ComPtr<ITypeLib> type_library_;
   std::unique_ptr<Library> program_;
+  std::vector<automation::ComPtr<IUnknown>> kept_;
   std::unordered_map<const void*, IUnknown*> objects_by_core_;  // not counted
 };
 

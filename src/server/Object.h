@@ -56,6 +56,10 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
   STDMETHODIMP_(ULONG) Release() noexcept override {
     const ULONG left = --references_;
     if (left == 0) {
+      if (module_.Keep(static_cast<Interface*>(this))) {
+        LetGo();
+        return 0;
+      }
       Module& module = module_;
       references_ = 1;  // what ends with the object may count it once more
       delete this;
@@ -122,6 +126,9 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
   virtual ~Object() {
     if (core_) module_.Forget(core_.get());
   }
+
+  // Its last client has let go of the object, which lives on for a while.
+  virtual void LetGo() noexcept {}
 
   // Runs a member. The object lives until it has ended, whatever the client releases meanwhile.
   template <class Action>

@@ -184,6 +184,8 @@ class RuntimeObject final : public Object<_clsVTRLKRuntime, ::clsVTRLKRuntime, c
   STDMETHODIMP get_HelpFile(BSTR* result) noexcept override;
 
  private:
+  void LetGo() noexcept override;
+
   Connection searching_;
 };
 

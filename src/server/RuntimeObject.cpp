@@ -38,6 +38,9 @@ RuntimeObject::RuntimeObject(Module& module)
   });
 }
 
+// Its forms go at once, and end what they wait for.
+void RuntimeObject::LetGo() noexcept { module_.Program().Forms.Unload(core_.get()); }
+
 HRESULT RuntimeObject::get_Items(_clsVTRLKItems** result) noexcept {
   return Get(result, [this] { return Wrap<ItemsObject, _clsVTRLKItems>(module_, core_->Items); });
 }

@@ -19,10 +19,11 @@ constexpr wchar_t kClassName[] = L"RowlarkForm";
 
 }  // namespace
 
-FormDesk::FormDesk()
+FormDesk::FormDesk(std::function<void()> idle)
     : Controls(Resources.Module()),
       LargeIcon(Resources.LoadPicture(u"rowlark", ::GetSystemMetrics(SM_CXICON))),
-      SmallIcon(Resources.LoadPicture(u"rowlark", ::GetSystemMetrics(SM_CXSMICON))) {
+      SmallIcon(Resources.LoadPicture(u"rowlark", ::GetSystemMetrics(SM_CXSMICON))),
+      idle_(std::move(idle)) {
   const ActivationContext::Scope scope(Controls);
   const INITCOMMONCONTROLSEX classes{sizeof classes,
                                      ICC_STANDARD_CLASSES | ICC_WIN95_CLASSES | ICC_LINK_CLASS};
@@ -142,6 +143,7 @@ LRESULT CALLBACK FormWindow::Procedure(HWND window, UINT message, WPARAM first, 
   }
   const Ref<FormWindow> self(reinterpret_cast<FormWindow*>(::GetWindowLongPtrW(window, GWLP_USERDATA)));
   if (!self) return ::DefDlgProcW(window, message, first, second);
+  const FormDesk::Message under_way(self->desk_);
   try {
     return self->Handle(message, first, second);
   } catch (...) {
@@ -251,6 +253,7 @@ void FormWindow::TakeKey(MSG& message) noexcept {
   const HWND root = ::GetAncestor(message.hwnd, GA_ROOT);
   const Ref<FormWindow> self(root != nullptr ? Of(root) : nullptr);
   if (!self || !self->form_) return;
+  const FormDesk::Message under_way(self->desk_);
   try {
     if (self->UsesKey(message)) message.message = WM_NULL;
   } catch (...) {

@@ -4,7 +4,9 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "controls/Form.h"
@@ -24,7 +26,8 @@ class FormWindow;
 // What the windows of all forms have in common. It ends with the last of them.
 class FormDesk {
  public:
-  FormDesk();
+  // `idle` is called whenever the last message under way has been handled.
+  explicit FormDesk(std::function<void()> idle);
   FormDesk(const FormDesk&) = delete;
   FormDesk& operator=(const FormDesk&) = delete;
   ~FormDesk();
@@ -39,8 +42,25 @@ class FormDesk {
   const Icon SmallIcon;
   std::vector<FormWindow*> Windows;
 
+  // A message of a form is being handled, and whatever it calls.
+  class Message {
+   public:
+    explicit Message(std::shared_ptr<FormDesk> desk) : desk_(std::move(desk)) { ++desk_->messages_; }
+    Message(const Message&) = delete;
+    Message& operator=(const Message&) = delete;
+    ~Message() {
+      if (--desk_->messages_ == 0) desk_->idle_();
+    }
+
+   private:
+    std::shared_ptr<FormDesk> desk_;
+  };
+  bool Busy() const { return messages_ > 0; }
+
  private:
   std::weak_ptr<KeyHook> keys_;
+  const std::function<void()> idle_;  // throws nothing
+  int messages_ = 0;                  // under way
 };
 
 class FormWindow final : public controls::View, public RefCounted {

@@ -47,11 +47,13 @@ int ShowBox(std::u16string_view text, std::u16string_view title, UINT style) {
 
 }  // namespace
 
-WindowsWindowSystem::WindowsWindowSystem() = default;
+WindowsWindowSystem::WindowsWindowSystem(std::function<void()> idle) : idle_(std::move(idle)) {}
 
 WindowsWindowSystem::~WindowsWindowSystem() {
   while (desk_ && !desk_->Windows.empty()) desk_->Windows.back()->Abandon();
 }
+
+bool WindowsWindowSystem::Busy() const { return desk_ && desk_->Busy(); }
 
 bool WindowsWindowSystem::MayOpen(std::u16string_view link) {
   for (const std::u16string_view scheme : {u"http://", u"https://", u"mailto:"}) {
@@ -61,7 +63,7 @@ bool WindowsWindowSystem::MayOpen(std::u16string_view link) {
 }
 
 bool WindowsWindowSystem::Realise(controls::Form& form) noexcept try {
-  if (!desk_) desk_ = std::make_shared<FormDesk>();
+  if (!desk_) desk_ = std::make_shared<FormDesk>(idle_);
   FormWindow::Open(form, desk_);
   return true;
 } catch (...) {

@@ -1,6 +1,7 @@
 // Forms, message boxes, screens and links of the desktop.
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "host/WindowSystem.h"
@@ -11,11 +12,16 @@ class FormDesk;
 
 class WindowsWindowSystem final : public host::WindowSystem {
  public:
-  WindowsWindowSystem();
+  // `idle` is called when the form's messages under way have all been handled. It throws nothing, and may end
+  // the window system.
+  explicit WindowsWindowSystem(std::function<void()> idle = [] {});
   WindowsWindowSystem(const WindowsWindowSystem&) = delete;
   WindowsWindowSystem& operator=(const WindowsWindowSystem&) = delete;
   // Windows of forms that are still loaded go, and their forms hear nothing of it.
   ~WindowsWindowSystem() override;
+
+  // Whether a message of a form is being handled: the form's logic may be on the stack.
+  bool Busy() const;
 
   // Whether OpenLink hands a link to the shell: web addresses and "mailto:" only, never files or programs.
   static bool MayOpen(std::u16string_view link);
@@ -35,6 +41,7 @@ class WindowsWindowSystem final : public host::WindowSystem {
   intptr_t WindowOfClass(std::u16string_view class_name) const noexcept override;
 
  private:
+  const std::function<void()> idle_;
   std::shared_ptr<FormDesk> desk_;  // from the first form on
 };
 
