@@ -107,4 +107,26 @@ void ShowFilterMenu(HWND owner, standalone::Worksheet& sheet, int32_t column, PO
   sheet.SetFilter(state.range, arguments);
 }
 
+void ToggleFilter(standalone::Worksheet& sheet) {
+  if (sheet.AutoFilterMode()) {
+    sheet.SetFilter(sheet.Filter().range, {});
+    return;
+  }
+  // Of one cell the model makes the table around it.
+  host::AutoFilterArguments arguments;
+  arguments.Field = 1;
+  sheet.SetFilter(sheet.Selection().front(), arguments);
+}
+
+void ClearFilters(standalone::Worksheet& sheet) {
+  if (!sheet.AutoFilterMode()) return;
+  const auto state = sheet.Filter();
+  for (std::size_t i = 0; i < state.columns.size(); ++i) {
+    if (!state.columns[i].on) continue;
+    host::AutoFilterArguments arguments;
+    arguments.Field = static_cast<int32_t>(i) + 1;
+    sheet.SetFilter(state.range, arguments);
+  }
+}
+
 }  // namespace rowlark::workbench

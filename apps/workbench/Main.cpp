@@ -1,4 +1,4 @@
-// A spreadsheet window around the sheet model, in which the whole add-in can be used without Excel:
+// Spreadsheet windows around the sheet model, in which the whole add-in can be used without Excel:
 //   workbench [TABLE.CSV...]
 #include <cstdlib>
 #include <exception>
@@ -9,7 +9,7 @@
 #include <ole2.h>
 #include <shellapi.h>
 
-#include "MainWindow.h"
+#include "Program.h"
 #include "automation/Variant.h"
 
 namespace rowlark::workbench {
@@ -28,30 +28,24 @@ class Apartment {
   HRESULT result_;
 };
 
-// As that of the host, the loop knows no windows but its own.
-int Run(int show) {
+int Run() {
   const Apartment apartment;
   const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_BAR_CLASSES | ICC_STANDARD_CLASSES};
   InitCommonControlsEx(&classes);
-  MainWindow window;
-  for (int i = 1; i < __argc; ++i) window.OpenFile(automation::Narrow(__wargv[i]));
-  if (__argc < 2) window.OpenExample();
-  window.Show(show);
-  window.StartAddIn();
-  MSG message;
-  while (GetMessageW(&message, nullptr, 0, 0) > 0) {
-    TranslateMessage(&message);
-    DispatchMessageW(&message);
-  }
-  return static_cast<int>(message.wParam);
+  Program program;
+  for (int i = 1; i < __argc; ++i) program.OpenFile(automation::Narrow(__wargv[i]));
+  if (__argc < 2) program.OpenExample();
+  program.Update();
+  program.StartAddIn();
+  return program.Run();
 }
 
 }  // namespace
 }  // namespace rowlark::workbench
 
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int show) {
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
   try {
-    return rowlark::workbench::Run(show);
+    return rowlark::workbench::Run();
   } catch (...) {
     rowlark::workbench::ReportFailure(nullptr);
     return EXIT_FAILURE;

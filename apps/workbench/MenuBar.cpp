@@ -63,11 +63,11 @@ void MenuBar::AppendItems(HMENU menu, std::size_t& i, std::size_t depth) const {
   }
 }
 
-void MenuBar::Update() {
+void MenuBar::Update(std::u16string_view active) {
   Content content;
   AddItems(content.items, application_.WorksheetMenuBar()->Controls(), 0);
   for (const auto& book : application_.Workbooks()) content.books.push_back(book->Name());
-  if (!content.books.empty()) content.active = content.books.back();
+  content.active = active;
   std::ranges::sort(content.books);
   const HMENU old = GetMenu(window_);
   if (old != nullptr && content == content_) return;
@@ -78,6 +78,8 @@ void MenuBar::Update() {
   AppendPopup(bar, kView, L"&View");
   AppendPopup(bar, kData, L"&Data");
   const HMENU books = CreatePopupMenu();
+  AppendMenuW(books, MF_STRING, Id(Command::FileNew), L"&New Window\tCtrl+N");
+  if (!content_.books.empty()) AppendMenuW(books, MF_SEPARATOR, 0, nullptr);
   for (std::size_t i = 0; i < content_.books.size(); ++i) {
     std::u16string caption = i < 9 ? u"&" : u"";
     caption += ToText(static_cast<int32_t>(i) + 1) + u' ' + content_.books[i];

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <windows.h>
@@ -29,8 +30,9 @@ class MenuBar {
   MenuBar(HWND window, const standalone::Application& application)
       : window_(window), application_(application) {}
 
-  // Follows the command bar and the open workbooks; rebuilds the menu only when they have changed.
-  void Update();
+  // Follows the command bar and the open workbooks, that of the window checked; rebuilds the menu only when
+  // they have changed.
+  void Update(std::u16string_view active);
   // Sets the check marks, before a menu opens.
   void UpdateMarks(bool is_protected, bool is_read_only, bool is_filtered) const;
 

@@ -20,6 +20,25 @@ HWND Window::Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style,
   return hwnd_;
 }
 
+void Window::PlaceBeside(const Window& other) {
+  WINDOWPLACEMENT place{};
+  place.length = sizeof place;
+  if (!GetWindowPlacement(other.Hwnd(), &place)) return;
+  RECT& area = place.rcNormalPosition;
+  const int step = GetSystemMetrics(SM_CYCAPTION) + GetSystemMetrics(SM_CYSIZEFRAME);
+  OffsetRect(&area, step, step);
+  MONITORINFO screen{};
+  screen.cbSize = sizeof screen;
+  GetMonitorInfoW(MonitorFromWindow(other.Hwnd(), MONITOR_DEFAULTTONEAREST), &screen);
+  const RECT& work = screen.rcWork;
+  if (area.right > work.right || area.bottom > work.bottom) {
+    OffsetRect(&area, static_cast<int>(work.left - area.left), static_cast<int>(work.top - area.top));
+  }
+  SetWindowPos(Hwnd(), nullptr, static_cast<int>(area.left), static_cast<int>(area.top),
+               static_cast<int>(area.right - area.left), static_cast<int>(area.bottom - area.top),
+               SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
 LRESULT CALLBACK Window::Procedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
   if (message == WM_NCCREATE) {
     auto* window = static_cast<Window*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);

@@ -24,6 +24,8 @@ class Window {
   }
 
   HWND Hwnd() const { return hwnd_; }
+  // Makes it as large as another window, below and to the right of it; where the screen ends, in its corner.
+  void PlaceBeside(const Window& other);
 
  protected:
   // Registers the class when it is new, and makes a window of it: empty inside a parent, else where the

@@ -45,8 +45,11 @@ class Window:
     def caption(self):
         return self.text.replace("&", "")
 
-    def click(self):
-        xdotool("mousemove", self.left + self.width // 2, self.top + self.height // 2, "click", 1)
+    def click(self, x=None, y=None):
+        """At that place of the window, or in its middle."""
+        x = self.width // 2 if x is None else x
+        y = self.height // 2 if y is None else y
+        xdotool("mousemove", self.left + x, self.top + y, "click", 1)
 
 
 class Probe:
@@ -144,8 +147,8 @@ class WorkbenchTest(unittest.TestCase):
     def type(self, text, delay=20):
         xdotool("type", "--delay", delay, text)
 
-    def activate(self):
-        main = xdotool("search", "--onlyvisible", "--name", "Rowlark Workbench$").split()[-1]
+    def activate(self, workbook=""):
+        main = xdotool("search", "--onlyvisible", "--name", f"{workbook}.*Rowlark Workbench$").split()[-1]
         xdotool("windowactivate", "--sync", main)
 
     # What there is to see.

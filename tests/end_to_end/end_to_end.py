@@ -81,6 +81,18 @@ class AddInTest(WorkbenchTest):
         """The first button of that caption."""
         self.wait_for_window(caption, "Button", inside).click()
 
+    def pick_range(self, options, workbook=""):
+        """Has the search range of the options picked on that workbook's sheet; its address."""
+        self.press("...", options)
+        self.wait_for_window("Range select")
+        self.activate(workbook)
+        address = self.drag_over_cells()
+        self.wait_for_window(address).click()
+        self.keys("Return")
+        self.wait_until_gone("Range select")
+        self.wait_for_window(address, kind="Edit", inside=options)
+        return address
+
     def drag_over_cells(self):
         """Selects a block of cells with the mouse, below the row of column names; its address."""
         before = self.get("Selection.Address")
@@ -103,15 +115,42 @@ class Workbench(AddInTest):
         self.expect("ActiveCell.Address", "$B$361")
         self.assertRegex(self.drag_over_cells(), "A1:[B-D]2")
 
-    def test_second_workbook_and_edits(self):
+    def test_each_workbook_has_its_window(self):
+        first = self.window("customers.csv - ", "XLMAIN")
+        self.expect("Hwnd", first.handle)
         self.keys("ctrl+n")
-        self.expect("ActiveWorkbook.Name", "Book1")
-        self.type("one")
+        second = self.wait_for_window("Book1 - ", "XLMAIN")
+        self.expect("Hwnd", second.handle)
+        wait_until(lambda: self.window(kind="RowlarkGrid", inside=second).focused, "the new sheet has no focus")
+        for text in ("lyon", "praha", "lyon"):
+            self.type(text)
+            self.keys("Return")
+        self.expect('Range("A3").Value', "lyon")
+        self.expect("ActiveCell.Address", "$A$4")
+
+        options = self.open_options(1)  # a profile for the second one alone
+        self.window(kind="ToolbarWindow32", inside=options).click(20, 10)
         self.keys("Return")
-        self.expect('Range("A1").Value', "one")
-        self.expect("ActiveCell.Address", "$A$2")
-        self.keys("alt+w", "2")
+        self.window(kind="SysListView32").click(60, 27)
+        address = self.pick_range(options, "Book1")
+        self.press("Close", options)
+        self.wait_until_gone("Options")
+        self.open_search()
+        self.window(f"Search - [{address}]")
+        self.search("praha", [2, 3])  # the third lies beyond the range
+
+        self.activate("customers")
+        self.expect("Hwnd", first.handle)
+        self.expect_rows(ALL)
+        self.activate("Book1")
+        self.keys("alt+F4")
+        self.wait_until_gone("Book1 - ")
+        self.wait_until_gone("Search - ")
         self.expect("ActiveWorkbook.Name", "customers.csv")
+        self.expect("Workbooks.Count", 1)
+        self.open_search()
+        self.window("Search - [entire sheet]")
+        self.search("germany")
 
 
 class Search(AddInTest):
@@ -198,6 +237,7 @@ class Search(AddInTest):
         self.keys("ctrl+shift+f")
         self.expect_rows(ALL)
         options = self.open_options(2)
+        self.wait_for_window("Form 'Search'", "Button", options)
         field = wait_until(lambda: self.find_windows(kind="Edit", inside=options), "there is no field for a key")[0]
         field.click()
         self.keys("ctrl+shift+g")
@@ -239,15 +279,7 @@ class Search(AddInTest):
 class Options(AddInTest):
     def test_searching_in_a_range_that_is_picked_on_the_sheet(self):
         options = self.open_options(1)
-        self.press("...", options)
-        self.wait_for_window("Range select")
-        self.activate()
-        address = self.drag_over_cells()
-        picked = self.wait_for_window(address)
-        picked.click()
-        self.keys("Return")
-        self.wait_until_gone("Range select")
-        self.wait_for_window(address, kind="Edit", inside=options)
+        address = self.pick_range(options)
         self.press("Close", options)
         self.wait_until_gone("Options")
         self.keys("ctrl+f")

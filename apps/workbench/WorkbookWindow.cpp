@@ -1,4 +1,4 @@
-#include "MainWindow.h"
+#include "WorkbookWindow.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -6,12 +6,9 @@
 #include <vector>
 
 #include <commctrl.h>
-#include <commdlg.h>
-#include <oleauto.h>
 
-#include "AutomationHost.h"
-#include "CsvFile.h"
 #include "FilterMenu.h"
+#include "Program.h"
 #include "Resources.h"
 #include "Workbooks.h"
 #include "automation/Variant.h"
@@ -27,9 +24,8 @@ using automation::Narrow;
 using automation::Wide;
 using standalone::Rect;
 
-constexpr UINT kRefresh = WM_APP;
+constexpr UINT kUpdate = WM_APP;
 constexpr wchar_t kTitle[] = L"Rowlark Workbench";
-constexpr wchar_t kExampleName[] = L"customers.csv";
 
 struct Shortcut {
   int32_t key;
@@ -74,50 +70,39 @@ void SetText(HWND window, const std::u16string& text) {
 
 }  // namespace
 
-MainWindow::MainWindow()
-    : automation_(ExposeApplication(application_, nullptr, [this] { Changed(); })), add_in_(automation_) {
+WorkbookWindow::WorkbookWindow(Program& program) : program_(program) {
   WNDCLASSEXW window_class{};
   window_class.lpszClassName = L"XLMAIN";
   window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
   window_class.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
   window_class.hIcon = LoadIconW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(kIcon));
   if (Create(window_class, kTitle, WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, nullptr) == nullptr) {
-    throw std::runtime_error("The main window can not be made.");
+    throw std::runtime_error("The window of the workbook can not be made.");
   }
-  RegisterActiveObject(automation_.get(), kApplicationClass, ACTIVEOBJECT_STRONG, &registration_);
 }
 
-MainWindow::~MainWindow() {
-  if (registration_ != 0) RevokeActiveObject(registration_, nullptr);
+void WorkbookWindow::Use(Ref<standalone::Workbook> book) {
+  if (book == book_) return;
+  book_ = std::move(book);
+  shown_ = nullptr;
+  grid_->Show(nullptr);
+  views_.clear();
 }
 
-void MainWindow::Show(int how) {
+void WorkbookWindow::Show() {
   Refresh();
-  ShowWindow(Hwnd(), how);
+  ShowWindow(Hwnd(), SW_SHOWNORMAL);
   UpdateWindow(Hwnd());
 }
 
-void MainWindow::OpenFile(std::u16string_view path) noexcept try {
-  OpenWorkbook(*application_, path);
-  Changed();
-} catch (...) {
-  ReportFailure(Hwnd());
+void WorkbookWindow::BringToFront() {
+  if (IsIconic(Hwnd())) ShowWindow(Hwnd(), SW_RESTORE);
+  if (IsWindowEnabled(Hwnd())) BringWindowToTop(Hwnd());
 }
 
-void MainWindow::OpenExample() noexcept try {
-  const HRSRC found = FindResourceW(nullptr, MAKEINTRESOURCEW(kExampleTable), RT_RCDATA);
-  const auto* bytes = static_cast<const char*>(LockResource(LoadResource(nullptr, found)));
-  auto table = CsvFile::Parse(std::string(bytes, SizeofResource(nullptr, found)));
-  AddWorkbook(*application_, table, Narrow(kExampleName));
-} catch (...) {
-  ReportFailure(Hwnd());
-}
+bool WorkbookWindow::PostUpdate() const { return PostMessageW(Hwnd(), kUpdate, 0, 0) != 0; }
 
-void MainWindow::StartAddIn() noexcept try { add_in_.Open(); } catch (...) {
-  ReportFailure(Hwnd());
-}
-
-void MainWindow::MakeChildren() {
+void WorkbookWindow::MakeChildren() {
   const auto edit = [this](const wchar_t* name) {
     const HWND field =
         CreateWindowExW(WS_EX_CLIENTEDGE, L"EDIT", name, WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_AUTOHSCROLL,
@@ -138,12 +123,12 @@ void MainWindow::MakeChildren() {
                                           ShowFilterMenu(Hwnd(), *Sheet(), column, where);
                                           Refresh();
                                         },
-                                    .frozen = [this] { return !application_->ScreenUpdating(); }});
-  menu_ = std::make_unique<MenuBar>(Hwnd(), *application_);
+                                    .frozen = [this] { return !program_.Application().ScreenUpdating(); }});
+  menu_ = std::make_unique<MenuBar>(Hwnd(), program_.Application());
   UseSystemFont();
 }
 
-void MainWindow::UseSystemFont() {
+void WorkbookWindow::UseSystemFont() {
   NONCLIENTMETRICSW metrics{};
   metrics.cbSize = sizeof metrics;
   SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
@@ -156,7 +141,7 @@ void MainWindow::UseSystemFont() {
   Layout();
 }
 
-void MainWindow::Layout() {
+void WorkbookWindow::Layout() {
   RECT client;
   GetClientRect(Hwnd(), &client);
   SendMessageW(status_, WM_SIZE, 0, 0);
@@ -175,43 +160,30 @@ void MainWindow::Layout() {
   MoveWindow(grid_->Hwnd(), 0, top, width, std::max(height, 0), TRUE);
 }
 
-void MainWindow::TellPlace() {
+void WorkbookWindow::TellPlace() const {
   if (IsIconic(Hwnd())) return;
   RECT place;
   GetWindowRect(Hwnd(), &place);
   const HDC screen = GetDC(nullptr);
   const double points = 72.0 / GetDeviceCaps(screen, LOGPIXELSX);
   ReleaseDC(nullptr, screen);
-  application_->SetWindow({reinterpret_cast<intptr_t>(Hwnd()), points * place.left, points * place.top,
-                           points * (place.right - place.left), points * (place.bottom - place.top)});
+  program_.Application().SetWindow({reinterpret_cast<intptr_t>(Hwnd()), points * place.left,
+                                    points * place.top, points * (place.right - place.left),
+                                    points * (place.bottom - place.top)});
 }
 
-void MainWindow::Close() {
-  add_in_.Close();
-  DestroyWindow(Hwnd());
+standalone::Worksheet* WorkbookWindow::Sheet() const {
+  return book_ ? dynamic_cast<standalone::Worksheet*>(book_->ActiveSheet().get()) : nullptr;
 }
 
-void MainWindow::Changed() {
-  if (refresh_pending_ || !application_->ScreenUpdating()) return;
-  refresh_pending_ = PostMessageW(Hwnd(), kRefresh, 0, 0) != 0;
-}
-
-standalone::Workbook* MainWindow::Book() const {
-  const auto& books = application_->Workbooks();
-  return books.empty() ? nullptr : books.back().get();
-}
-
-standalone::Worksheet* MainWindow::Sheet() const {
-  return dynamic_cast<standalone::Worksheet*>(application_->ActiveSheet().get());
-}
-
-GridView& MainWindow::ViewOf(standalone::Worksheet& sheet) {
+GridView& WorkbookWindow::ViewOf(standalone::Worksheet& sheet) {
   const auto measure = [this](std::string_view text) { return grid_->TextWidth(text); };
   return views_.try_emplace(&sheet, Ref(&sheet), measure).first->second;
 }
 
-void MainWindow::Refresh() {
-  menu_->Update();
+void WorkbookWindow::Refresh() {
+  if (Hwnd() == nullptr) return;
+  menu_->Update(book_ ? book_->Name() : std::u16string());
   RefreshTitle();
   auto* sheet = Sheet();
   if (sheet != shown_) {
@@ -233,7 +205,7 @@ void MainWindow::Refresh() {
 }
 
 // A field that the user is typing into stays as it is.
-void MainWindow::RefreshFields(const standalone::Worksheet& sheet) {
+void WorkbookWindow::RefreshFields(const standalone::Worksheet& sheet) {
   const Rect cell = sheet.ActiveCell();
   if (GetFocus() != name_) {
     std::u16string address;
@@ -244,7 +216,7 @@ void MainWindow::RefreshFields(const standalone::Worksheet& sheet) {
   if (GetFocus() != value_) SetText(value_, ToUtf16(sheet.Text().Cell(cell.first_row, cell.first_column)));
 }
 
-void MainWindow::RefreshStatus(const standalone::Worksheet& sheet) {
+void WorkbookWindow::RefreshStatus(const standalone::Worksheet& sheet) {
   std::u16string text;
   if (const auto& used = sheet.Text().Used()) {
     int32_t visible = 0;
@@ -261,115 +233,61 @@ void MainWindow::RefreshStatus(const standalone::Worksheet& sheet) {
   }
 }
 
-void MainWindow::RefreshTitle() {
+void WorkbookWindow::RefreshTitle() {
   std::u16string title;
-  if (const auto* book = Book()) {
-    title = book->Name();
-    if (book->ReadOnly()) title += u"  [Read-Only]";
+  if (book_) {
+    title = book_->Name();
+    if (book_->ReadOnly()) title += u"  [Read-Only]";
     if (const auto* sheet = Sheet(); sheet != nullptr && sheet->ProtectScenarios()) title += u"  [Protected]";
     title += u" - ";
   }
   SetText(Hwnd(), title + Narrow(kTitle));
 }
 
-void MainWindow::Execute(UINT command) {
+void WorkbookWindow::Execute(UINT command) {
   auto* sheet = Sheet();
-  auto* book = Book();
+  auto& application = program_.Application();
   switch (static_cast<Command>(command)) {
     case Command::FileNew:
-      NewWorkbook(*application_);
+      NewWorkbook(application);
       break;
     case Command::FileOpen:
-      ChooseFile();
+      program_.ChooseFile(Hwnd());
       break;
     case Command::FileClose:
-      CloseWorkbook();
-      break;
+      return program_.CloseWorkbook(*this);
     case Command::FileExit:
-      PostMessageW(Hwnd(), WM_CLOSE, 0, 0);
-      return;
+      return program_.Exit();
     case Command::ViewProtected:
       if (sheet == nullptr) return;
       sheet->Protect({.contents = !sheet->ProtectScenarios(), .scenarios = !sheet->ProtectScenarios()});
       break;
     case Command::ViewReadOnly:
-      if (book == nullptr) return;
-      book->SetReadOnly(!book->ReadOnly());
+      if (!book_) return;
+      book_->SetReadOnly(!book_->ReadOnly());
       break;
     case Command::DataFilter:
-      ToggleFilter();
+      if (sheet != nullptr) ToggleFilter(*sheet);
       break;
     case Command::DataShowAll:
-      ClearFilters();
+      if (sheet != nullptr) ClearFilters(*sheet);
       break;
     default:
       if (const auto macro = menu_->Macro(command); !macro.empty()) {
-        add_in_.Run(macro);
-      } else if (const auto chosen = FindWorkbook(*application_, menu_->WorkbookName(command))) {
-        application_->Activate(chosen);
+        program_.RunMacro(macro);
+      } else if (const auto chosen = FindWorkbook(application, menu_->WorkbookName(command))) {
+        application.Activate(chosen);
       }
   }
-  Refresh();
+  program_.Update();
 }
 
-void MainWindow::ChooseFile() {
-  std::wstring path(32768, L'\0');
-  OPENFILENAMEW dialog{};
-  dialog.lStructSize = sizeof dialog;
-  dialog.hwndOwner = Hwnd();
-  dialog.lpstrFilter = L"Tables (*.csv;*.txt;*.tsv)\0*.csv;*.txt;*.tsv\0All files\0*.*\0";
-  dialog.lpstrFile = path.data();
-  dialog.nMaxFile = static_cast<DWORD>(path.size());
-  dialog.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-  if (!GetOpenFileNameW(&dialog)) return;
-  const std::u16string file = Narrow(path.c_str());
-  if (const auto open = FindWorkbook(*application_, file.substr(file.find_last_of(u'\\') + 1))) {
-    application_->Activate(open);  // as the host, no two workbooks of one name
-  } else {
-    OpenWorkbook(*application_, file);
-  }
-}
-
-void MainWindow::CloseWorkbook() {
-  const Ref<standalone::Workbook> book = Book();
-  if (!book) return;
-  application_->Close(book);
-  shown_ = nullptr;
-  grid_->Show(nullptr);
-  for (const auto& sheet : book->Worksheets()) views_.erase(sheet.get());
-}
-
-void MainWindow::ToggleFilter() {
-  auto* sheet = Sheet();
-  if (sheet == nullptr) return;
-  if (sheet->AutoFilterMode()) {
-    sheet->SetFilter(sheet->Filter().range, {});
-    return;
-  }
-  // Of one cell the model makes the table around it.
-  host::AutoFilterArguments arguments;
-  arguments.Field = 1;
-  sheet->SetFilter(sheet->Selection().front(), arguments);
-}
-
-void MainWindow::ClearFilters() {
-  auto* sheet = Sheet();
-  if (sheet == nullptr || !sheet->AutoFilterMode()) return;
-  const auto state = sheet->Filter();
-  for (std::size_t i = 0; i < state.columns.size(); ++i) {
-    if (!state.columns[i].on) continue;
-    host::AutoFilterArguments arguments;
-    arguments.Field = static_cast<int32_t>(i) + 1;
-    sheet->SetFilter(state.range, arguments);
-  }
-}
-
-bool MainWindow::KeyPressed(int32_t key) {
+bool WorkbookWindow::KeyPressed(int32_t key) {
   if (IsModifier(key)) return false;
   const int32_t held = HeldModifiers();
   const auto pressed = CaptureHotKey(key, held).code;
   std::u16string macro;
-  for (const auto& [code, name] : application_->Keys()) {
+  for (const auto& [code, name] : program_.Application().Keys()) {
     if (SameKeys(code, pressed)) macro = name;
   }
   const auto shortcut = std::ranges::find_if(
@@ -381,18 +299,18 @@ bool MainWindow::KeyPressed(int32_t key) {
   if (macro.empty()) {
     Execute(static_cast<UINT>(shortcut->command));
   } else {
-    add_in_.Run(macro);
+    program_.RunMacro(macro);
   }
   return true;
 }
 
-void MainWindow::EditCell(std::u16string_view text) {
+void WorkbookWindow::EditCell(std::u16string_view text) {
   SetFocus(value_);
   SetText(value_, std::u16string(text));
   SendMessageW(value_, EM_SETSEL, text.size(), static_cast<LPARAM>(text.size()));
 }
 
-bool MainWindow::FieldKey(HWND field, WPARAM key) {
+bool WorkbookWindow::FieldKey(HWND field, WPARAM key) {
   auto* sheet = Sheet();
   if (key != VK_RETURN && key != VK_ESCAPE) return false;
   const auto text = TextOf(field);
@@ -410,36 +328,38 @@ bool MainWindow::FieldKey(HWND field, WPARAM key) {
   return true;
 }
 
-LRESULT CALLBACK MainWindow::FieldProcedure(HWND field, UINT message, WPARAM wparam, LPARAM lparam, UINT_PTR,
-                                            DWORD_PTR window) noexcept {
-  auto* self = reinterpret_cast<MainWindow*>(window);
+LRESULT CALLBACK WorkbookWindow::FieldProcedure(HWND field, UINT message, WPARAM wparam, LPARAM lparam,
+                                                UINT_PTR, DWORD_PTR window) noexcept {
+  auto* self = reinterpret_cast<WorkbookWindow*>(window);
   try {
     if (message == WM_KEYDOWN && self->FieldKey(field, wparam)) return 0;
   } catch (...) {
     ReportFailure(field);
-    self->Changed();
+    self->program_.Changed();
     return 0;
   }
   // Enter and Escape would sound the system's warning.
   if (message == WM_CHAR && (wparam == VK_RETURN || wparam == VK_ESCAPE)) return 0;
   const LRESULT result = DefSubclassProc(field, message, wparam, lparam);
   if (message == WM_SETFOCUS) SendMessageW(field, EM_SETSEL, 0, -1);
-  if (message == WM_KILLFOCUS) self->Changed();
+  if (message == WM_KILLFOCUS) self->program_.Changed();
   return result;
 }
 
-bool MainWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
+bool WorkbookWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
   switch (message) {
     case WM_CREATE:
       MakeChildren();
-      TellPlace();
       return true;
+    case WM_ACTIVATE:
+      if (LOWORD(wparam) != WA_INACTIVE) program_.Activated(*this);
+      return false;
     case WM_SIZE:
       if (wparam != SIZE_MINIMIZED) Layout();
-      TellPlace();
+      if (program_.IsActive(*this)) TellPlace();
       return true;
     case WM_MOVE:
-      TellPlace();
+      if (program_.IsActive(*this)) TellPlace();
       return true;
     case WM_SETFOCUS:
       SetFocus(grid_->Hwnd());
@@ -449,13 +369,12 @@ bool MainWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& 
       UseSystemFont();
       Refresh();
       return false;
-    case kRefresh:
-      refresh_pending_ = false;
-      if (application_->ScreenUpdating()) Refresh();
+    case kUpdate:
+      program_.FollowChanges();
       return true;
     case WM_INITMENUPOPUP:
       if (const auto* sheet = Sheet()) {
-        menu_->UpdateMarks(sheet->ProtectScenarios(), Book()->ReadOnly(), sheet->AutoFilterMode());
+        menu_->UpdateMarks(sheet->ProtectScenarios(), book_->ReadOnly(), sheet->AutoFilterMode());
       }
       return true;
     case WM_COMMAND:
@@ -466,10 +385,7 @@ bool MainWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& 
       result = SendMessageW(grid_->Hwnd(), message, wparam, lparam);
       return true;
     case WM_CLOSE:
-      Close();
-      return true;
-    case WM_DESTROY:
-      PostQuitMessage(0);
+      program_.CloseWindow(*this);
       return true;
     default:
       return false;
