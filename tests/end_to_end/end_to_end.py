@@ -232,6 +232,19 @@ class Search(AddInTest):
         self.wait_for_window("Search - ")
         self.close_form()
 
+        options = self.open_options(3)
+        self.press("Auto close this form", options)
+        self.press("Close", options)
+        self.wait_until_gone("Options")
+        self.open_search()
+        self.search("edited", [second])
+        self.keys("alt+t")
+        self.wait_for_window("Edit mode - ")
+        self.type("again")
+        self.keys("alt+k")
+        self.wait_until_gone("Edit mode - ")
+        self.expect(f'Range("A{second}").Value', "again")
+
     def test_hotkeys(self):
         self.do('Range("A5:A9").EntireRow.Hidden = True')
         self.keys("ctrl+shift+f")
