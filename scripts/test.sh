@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Sets up, builds and runs every test: as a debug build, under the address and undefined-behaviour sanitizers, the fuzz
-# targets for half a minute each, and for 64-bit Windows. Last, builds all of it for 32-bit Windows, which is not run.
+# targets for half a minute each, and for 64-bit Windows. Last, builds all but the tests for 32-bit Windows.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
