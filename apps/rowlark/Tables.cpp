@@ -184,7 +184,7 @@ void Tables::OfferRecovery() {
     try {
       const auto recovery = document->FindRecovery(RecoveryFolder());
       if (!recovery || recovery->edits.empty()) continue;
-      auto question = Text(u"Terminal.Recovery.Question", u"%1: %2 changes were not saved. Make them again?",
+      auto question = Text(u"Terminal.Recovery.Question", u"%1: unsaved changes: %2. Restore them?",
                            {FileName(*document), ToText(static_cast<int32_t>(recovery->edits.size()))});
       if (recovery->stamp != FileStamp::Of(document->Path())) {
         question += u' ' + Text(u"Terminal.Recovery.Changed", u"The file has changed since.");

@@ -29,14 +29,18 @@ const Language kLanguages[] = {
     {"french.lng", "French", "Français", "vt_rlk_fr.chm"},
     {"german.lng", "German", "Deutsch", "vt_rlk_de.chm"},
     {"polish.lng", "Polish", "Polski", "vt_rlk_pl.chm"},
-    {"russian.lng", "Russian", "Русский", "vt_rlk_ru.chm", U"абвгдеёжзийклмнопрстуфхцчшщъыьэюя"},
+    {"russian.lng", "Russian", "Русский", "vt_rlk_ru.chm", U"абвгдежзийклмнопрстуфхцчшщъыьэюя"},
     {"spanish.lng", "Spanish", "Español", "vt_rlk_es.chm"}};
 
-// Captions that are on the screen together: those with the prefix, but for one.
-constexpr std::pair<std::string_view, std::string_view> kForms[] = {{"Menu.", "Menu.Root"},
-                                                                    {"Search.UI.", "Search.UI.BtnMode.Jump"},
-                                                                    {"Search.UI.", "Search.UI.BtnMode.Edit"},
-                                                                    {"Edit.UI.", ""}};
+// Captions that are on the screen together, by their keys.
+const std::regex kTogether[] = {
+    std::regex(R"(Menu\.(?!Root).*)"),
+    std::regex(R"(Search\.UI\.(?!BtnMode\.Edit).*)"),  // the mode button goes to the cell
+    std::regex(R"(Search\.UI\.(?!BtnMode\.Jump).*)"),  // or edits it
+    std::regex(R"(Edit\.UI\..*)"),                     // also the buttons of every question
+    std::regex(R"(Options\.UI\.Toolbar\..*\.Caption)"),
+    std::regex(R"(Terminal\.Save\..*|Edit\.UI\.BtnClose)"),
+    std::regex(R"(Terminal\.Recovery\..*|Terminal\.Save\.Discard)")};
 
 // The sources give these keys two default texts; this one is not the file's.
 const Texts kOtherDefaults = {{"Err.SearchHide", "Error #%1: Can't show/hide rows %2"},
@@ -95,19 +99,51 @@ TEST(LanguageFiles, HaveTheSameKeysAndShapes) {
   EXPECT_EQ(std::count_if(begin(files), end(files), is_language), std::ssize(kLanguages));
 }
 
+// The letter that chooses a caption with Alt; 0 where none does. On a terminal buttons of a tool bar are
+// chosen by their first letter.
+char32_t Accelerator(const std::string& key, std::string_view text) {
+  const std::size_t mark = text.find('&');
+  if (mark != text.npos) {
+    text.remove_prefix(mark + 1);
+  } else if (!key.starts_with("Options.UI.Toolbar.")) {
+    return 0;
+  }
+  return ToLower(TakeUtf8(text));
+}
+
 TEST(LanguageFiles, AcceleratorsOfAFormAreTypeableAndDiffer) {
   for (const Language& language : kLanguages) {
-    for (const auto& [prefix, except] : kForms) {
+    const Texts texts = ReadTexts(language.file);
+    std::set<std::string> alone;
+    for (const auto& [key, text] : texts) {
+      if (text.find('&') != text.npos) alone.insert(key);
+    }
+    alone.erase("Menu.Root");  // the product's name, between the host's own menus
+    for (const std::regex& group : kTogether) {
       std::set<char32_t> taken;
-      for (const auto& [key, text] : ReadTexts(language.file)) {
-        const std::size_t mark = text.find('&');
-        if (!key.starts_with(prefix) || key == except || mark == std::string::npos) continue;
-        std::string_view rest = std::string_view(text).substr(mark + 1);
-        const char32_t letter = ToLower(TakeUtf8(rest));
+      for (const auto& [key, text] : texts) {
+        const char32_t letter = std::regex_match(key, group) ? Accelerator(key, text) : 0;
+        if (letter == 0) continue;
         EXPECT_NE(language.letters.find(letter), language.letters.npos) << language.file << ' ' << key;
         EXPECT_TRUE(taken.insert(letter).second) << language.file << ' ' << key << ": taken";
+        alone.erase(key);
       }
     }
+    EXPECT_EQ(alone, std::set<std::string>()) << "stand with which others?";
+  }
+}
+
+// What Excel's texts in the language look like, and translators forget.
+TEST(LanguageFiles, KeepToTheSpellingOfExcel) {
+  constexpr std::string_view kNoBreak = "\u00A0";
+  for (const auto& [key, text] : ReadTexts("french.lng")) {
+    for (auto at = text.find_first_of(":?!"); at != text.npos; at = text.find_first_of(":?!", at + 1)) {
+      const bool spaced = std::string_view(text).substr(0, at).ends_with(kNoBreak);
+      EXPECT_TRUE(spaced || text.substr(at, 3) == "://") << key << " = " << text;
+    }
+  }
+  for (const auto& [key, text] : ReadTexts("russian.lng")) {
+    EXPECT_EQ(FoldCase(ToUtf16(text)).find(u'ё'), std::u16string::npos) << key << " = " << text;
   }
 }
 

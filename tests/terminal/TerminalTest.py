@@ -211,7 +211,7 @@ class Life(Session):
         terminal.press("Esc").wait_gone("Save the changes").kill(signal.SIGTERM)
         self.assertEqual(terminal.end(), 143)
         self.assertEqual((self.folder / "t.csv").read_text(), TABLE.replace("ann", "ann-1"))
-        terminal = self.start().wait("t.csv: 1 changes were not saved.").press("Enter").wait("ann-1-2")
+        terminal = self.start().wait("t.csv: unsaved changes: 1. Restore them?").press("Enter").wait("ann-1-2")
         terminal.press("C-q").wait("[ Discard").press("Right", "Enter")
         self.assertEqual(terminal.end(), 0)
         self.start().wait("│ A1 name").press("C-q").end()
