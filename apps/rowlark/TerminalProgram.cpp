@@ -34,6 +34,12 @@ void Attempted(Action action) {
   }
 }
 
+// Where F6 leads, of a text that names both: "Form/Table".
+std::u16string OtherSide(const std::u16string& both, bool in_table) {
+  const auto slash = std::min(both.find(u'/'), both.size());
+  return in_table || slash == both.size() ? both.substr(0, slash) : both.substr(slash + 1);
+}
+
 }  // namespace
 
 TerminalProgram::TerminalProgram(Program& program, terminal::Screen& screen,
@@ -288,7 +294,7 @@ void TerminalProgram::Draw(terminal::Canvas& canvas, const terminal::Rect& pictu
   const bool marked = items.RowsIsGrouped || (form && !form->cboText.Text().empty());
   tables_.View().Draw(canvas, picture, marked ? highlight_ : Highlight(), focused);
   DrawStatus(canvas, {status.left, status.top}, status.width);
-  if (status.height > 1) DrawKeys(canvas, {status.left, status.top + 1}, status.width);
+  if (status.height > 1) DrawKeys(canvas, {status.left, status.top + 1}, status.width, focused);
 }
 
 // Counting goes through all rows, so it is done again only when rows were hidden or shown.
@@ -368,26 +374,33 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
   canvas.Write({at.x + width - taken, at.y}, right, Style::Status);
 }
 
-void TerminalProgram::DrawKeys(terminal::Canvas& canvas, Point at, int32_t width) const {
+// Where a line is too short for them, the keys close up.
+void TerminalProgram::DrawKeys(terminal::Canvas& canvas, Point at, int32_t width, bool in_table) const {
   struct Entry {
     std::u16string_view key;
     std::u16string text;
-    bool shown = true;
+    int32_t Width() const { return terminal::WidthOf(key) + 1 + terminal::WidthOf(text); }
   };
-  const Entry entries[] = {
-      {u"F1", Text(u"Terminal.Keys.Help", u"Help")},
-      {u"F2", Text(u"Terminal.Keys.Edit", u"Edit")},
-      {u"F6", Text(u"Terminal.Keys.Form", u"Form/Table"), program_.Forms().Search() != nullptr},
-      {u"F7", Text(u"Terminal.Keys.NextTable", u"Next table"), !tables_.Place().empty()},
-      {u"F10", Text(u"Terminal.Keys.Menu", u"Menu")},
-      {u"^F", Text(u"Terminal.Keys.Search", u"Search")},
-      {u"^S", Text(u"Terminal.Keys.Save", u"Save")},
-      {u"^Q", Text(u"Terminal.Keys.Quit", u"Quit")}};
-  int32_t x = at.x + 1;
-  for (const auto& [key, text, shown] : entries) {
-    if (!shown || x + terminal::WidthOf(text) + 5 > at.x + width) continue;
-    x += canvas.Write({x, at.y}, key, Style::Bold) + 1;
-    x += canvas.Write({x, at.y}, text, Style::Dim) + 2;
+  std::vector<Entry> entries{{u"F1", Text(u"Terminal.Keys.Help", u"Help")},
+                             {u"F2", Text(u"Terminal.Keys.Edit", u"Edit")}};
+  const bool form = program_.Forms().Search() != nullptr;
+  if (form) entries.push_back({u"F6", OtherSide(Text(u"Terminal.Keys.Form", u"Form/Table"), in_table)});
+  if (!tables_.Place().empty()) {
+    entries.push_back({u"F7", Text(u"Terminal.Keys.NextTable", u"Next table")});
+  }
+  entries.push_back({u"F10", Text(u"Terminal.Keys.Menu", u"Menu")});
+  if (!form) entries.push_back({u"^F", Text(u"Terminal.Keys.Search", u"Search")});
+  entries.push_back({u"^S", Text(u"Terminal.Keys.Save", u"Save")});
+  entries.push_back({u"^Q", Text(u"Terminal.Keys.Quit", u"Quit")});
+
+  int32_t apart = 1;
+  for (const auto& entry : entries) apart += entry.Width() + 2;
+  const int32_t gap = apart - 2 <= width ? 2 : 1;
+  int32_t x = at.x + gap - 1;
+  for (const auto& entry : entries) {
+    if (x + entry.Width() > at.x + width) continue;
+    x += canvas.Write({x, at.y}, entry.key, Style::Bold) + 1;
+    x += canvas.Write({x, at.y}, entry.text, Style::Dim) + gap;
   }
 }
 

@@ -73,7 +73,7 @@ class TerminalProgram final : public terminal::Desktop {
 
   std::u16string Text(std::u16string_view key, std::u16string_view text) const;
   void DrawStatus(terminal::Canvas& canvas, terminal::Point at, int32_t width);
-  void DrawKeys(terminal::Canvas& canvas, terminal::Point at, int32_t width) const;
+  void DrawKeys(terminal::Canvas& canvas, terminal::Point at, int32_t width, bool in_table) const;
   std::u16string Mode() const;
   std::u16string CountRows();
 

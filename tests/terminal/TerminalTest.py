@@ -1,5 +1,6 @@
 """The program as its users meet it on a terminal: keys and mouse in, drawn screens out. TerminalTest.py PROGRAM"""
 
+import re
 import signal
 import sys
 import tempfile
@@ -100,6 +101,24 @@ class Table(Session):
         terminal.press("F2").wait("─ A1 ─").press("!", "Enter").wait("Two *").press("C-q")
         terminal.wait("Save the changes in w.xml as w.Two.csv?").press("Enter").end()
         self.assertIn("Two!", (self.folder / "w.Two.csv").read_text(encoding="utf-8-sig"))
+
+    def test_tells_its_keys_in_every_language(self):
+        self.file("other.csv", "x\n1\n")
+        for file in sorted((Path(PROGRAM).parent / "languages").glob("*.lng")):
+            lines = file.read_text(encoding="utf-8").splitlines()
+            texts = {key[14:]: text for key, _, text in (line.partition(" = ") for line in lines)
+                     if key.startswith("Terminal.Keys.")}
+            texts["ToForm"], texts["ToTable"] = texts["Form"].split("/")
+
+            def bar(between):
+                names = f"F1 Help F2 Edit {between} ^S Save ^Q Quit".split()
+                words = [f"{key} {texts[name]}" for key, name in zip(names[::2], names[1::2])]
+                return lambda terminal: re.split(r" {1,2}(?=F\d|\^)", terminal.lines()[-1].strip()) == words
+
+            terminal = self.start("t.csv", "other.csv", "--language", file.stem)
+            terminal.wait(bar("F7 NextTable F10 Menu ^F Search"))
+            terminal.press("C-f").wait(bar("F6 ToTable F7 NextTable F10 Menu"))
+            terminal.press("F6").wait(bar("F6 ToForm F7 NextTable F10 Menu")).close()
 
     def test_shows_any_text_harmlessly(self):
         self.file("odd.csv", 'a,b\n漢字かな,x\ne\u0301te\u0301,y\n"two\nlines",\x1b[31mred\u202eleft\n')
