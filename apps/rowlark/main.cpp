@@ -37,6 +37,8 @@ constexpr const char* kExamples = R"(Examples:
   rowlark search customers.csv smith --go-to --jump H
       the address of the cell in column H of the first match
 
+Searched is the text that a cell shows: of a workbook the results of formulas, numbers and dates in their formats.
+Columns that are hidden or too narrow for their numbers in a spreadsheet program are searched as well.
 In the text * stands for any characters, ? for one, and ~ takes that meaning from the one that follows.
 Exit status: 0 when rows were found, 1 when none was, 2 after an error.)";
 
