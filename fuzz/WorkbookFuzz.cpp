@@ -10,7 +10,7 @@
 #include "CsvFile.h"
 #include "NumberFormat.h"
 #include "WorkbookReader.h"
-#include "apps/Archive.h"
+#include "samples/Archive.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "Archive.h"
 #include "TempFolder.h"
+#include "samples/Archive.h"
 
 namespace rowlark {
 namespace {

@@ -5,8 +5,8 @@
 
 #include <exception>
 
-#include "Archive.h"
 #include "NumberFormat.h"
+#include "samples/Archive.h"
 
 namespace rowlark {
 namespace {

@@ -6,9 +6,9 @@
 #include <fstream>
 #include <iterator>
 
-#include "Archive.h"
 #include "TempFolder.h"
 #include "host/Error.h"
+#include "samples/Archive.h"
 #include "util/Utf.h"
 
 namespace rowlark {
