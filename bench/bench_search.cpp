@@ -15,10 +15,11 @@
 #include <string_view>
 #include <vector>
 
-#include "CsvFile.h"
-#include "Library.h"
 #include "Queries.h"
+#include "csv/CsvFile.h"
+#include "forms/FormSet.h"
 #include "host/standalone/Application.h"
+#include "host/standalone/Headless.h"
 #include "runtime/clsVTRLKRuntime.h"
 #include "util/Utf.h"
 
@@ -53,8 +54,11 @@ void Load(benchmark::State& state, const std::string& path) {
 }
 
 void Search(benchmark::State& state, const Table& table, const Query& query) {
-  testing::TestLibrary platform;
-  clsVTRLKRuntime runtime(platform.shared, platform.forms);
+  standalone::Headless none;
+  const mclsVTFileSystem files;
+  SharedState shared(Platform{none.messages, none.registry, none.help, none.windows, files, u"", u""});
+  FormSet forms(shared);
+  clsVTRLKRuntime runtime(shared, forms);
   runtime.SetExcelApp(table.application);
   runtime.SearchOptions->CompareMethod = CompareMode::Text;
   runtime.SearchOptions->SearchWords = query.words;

@@ -3,22 +3,24 @@
 #include <cstdlib>
 #include <string>
 
-#include "Platform.h"
+#include "host/standalone/Headless.h"
 #include "settings/clsVTRLKItems.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  rowlark::testing::TestPlatform platform;
-  platform.shared.Acquire();
+  rowlark::standalone::Headless none;
+  const rowlark::mclsVTFileSystem files;
+  rowlark::SharedState shared({none.messages, none.registry, none.help, none.windows, files, u"", u""});
+  shared.Acquire();
   {
-    rowlark::clsVTRLKItems items(platform.shared);
+    rowlark::clsVTRLKItems items(shared);
     items.ToObject(rowlark::ToUtf16({reinterpret_cast<const char*>(data), size}));
     const auto text = items.ToString(false);
-    rowlark::clsVTRLKItems again(platform.shared);
+    rowlark::clsVTRLKItems again(shared);
     again.ToObject(text);
     // A history that is not used, or is emptied by the first load of a run, is written but not read.
     if (items.RecentItems->Use && !items.RecentItems->IsTemporary && again.ToString(false) != text)
       std::abort();
   }
-  platform.shared.Release();
+  shared.Release();
   return 0;
 }

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "CsvFile.h"
-#include "CsvWriter.h"
+#include "csv/CsvFile.h"
+#include "csv/CsvWriter.h"
 
 namespace {
 

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "CsvFile.h"
-#include "NumberFormat.h"
-#include "WorkbookReader.h"
-#include "samples/Archive.h"
+#include "Archive.h"
+#include "csv/CsvFile.h"
+#include "tables/workbook/NumberFormat.h"
+#include "tables/workbook/WorkbookReader.h"
 
 namespace {
 
@@ -53,10 +53,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     rowlark::FormatNumber(static_cast<double>(size) * 1234.5678 - 99999, parts[2]);
     if (data[0] == 'x') {
       const auto archive =
-          rowlark::testing::Archive(rowlark::testing::XlsxParts({{"S", parts[0]}}, parts[1], {parts[2]}));
+          rowlark::samples::Archive(rowlark::samples::XlsxParts({{"S", parts[0]}}, parts[1], {parts[2]}));
       rowlark::ReadWorkbook(archive, check);
     } else if (data[0] == 'o') {
-      rowlark::ReadOpenDocument(rowlark::testing::OdsContent(parts[0]), check);
+      rowlark::ReadOpenDocument(rowlark::samples::OdsContent(parts[0]), check);
     } else {
       rowlark::ReadXmlSpreadsheet(parts[0], check);
     }

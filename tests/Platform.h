@@ -8,8 +8,8 @@
 #include <tuple>
 #include <vector>
 
+#include "ScriptedMessagePump.h"
 #include "Windows.h"
-#include "host/standalone/ScriptedMessagePump.h"
 #include "settings/SharedState.h"
 #include "util/Text.h"
 #include "util/Utf.h"
@@ -67,7 +67,7 @@ struct TestPlatform {
       : shared(Platform{pump, registry, help, windows, files, std::u16string(library_folder),
                         std::u16string(config_folder)}) {}
 
-  standalone::ScriptedMessagePump pump;
+  ScriptedMessagePump pump;
   MemoryRegistry registry;
   RecordingHelp help;
   ScriptedWindows windows{pump};

@@ -8,17 +8,17 @@
 #include <string>
 #include <vector>
 
+#include "ScriptedMessagePump.h"
 #include "controls/Form.h"
 #include "controls/Timer.h"
 #include "host/WindowSystem.h"
-#include "host/standalone/ScriptedMessagePump.h"
 #include "util/Utf.h"
 
 namespace rowlark::testing {
 
 class ScriptedWindows final : public host::WindowSystem, public controls::View {
  public:
-  explicit ScriptedWindows(standalone::ScriptedMessagePump& pump) : pump_(pump) {}
+  explicit ScriptedWindows(ScriptedMessagePump& pump) : pump_(pump) {}
 
   std::vector<std::string> Messages;  // "title: text (icon)"; of a question, "(?)"
   std::vector<std::string> Links;
@@ -110,7 +110,7 @@ class ScriptedWindows final : public host::WindowSystem, public controls::View {
     if (WhileMessage) WhileMessage();
   }
 
-  standalone::ScriptedMessagePump& pump_;
+  ScriptedMessagePump& pump_;
   std::map<controls::Control*, uint32_t> timers_;  // when they fire
 };
 

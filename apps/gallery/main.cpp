@@ -16,9 +16,9 @@
 #include <vector>
 
 #include "AutomationHost.h"
-#include "CsvFile.h"
 #include "Screen.h"
 #include "automation/Variant.h"
+#include "csv/CsvFile.h"
 #include "host/standalone/Worksheet.h"
 #include "vtrlk_runtime_h.h"
 

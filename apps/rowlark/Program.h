@@ -8,12 +8,12 @@
 #include <string>
 #include <string_view>
 
-#include "Document.h"
 #include "forms/FormSet.h"
 #include "host/standalone/Application.h"
 #include "host/standalone/FileRegistry.h"
-#include "host/standalone/ScriptedMessagePump.h"
+#include "host/standalone/Headless.h"
 #include "runtime/clsVTRLKRuntime.h"
+#include "tables/Document.h"
 #include "util/mclsVTFileSystem.h"
 
 namespace rowlark {
@@ -24,28 +24,16 @@ struct ProgramArguments {
 };
 
 // Messages go to standard error, and there are no windows.
-class ConsoleWindows final : public host::WindowSystem {
+class ConsoleWindows final : public standalone::NoWindows {
  public:
-  bool Realise(controls::Form&) noexcept override { return false; }
   void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override;
-  bool Ask(std::u16string_view, std::u16string_view) noexcept override { return false; }
-  void OpenLink(controls::Form&, std::u16string_view) noexcept override {}
-  void Beep() noexcept override {}
-  std::vector<controls::Rect> Screens() const noexcept override { return {}; }
-  intptr_t WindowOfClass(std::u16string_view) const noexcept override { return 0; }
 };
 
-// No help viewer.
-class NoHelp final : public host::Help {
- public:
-  intptr_t HtmlHelp(std::u16string_view, host::HelpCommand, int32_t) noexcept override { return 0; }
-};
-
-// What a program without a screen stands on.
+// What a command without a screen stands on.
 struct Console {
-  standalone::ScriptedMessagePump pump;
+  standalone::NoMessages messages;
   ConsoleWindows windows;
-  NoHelp help;
+  standalone::NoHelp help;
 };
 
 class Program {

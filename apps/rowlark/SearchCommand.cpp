@@ -10,7 +10,7 @@
 #include <string_view>
 #include <utility>
 
-#include "Document.h"
+#include "tables/Document.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 

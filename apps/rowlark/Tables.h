@@ -10,10 +10,10 @@
 #include <string_view>
 #include <vector>
 
-#include "Document.h"
 #include "Program.h"
 #include "TableView.h"
 #include "host/terminal/TerminalWindowSystem.h"
+#include "tables/Document.h"
 
 namespace rowlark {
 

@@ -198,7 +198,7 @@ int Run(int argc, char** argv) {
   }
   if (app.get_subcommands().empty()) return RunTerminal(table, common);
   rowlark::Console console;
-  rowlark::Program program(common, console.pump, console.windows, console.help);
+  rowlark::Program program(common, console.messages, console.windows, console.help);
   rowlark::Output output(stdout);
   int status = 0;
   if (search.parsed()) {

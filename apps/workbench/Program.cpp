@@ -9,10 +9,10 @@
 #include <oleauto.h>
 
 #include "AutomationHost.h"
-#include "CsvFile.h"
 #include "Resources.h"
 #include "Workbooks.h"
 #include "automation/Variant.h"
+#include "csv/CsvFile.h"
 
 namespace rowlark::workbench {
 namespace {

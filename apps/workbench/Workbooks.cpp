@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "CsvFile.h"
+#include "csv/CsvFile.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 

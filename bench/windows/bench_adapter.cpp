@@ -20,12 +20,11 @@
 #include <oleauto.h>
 
 #include "AutomationHost.h"
-#include "Platform.h"
 #include "automation/ComPtr.h"
 #include "automation/Counted.h"
 #include "forms/FormSet.h"
 #include "host/standalone/Application.h"
-#include "host/standalone/ScriptedMessagePump.h"
+#include "host/standalone/Headless.h"
 #include "host/windows/ExcelAdapter.h"
 #include "host/windows/WindowsMessagePump.h"
 #include "runtime/clsVTRLKRuntime.h"
@@ -193,7 +192,7 @@ struct Best {
 class Searcher {
  public:
   explicit Searcher(host::MessagePump& pump)
-      : shared_(Platform{pump, rest_.registry, rest_.help, rest_.windows, rest_.files, u"", u""}) {
+      : shared_(Platform{pump, none_.registry, none_.help, none_.windows, files_, u"", u""}) {
     runtime_.SearchOptions->CompareMethod = CompareMode::Text;
     runtime_.SearchOptions->UseFilter = true;
   }
@@ -204,7 +203,8 @@ class Searcher {
   }
 
  private:
-  testing::TestPlatform rest_;
+  standalone::Headless none_;
+  const mclsVTFileSystem files_;
   SharedState shared_;
   FormSet forms_{shared_};
   clsVTRLKRuntime runtime_{shared_, forms_};
@@ -213,7 +213,7 @@ class Searcher {
 void Measure(const char* name, int32_t rows, int32_t period, int runs) {
   const Sheet sheet(rows, period);
   const auto host = workbench::ExposeApplication(sheet.application);
-  standalone::ScriptedMessagePump no_messages;
+  standalone::NoMessages no_messages;
   windows::WindowsMessagePump messages;
   Searcher alone(no_messages);
   Searcher with_messages(messages);

@@ -14,8 +14,8 @@
 #include <string_view>
 #include <vector>
 
-#include "RecordReader.h"
-#include "TextReader.h"
+#include "csv/RecordReader.h"
+#include "csv/TextReader.h"
 
 namespace rowlark {
 

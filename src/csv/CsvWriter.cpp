@@ -1,4 +1,4 @@
-#include "CsvWriter.h"
+#include "csv/CsvWriter.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "CsvFile.h"
+#include "csv/CsvFile.h"
 
 namespace rowlark {
 

@@ -1,4 +1,4 @@
-#include "RecordReader.h"
+#include "csv/RecordReader.h"
 
 #include <algorithm>
 #include <bit>

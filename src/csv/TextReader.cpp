@@ -1,4 +1,4 @@
-#include "TextReader.h"
+#include "csv/TextReader.h"
 
 #include <algorithm>
 #include <cerrno>

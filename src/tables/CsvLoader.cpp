@@ -1,4 +1,4 @@
-#include "Loader.h"
+#include "tables/Loader.h"
 #include "util/FileSystemPlatform.h"
 
 namespace rowlark {

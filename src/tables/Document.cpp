@@ -1,10 +1,10 @@
-#include "Document.h"
+#include "tables/Document.h"
 
 #include <algorithm>
 #include <system_error>
 #include <utility>
 
-#include "CsvWriter.h"
+#include "csv/CsvWriter.h"
 #include "util/FileSystemPlatform.h"
 #include "util/Utf.h"
 

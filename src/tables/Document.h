@@ -17,11 +17,11 @@
 #include <string_view>
 #include <vector>
 
-#include "CsvFile.h"
-#include "FileStamp.h"
-#include "Loader.h"
-#include "Recovery.h"
+#include "csv/CsvFile.h"
 #include "host/standalone/Application.h"
+#include "tables/FileStamp.h"
+#include "tables/Loader.h"
+#include "tables/Recovery.h"
 
 namespace rowlark {
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <optional>
 
-#include "CsvFile.h"
+#include "csv/CsvFile.h"
 #include "host/standalone/Workbook.h"
 
 namespace rowlark {

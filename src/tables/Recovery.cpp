@@ -1,4 +1,4 @@
-#include "Recovery.h"
+#include "tables/Recovery.h"
 
 #include <charconv>
 #include <concepts>

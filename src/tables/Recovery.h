@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "FileStamp.h"
+#include "tables/FileStamp.h"
 
 namespace rowlark {
 

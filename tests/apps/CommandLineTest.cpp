@@ -30,7 +30,7 @@ class CommandLine : public ::testing::Test {
     folder_.Write("quoted.csv", "\uFEFFa;\"x\r\ny \"\"1\"\"\"\r\nb;c\r\nlast;y");
     folder_.Write("pipes.txt", "a|b,c\n");
     folder_.Write("book.xlsx",
-                  testing::Archive(testing::XlsxParts(
+                  samples::Archive(samples::XlsxParts(
                       {{"One", "<row><c><v>1</v></c></row>"}, {"Zwei", "<row><c><v>2.5</v></c></row>"}})));
     folder_.Write("empty.csv", "");
   }

@@ -1,4 +1,4 @@
-#include "CsvFile.h"
+#include "csv/CsvFile.h"
 
 #include <gtest/gtest.h>
 

@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
+#include "FaultyHost.h"
 #include "Library.h"
 #include "Sheet.h"
 #include "TempFolder.h"
 #include "controls/Keyboard.h"
-#include "host/Forwarding.h"
 #include "runtime/clsVTRLKRuntime.h"
 #include "settings/Product.h"
 

@@ -223,7 +223,7 @@ TEST(Forms, AWholeSessionIsFoundAsItWasLeft) {
 TEST(Forms, SurviveEveryRefusal) {
   for (int64_t call = 1;; ++call) {
     Desk desk;
-    host::FaultyHost faulty(call);
+    testing::FaultyHost faulty(call);
     SCOPED_TRACE("host call " + std::to_string(call));
     const auto in_order = [&] {
       EXPECT_TRUE(desk.application->ScreenUpdating() && desk.application->EnableEvents() &&

@@ -49,7 +49,7 @@ TEST(EditForm, CountsNoHiddenRows) {
   Desk desk("a");
   desk.sheet->SetCell(1'048'576, 1, u"z");
   desk.sheet->Range(u"2:1048575")->SetEntireRowHidden(true);
-  host::FaultyHost counter(0);
+  testing::FaultyHost counter(0);
   desk.runtime->SetExcelApp(counter.Wrap(Ref<host::Application>(desk.application)));
   const auto form = desk.Edit();
   counter.Rearm(0);

@@ -1,9 +1,9 @@
 // Start-up, menu and help, as the add-in workbook drives them.
 #include <gtest/gtest.h>
 
+#include "FaultyHost.h"
 #include "Session.h"
 #include "TempFolder.h"
-#include "host/Forwarding.h"
 #include "runtime/modMain.h"
 #include "settings/Product.h"
 
@@ -111,7 +111,7 @@ TEST(Menu, IsBuiltOnceWhenItsTextsLoadTheLanguage) {
 TEST(Menu, IsNeverHalfBuilt) {
   for (int64_t n = 1;; ++n) {
     Addin addin;
-    host::FaultyHost faulty(n);
+    testing::FaultyHost faulty(n);
     addin.runtime.SetExcelApp(faulty.Wrap(Ref<host::Application>(addin.application)));
     try {
       addin.runtime.MenuCreate();

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "FaultCases.h"
-#include "host/Forwarding.h"
+#include "FaultyHost.h"
 
 namespace rowlark {
 namespace {
@@ -17,7 +17,7 @@ class ForwardingSaboteur final : public testing::Saboteur {
   std::string Failed() const override { return faulty_.Failed(); }
 
  private:
-  host::FaultyHost faulty_;
+  testing::FaultyHost faulty_;
 };
 
 std::unique_ptr<testing::Saboteur> Sabotage(Session& session, int64_t call, bool persistent) {

@@ -1,4 +1,4 @@
-// ZIP archives for tests, their parts stored as they are.
+// Documents made of their parts: ZIP archives, whose parts are stored as they are, and the workbooks in them.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace rowlark::testing {
+namespace rowlark::samples {
 
 inline std::uint32_t Crc32(std::string_view bytes) {
   std::uint32_t crc = ~0u;
@@ -88,4 +88,4 @@ inline std::string OdsContent(const std::string& tables) {
          tables + "</office:spreadsheet></office:body></office:document-content>";
 }
 
-}  // namespace rowlark::testing
+}  // namespace rowlark::samples

@@ -1,5 +1,5 @@
 // Files opened, edited and saved.
-#include "Document.h"
+#include "tables/Document.h"
 
 #include <gtest/gtest.h>
 
@@ -182,7 +182,7 @@ TEST(Document, LoadsInStepsAndCanBeStopped) {
 TEST(Document, OpensWorkbooksAndSavesThemAsCsv) {
   const TempFolder folder;
   const auto path = folder.Write(
-      "book.xlsx", testing::Archive(testing::XlsxParts({{"One", "<row r='2'><c r='B2'><v>1.5</v></c></row>"},
+      "book.xlsx", samples::Archive(samples::XlsxParts({{"One", "<row r='2'><c r='B2'><v>1.5</v></c></row>"},
                                                         {"T/wo", "<row><c><v>2</v></c></row>"}})));
   Opened document(path);
   ASSERT_EQ(document.Sheets().size(), 2u);

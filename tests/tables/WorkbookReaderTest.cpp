@@ -1,19 +1,19 @@
 // Workbooks read by our readers, without the process around them.
-#include "WorkbookReader.h"
+#include "tables/workbook/WorkbookReader.h"
 
 #include <gtest/gtest.h>
 
 #include <exception>
 
-#include "NumberFormat.h"
 #include "samples/Archive.h"
+#include "tables/workbook/NumberFormat.h"
 
 namespace rowlark {
 namespace {
 
-using testing::Archive;
-using testing::OdsContent;
-using testing::XlsxParts;
+using samples::Archive;
+using samples::OdsContent;
+using samples::XlsxParts;
 
 // "[Sheet]1:a|b 3:c"
 class Written final : public SheetSink {

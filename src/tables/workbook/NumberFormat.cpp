@@ -1,4 +1,4 @@
-#include "NumberFormat.h"
+#include "tables/workbook/NumberFormat.h"
 
 #include <algorithm>
 #include <array>

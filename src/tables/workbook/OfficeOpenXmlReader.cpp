@@ -4,10 +4,10 @@
 #include <map>
 #include <stdexcept>
 
-#include "NumberFormat.h"
-#include "Package.h"
-#include "WorkbookReader.h"
-#include "Xml.h"
+#include "tables/workbook/NumberFormat.h"
+#include "tables/workbook/Package.h"
+#include "tables/workbook/WorkbookReader.h"
+#include "tables/workbook/Xml.h"
 #include "util/Utf.h"
 
 namespace rowlark {

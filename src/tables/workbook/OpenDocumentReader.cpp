@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "WorkbookReader.h"
-#include "Xml.h"
+#include "tables/workbook/WorkbookReader.h"
+#include "tables/workbook/Xml.h"
 
 namespace rowlark {
 namespace {

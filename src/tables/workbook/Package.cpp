@@ -1,4 +1,4 @@
-#include "Package.h"
+#include "tables/workbook/Package.h"
 
 #include <zip.h>
 

@@ -18,8 +18,8 @@
 #include <system_error>
 #include <utility>
 
-#include "Loader.h"
-#include "WorkbookReader.h"
+#include "tables/Loader.h"
+#include "tables/workbook/WorkbookReader.h"
 #include "util/Utf.h"
 
 namespace rowlark {

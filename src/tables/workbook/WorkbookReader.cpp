@@ -1,11 +1,11 @@
-#include "WorkbookReader.h"
+#include "tables/workbook/WorkbookReader.h"
 
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
 
-#include "CsvFile.h"
-#include "Package.h"
+#include "csv/CsvFile.h"
+#include "tables/workbook/Package.h"
 
 namespace rowlark {
 namespace {

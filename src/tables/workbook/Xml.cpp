@@ -1,4 +1,4 @@
-#include "Xml.h"
+#include "tables/workbook/Xml.h"
 
 #include <expat.h>
 

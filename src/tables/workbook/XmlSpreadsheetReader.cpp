@@ -1,5 +1,5 @@
-#include "WorkbookReader.h"
-#include "Xml.h"
+#include "tables/workbook/WorkbookReader.h"
+#include "tables/workbook/Xml.h"
 
 namespace rowlark {
 namespace {

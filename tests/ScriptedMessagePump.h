@@ -1,5 +1,4 @@
-// A message pump with a clock of its own, whose messages come from a script: for tests, and for programs
-// without a window.
+// A message pump with a clock of its own, whose messages come from a script.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +6,7 @@
 
 #include "host/MessagePump.h"
 
-namespace rowlark::standalone {
+namespace rowlark::testing {
 
 class ScriptedMessagePump final : public host::MessagePump {
  public:
@@ -27,4 +26,4 @@ class ScriptedMessagePump final : public host::MessagePump {
   int64_t passes_ = 0;
 };
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::testing
