@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -9,6 +10,8 @@
 #include "host/standalone/Workbook.h"
 
 namespace rowlark {
+
+class SheetSink;
 
 class Loader {
  public:
@@ -29,5 +32,9 @@ class Loader {
 std::unique_ptr<Loader> OpenLoader(const std::filesystem::path& path, std::optional<char> separator);
 
 std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, std::optional<char> separator);
+std::unique_ptr<Loader> LoadWorkbook(const std::filesystem::path& path);
+// What `read` tells, in a process of its own; `path` is for messages.
+std::unique_ptr<Loader> LoadSheets(const std::filesystem::path& path,
+                                   const std::function<void(SheetSink& sink)>& read);
 
 }  // namespace rowlark

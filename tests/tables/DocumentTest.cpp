@@ -3,12 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <fstream>
 #include <iterator>
 
 #include "TempFolder.h"
 #include "host/Error.h"
 #include "samples/Archive.h"
+#include "tables/workbook/WorkbookReader.h"
 #include "util/Utf.h"
 
 namespace rowlark {
@@ -145,6 +147,23 @@ TEST(Document, AsksBeforeItOverwritesOrConverts) {
   EXPECT_EQ(Read(nul.Path()), "a\n");
 }
 
+// Another program writes into the file that is open: its records are not those that were read any more, also
+// not once ours has taken its place.
+TEST(Document, SavesItsCellsWhereTheFileWasWrittenInto) {
+  std::string rows = "a,b\r\n";
+  while (rows.size() < 3 * TextReader::kPiece) rows += "\"some\",text\r\n";
+  const TempFolder folder;
+  const auto path = folder.Write("table.csv", rows);
+  Opened document(path);
+  folder.Write("table.csv", std::string(rows.size() + 1, 'x'));
+  document.Set(u"A1", u"first");
+  EXPECT_TRUE(document.Save({.overwrite = true}));
+  EXPECT_TRUE(Read(path).starts_with("first,b\r\nsome,text\r\n"));
+  document.Set(u"A1", u"second");
+  EXPECT_TRUE(document.Save({}));
+  EXPECT_TRUE(Read(path).starts_with("second,b\r\nsome,text\r\n"));
+}
+
 TEST(Document, LoadsInStepsAndCanBeStopped) {
   std::string rows;
   for (int i = 1; i <= 100'000; ++i) rows += std::to_string(i) + ",some text\n";
@@ -212,6 +231,33 @@ TEST(Document, OpensWorkbooksAndSavesThemAsCsv) {
           << message;
     }
   }
+}
+
+// What tells of the rest of the rows may crash, and then these are not all.
+TEST(Loader, TellsAProcessThatEndsFromTheEndOfTheFile) {
+  const std::vector<std::string> cells = {std::string(100'000, 'x')};  // more than is kept back
+  const auto load = [&](const std::function<void()>& end) {
+    const auto host = MakeRef<standalone::Application>();
+    const auto book = host->AddWorkbook(u"book");
+    const auto loader = LoadSheets("book", [&](SheetSink& sink) {
+      sink.Sheet("Sheet");
+      sink.Row(2, cells);
+      end();
+    });
+    std::string outcome = "loaded";
+    try {
+      while (loader->Step(*book)) {
+      }
+    } catch (const std::runtime_error& error) {
+      outcome = error.what();
+    }
+    const auto cell = book->Worksheets().front()->Text().Cell(2, 1);
+    EXPECT_EQ(cell.size(), cells.front().size()) << outcome;
+    return outcome;
+  };
+  EXPECT_EQ(load([] {}), "loaded");
+  EXPECT_EQ(load([] { throw std::runtime_error("reason"); }), "book: reason");
+  EXPECT_EQ(load([] { ::raise(SIGKILL); }), "book: The file is damaged: it can not be read");
 }
 
 TEST(Document, RecoversEdits) {

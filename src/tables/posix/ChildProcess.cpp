@@ -1,0 +1,91 @@
+#include "tables/ChildProcess.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <system_error>
+
+namespace rowlark {
+namespace {
+
+[[noreturn]] void ThrowLastError() { throw std::system_error(errno, std::generic_category()); }
+
+void WriteAll(int pipe, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const auto count = ::write(pipe, bytes.data(), bytes.size());
+    if (count < 0 && errno != EINTR) ::_exit(1);  // nobody reads any more
+    if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+// The other process. Its output goes nowhere: a terminal may be showing a table.
+[[noreturn]] void RunInChild(const std::function<void(const ChildProcess::Write&)>& work, int pipe) {
+  const int nothing = ::open("/dev/null", O_RDWR);
+  ::dup2(nothing, STDOUT_FILENO);
+  ::dup2(nothing, STDERR_FILENO);
+  work([pipe](std::string_view bytes) { WriteAll(pipe, bytes); });
+  ::_exit(0);
+}
+
+}  // namespace
+
+struct ChildProcess::State {
+  State() {
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowLastError();
+    read_end = ends[0];
+    write_end = ends[1];
+  }
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+  ~State() {
+    CloseWriteEnd();
+    ::close(read_end);
+  }
+  void CloseWriteEnd() {
+    if (write_end >= 0) ::close(write_end);
+    write_end = -1;
+  }
+
+  int read_end = -1;
+  int write_end = -1;
+  pid_t process = -1;
+  std::array<char, 1 << 16> bytes{};
+};
+
+ChildProcess::ChildProcess(const std::function<void(const Write&)>& work)
+    : state_(std::make_unique<State>()) {
+  state_->process = ::fork();
+  if (state_->process < 0) ThrowLastError();
+  if (state_->process == 0) {
+    ::close(state_->read_end);
+    RunInChild(work, state_->write_end);
+  }
+  state_->CloseWriteEnd();
+}
+
+ChildProcess::~ChildProcess() { Stop(); }
+
+std::optional<std::string_view> ChildProcess::Read(std::chrono::milliseconds patience) {
+  pollfd waiting{state_->read_end, POLLIN, 0};
+  if (::poll(&waiting, 1, static_cast<int>(patience.count())) <= 0) return std::string_view();
+  const auto count = ::read(state_->read_end, state_->bytes.data(), state_->bytes.size());
+  if (count < 0) return std::string_view();
+  if (count == 0) return std::nullopt;
+  return std::string_view(state_->bytes.data(), static_cast<std::size_t>(count));
+}
+
+void ChildProcess::Stop() noexcept {
+  if (state_->process <= 0) return;
+  ::kill(state_->process, SIGKILL);
+  while (::waitpid(state_->process, nullptr, 0) < 0 && errno == EINTR) {
+  }
+  state_->process = -1;
+}
+
+}  // namespace rowlark
