@@ -1,5 +1,6 @@
 #include "runtime/Menu.h"
 
+#include <optional>
 #include <string_view>
 
 #include "runtime/Failure.h"
@@ -10,7 +11,7 @@ namespace {
 
 constexpr std::u16string_view kMenuItemID = u"MenuItemID";
 
-// All custom pop-ups of the host share one identifier; the tag tells ours.
+// All custom pop-ups of the host share one identifier, and not every user may store it; the tag tells ours.
 constexpr std::u16string_view kTag = u"VantrelRLK";
 
 struct Entry {
@@ -36,17 +37,13 @@ Ref<host::CommandBar> Menu::Bar() const {
 }
 
 void Menu::RemoveFrom(host::CommandBar& bar) {
-  const auto remove = [&bar](int32_t id) {
-    while (const auto control = bar.FindControl(id, kTag)) control->Delete();
-  };
-  constexpr int32_t kNone = 0;
-  const int32_t stored = shared_.Registry.GetLong(host::Hive::LocalMachine, kProductKey, kMenuItemID, kNone);
-  if (stored != kNone) remove(stored);
-  if (id_ && *id_ != stored) remove(*id_);
-  id_.reset();
+  while (const auto control = bar.FindControl(std::nullopt, kTag)) control->Delete();
 }
 
-void Menu::Remove() { RemoveFrom(*Bar()); }
+void Menu::Remove() {
+  made_ = false;
+  RemoveFrom(*Bar());
+}
 
 void Menu::Create() {
   struct BuildingGuard {
@@ -62,8 +59,7 @@ void Menu::Create() {
   const auto menu = Require(bar->AddControl(host::msoControlPopup, true));
   try {
     menu->SetTag(kTag);
-    id_ = menu->Id();
-    shared_.Registry.SetLong(host::Hive::LocalMachine, kProductKey, kMenuItemID, *id_);
+    shared_.Registry.SetLong(host::Hive::LocalMachine, kProductKey, kMenuItemID, menu->Id());
     menu->SetCaption(language.GetText(u"Menu.Root", u"&Rowlark"));
     menu->SetBeginGroup(true);
     for (const auto& entry : kEntries) {
@@ -72,6 +68,7 @@ void Menu::Create() {
       button->SetOnAction(entry.macro);
       if (entry.begin_group) button->SetBeginGroup(true);
     }
+    made_ = true;
   } catch (...) {
     try {
       menu->Delete();

@@ -1,9 +1,6 @@
 // The add-in's menu on the host's "Worksheet Menu Bar".
 #pragma once
 
-#include <cstdint>
-#include <optional>
-
 #include "settings/SharedState.h"
 
 namespace rowlark {
@@ -18,18 +15,20 @@ class Menu {
   // A menu that is not there is no error.
   void Remove();
 
+  // Whether a menu made here has not been removed from here.
+  bool Made() const { return made_; }
+
   // The texts of a menu may come from a language that is loaded only now; whoever hears of that must not
   // build the menu again while it is being built.
   bool Building() const { return building_; }
 
  private:
   Ref<host::CommandBar> Bar() const;
-  void RemoveFrom(host::CommandBar& bar);
+  static void RemoveFrom(host::CommandBar& bar);
 
   SharedState& shared_;
   bool building_ = false;
-  // Of the menu made here: a user may not be allowed to store it where later runs of the host read it.
-  std::optional<int32_t> id_;
+  bool made_ = false;
 };
 
 }  // namespace rowlark

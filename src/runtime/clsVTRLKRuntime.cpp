@@ -29,9 +29,9 @@ void clsVTRLKRuntime::SetExcelApp(Ref<host::Application> application) {
 }
 
 void clsVTRLKRuntime::Init() {
-  shared_.Language->LoadLangFile();
   if (Items->CfgFileName.empty()) Items->CfgFileName = shared_.Platform.ConfigurationFolder + u"rowlark.cfg";
   Items->CfgLoad();
+  shared_.Language->LoadLangFile();
 }
 
 void clsVTRLKRuntime::OnAddinInstall() { Items->CfgSave(true); }
@@ -41,9 +41,7 @@ void clsVTRLKRuntime::MenuCreate() { menu_.Create(); }
 void clsVTRLKRuntime::MenuRemove() { menu_.Remove(); }
 
 void clsVTRLKRuntime::evtLang_NewLangLoaded() {
-  if (menu_.Building() || !shared_.ExcelApp) return;
-  MenuRemove();
-  MenuCreate();
+  if (menu_.Made() && !menu_.Building() && shared_.ExcelApp) MenuCreate();
 }
 
 std::u16string clsVTRLKRuntime::HelpFile() const { return HelpFilePath(shared_); }

@@ -36,14 +36,14 @@ class clsVTRLKRuntime {
   void SetExcelApp(Ref<host::Application> application);
   clsVTRLKLang& Language() const { return *shared_.Language; }
 
-  // Loads the language file and then the configuration, which decides on the language; both may be missing.
+  // Loads the configuration and then the language file that it decides on; both may be missing.
   void Init();
   // Saves the configuration without a language: the next start takes the one chosen at set-up.
   void OnAddinInstall();
 
   // The add-in's menu on the host's "Worksheet Menu Bar". Creating it removes a menu that is there already,
-  // also one left by an earlier run of the host; it is made anew when another language is loaded. Throw
-  // host::Error.
+  // also one left by an earlier run of the host; the menu that this object has made is made anew when another
+  // language is loaded. Throw host::Error.
   void MenuCreate();
   void MenuRemove();
 

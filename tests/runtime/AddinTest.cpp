@@ -68,10 +68,16 @@ TEST(Menu, IsThereOnceWhateverHappens) {
   for (const bool administrator : {true, false}) {
     Addin addin;
     addin.registry.MachineWideIsWritable = administrator;
+    std::string written;
+    addin.registry.Log = [&written](const std::string& what) { written += what; };
     const auto bar = addin.application->CommandBars(u"Worksheet Menu Bar");
     bar->AddControl(host::msoControlPopup, true)->SetCaption(u"theirs");
-    addin.runtime.Init();
     addin.runtime.SetExcelApp(addin.application);
+    addin.runtime.Init();
+    addin.runtime.Language().SetLangFile(u"german.lng");  // no menu yet
+    EXPECT_EQ(addin.Captions(), "theirs ");
+    EXPECT_EQ(written, "");
+    addin.runtime.Language().SetLangFile(u"english.lng");
     addin.runtime.MenuCreate();
     addin.runtime.MenuCreate();
     EXPECT_EQ(addin.Captions(), "theirs &Rowlark ");
@@ -81,11 +87,15 @@ TEST(Menu, IsThereOnceWhateverHappens) {
     addin.runtime.Language().SetPath(addin.runtime.Language().Path());
     addin.runtime.MenuCreate();
     EXPECT_EQ(addin.Captions(), "theirs &Zeilen ");
-    if (administrator) {  // a later run of the host finds what this one has left behind
-      clsVTRLKRuntime later(addin.shared, addin.forms);
-      later.MenuCreate();
-      EXPECT_EQ(addin.Captions(), "theirs &Zeilen ");
-    }
+    clsVTRLKRuntime later(addin.shared, addin.forms);
+    later.MenuCreate();
+    EXPECT_EQ(addin.Captions(), "theirs &Zeilen ");
+    later.Language().SetLangFile(u"english.lng");
+    EXPECT_EQ(addin.Captions(), "theirs &Rowlark ");
+    later.MenuRemove();
+    addin.runtime.MenuRemove();
+    later.Language().SetLangFile(u"german.lng");  // it does not come back
+    EXPECT_EQ(addin.Captions(), "theirs ");
   }
 }
 
