@@ -46,22 +46,59 @@ void clsVTRLKLang::SetPath(std::u16string_view path) {
 
 void clsVTRLKLang::SetLangFile(std::u16string_view name) {
   loaded_ = false;
+  is_default_ = name.empty();
   const bool other = Compare(name, lang_file_, CompareMode::Text) != 0;
   lang_file_ = name;
   if (other) Load(true);
 }
 
+void clsVTRLKLang::SetDefault() {
+  const auto language = SetupLanguage();
+  SetLangFile(language.empty() ? language : language + u".lng");
+  is_default_ = true;
+}
+
+std::u16string clsVTRLKLang::SetupLanguage() const {
+  return environment_.SetupLanguage ? environment_.SetupLanguage() : std::u16string();
+}
+
+std::u16string clsVTRLKLang::FileOf(std::u16string_view name) const {
+  if (environment_.Files == nullptr) return {};
+  const auto exact = path_ + std::u16string(name);
+  if (environment_.Files->IsFileExists(exact)) return exact;
+  mclsVTDictionary files;
+  try {
+    environment_.Files->DirScanFiles(path_, files, false);
+  } catch (const AutomationError&) {  // NOLINT(bugprone-empty-catch): what was listed so far counts
+  }
+  for (const auto& file : files) {
+    const auto own = std::u16string_view(file).substr(file.find_last_of(PathMap::kSeparators) + 1);
+    if (Compare(own, name, CompareMode::Text) == 0) return file;
+  }
+  return {};
+}
+
+void clsVTRLKLang::Detach() {
+  environment_ = {};
+  texts_.reset();
+  help_file_.clear();
+}
+
 void clsVTRLKLang::Load(bool raise) {
   help_file_.clear();
   if (lang_file_.empty()) {
-    const auto language = environment_.SetupLanguage();
+    const auto language = SetupLanguage();
     lang_file_ = (language.empty() ? u"english" : language) + u".lng";
   }
-  texts_ = std::make_unique<mclsVTIniFile>(environment_.Files);
-  texts_->SetSepComment(u";");
+  texts_.reset();
   try {
-    if (environment_.Files.IsFileExists(path_ + lang_file_)) texts_->SetFullName(path_ + lang_file_);
-  } catch (const AutomationError&) {  // NOLINT(bugprone-empty-catch): gone in the meantime
+    if (const auto file = FileOf(lang_file_); !file.empty()) {
+      texts_ = std::make_unique<mclsVTIniFile>(*environment_.Files);
+      texts_->SetSepComment(u";");
+      texts_->SetFullName(file);
+    }
+  } catch (const AutomationError&) {  // gone in the meantime
+    texts_.reset();
   }
   if (const auto file = LookUp(u"HELP_FILE_NAME"); !file.empty()) {
     help_file_ = environment_.HelpDirectory() + file;
@@ -71,7 +108,7 @@ void clsVTRLKLang::Load(bool raise) {
 }
 
 std::u16string clsVTRLKLang::LookUp(std::u16string_view key) const {
-  if (texts_->FullName().empty()) return {};
+  if (!texts_) return {};
   try {
     return texts_->GetData(key, u"").value_or(u"");
   } catch (const AutomationError&) {

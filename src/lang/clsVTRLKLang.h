@@ -18,7 +18,7 @@ namespace rowlark {
 class clsVTRLKLang {
  public:
   struct Environment {
-    const mclsVTFileSystem& Files;
+    const mclsVTFileSystem* Files;
     std::u16string LibraryFolder;                   // where the language files lie at first
     std::function<std::u16string()> SetupLanguage;  // base name of the file chosen at set-up; may be empty
     std::function<std::u16string()> HelpDirectory;  // with a separator at its end
@@ -33,10 +33,18 @@ class clsVTRLKLang {
   const std::u16string& Path() const { return path_; }
   void SetPath(std::u16string_view path);
 
-  // Name of the language file, without folder ("english.lng"). A name that differs in more than letter case
-  // is loaded at once.
+  // Name of the language file, without folder ("english.lng"); the file is found in whatever letter case it
+  // has. A name that differs in more than that is loaded at once. An empty one stands for the default: the
+  // language chosen at set-up, or English.
   const std::u16string& LangFile() const { return lang_file_; }
   void SetLangFile(std::u16string_view name);
+
+  // Nobody has chosen the present language: it is the default, whatever file that is.
+  bool IsDefault() const { return is_default_; }
+  void SetDefault();
+
+  // Full path of a language file, in its own letter case; empty when there is none of that name.
+  std::u16string FileOf(std::u16string_view name) const;
 
   // Full path of the help file that the language names; empty when it names none.
   const std::u16string& HelpFile() const { return help_file_; }
@@ -62,17 +70,22 @@ class clsVTRLKLang {
     return GetText(key, default_text, std::span(&value, 1), accelerator);
   }
 
+  // The program behind the catalogue ends: it goes on without files, in English.
+  void Detach();
+
   // Raised with the new LangFile when it was changed, or when a look-up found the catalogue unloaded.
   Event<const std::u16string&>& NewLangLoaded() { return new_lang_loaded_; }
 
  private:
   void Load(bool raise);
+  std::u16string SetupLanguage() const;
   std::u16string LookUp(std::u16string_view key) const;
 
   Environment environment_;
   std::u16string path_;
   std::u16string lang_file_;
   std::u16string help_file_;
+  bool is_default_ = true;
   bool loaded_ = false;
   std::unique_ptr<mclsVTIniFile> texts_;
   Event<const std::u16string&> new_lang_loaded_;

@@ -4,6 +4,20 @@
 
 namespace rowlark {
 
+SharedState::SharedState(const rowlark::Platform& platform)
+    : Platform(platform),
+      Registry(platform.Registry),
+      Foundation(std::make_shared<rowlark::Foundation>()),
+      ExcelApp(Foundation->ExcelApp) {
+  Foundation->Platform = &Platform;
+}
+
+SharedState::~SharedState() {
+  Foundation->Platform = nullptr;
+  ExcelApp = nullptr;
+  if (Foundation->Language) Foundation->Language->Detach();
+}
+
 void SharedState::Acquire() {
   if (users_++ > 0) return;
   Terminating = false;
@@ -14,9 +28,12 @@ void SharedState::Acquire() {
   if (!HelpDirectory.empty() && !HelpDirectory.ends_with(u'\\') && !HelpDirectory.ends_with(u'/')) {
     HelpDirectory += u'\\';
   }
-  Language = std::make_shared<clsVTRLKLang>(
-      clsVTRLKLang::Environment{Platform.Files, Platform.LibraryFolder,
-                                [read] { return read(u"SetupLanguage"); }, [this] { return HelpDirectory; }});
+  if (!Foundation->Language) {
+    Foundation->Language = std::make_shared<clsVTRLKLang>(clsVTRLKLang::Environment{
+        &Platform.Files, Platform.LibraryFolder, [read] { return read(u"SetupLanguage"); },
+        [this] { return HelpDirectory; }});
+  }
+  Language = Foundation->Language;
 }
 
 void SharedState::Release() {

@@ -28,11 +28,21 @@ struct Platform {
       ConfigurationFolder;  // the user's, with a separator at its end; made when it is first needed
 };
 
+// What the settings objects stand on. They share it by count, since a client may hold a profile, the
+// collection or the history longer than any runtime object, and longer than the program behind them.
+struct Foundation {
+  const rowlark::Platform* Platform = nullptr;  // nothing when the program has gone: no files any more
+  Ref<host::Application> ExcelApp;
+  std::shared_ptr<clsVTRLKLang> Language;  // nothing before the first runtime object
+  bool HistoryCleared = false;             // a temporary history has been emptied in this run of the host
+};
+
 class SharedState {
  public:
-  explicit SharedState(const rowlark::Platform& platform) : Platform(platform), Registry(platform.Registry) {}
+  explicit SharedState(const rowlark::Platform& platform);
   SharedState(const SharedState&) = delete;
   SharedState& operator=(const SharedState&) = delete;
+  ~SharedState();
 
   // Every runtime object holds the state: the first one sets it up, the last one releases it.
   void Acquire();
@@ -40,12 +50,12 @@ class SharedState {
 
   const rowlark::Platform Platform;
   const mclsVTRegistry Registry;
-  Ref<host::Application> ExcelApp;         // nothing until the add-in has set it
+  const std::shared_ptr<rowlark::Foundation> Foundation;
+  Ref<host::Application>& ExcelApp;        // nothing until the add-in has set it
   std::shared_ptr<clsVTRLKLang> Language;  // present while a runtime object lives
   std::u16string HelpDirectory;            // with a separator at its end
   intptr_t HelpWindow = 0;                 // of the last help that was opened; 0 when that failed
   bool Terminating = false;                // every wait and long loop ends when it is set
-  bool HistoryCleared = false;             // a temporary history has been emptied in this run of the host
 
   // Raised and lowered by the forms when they are loaded and unloaded.
   bool SearchFormLoaded = false;

@@ -2,14 +2,20 @@
 
 #include <vector>
 
+#include "settings/Configuration.h"
+#include "util/PathMap.h"
 #include "util/Text.h"
 #include "util/mclsVTString.h"
 
 namespace rowlark {
 
+std::u16string_view clsVTRLKItem::NameOf(std::u16string_view path) {
+  return path.substr(path.find_last_of(PathMap::kSeparators) + 1);
+}
+
 void clsVTRLKItem::SetFileFullName(std::u16string_view path) {
   file_full_name_ = path;
-  name_ = mclsVTString::GetRight(path, u"\\", false, false, true);
+  name_ = NameOf(path);
 }
 
 void clsVTRLKItem::SetCoordinate(int32_t& coordinate, int32_t value) {
@@ -24,7 +30,7 @@ void clsVTRLKItem::UpdateSearchRange() {
   const bool on_sheet = start_row_ > 0 && start_col_ > 0 && end_row_ > 0 && end_col_ > 0;
   if (!on_sheet && (start_row_ >= 0 || search_range_.empty())) return;
   try {
-    const auto sheet = shared_->ExcelApp ? shared_->ExcelApp->ActiveSheet() : nullptr;
+    const auto sheet = foundation_->ExcelApp ? foundation_->ExcelApp->ActiveSheet() : nullptr;
     if (!sheet) return;
     if (start_row_ < 0) {
       search_range_.clear();
@@ -49,27 +55,31 @@ std::u16string clsVTRLKItem::ToString() const {
 
 bool clsVTRLKItem::ToObject(std::u16string_view strData) {
   if (strData.empty()) return true;
-  auto fields = mclsVTString::ArraySalvage(strData);
-  if (fields.empty()) return true;
-  fields.resize(10);
-  file_full_name_ = fields[0];
-  name_ = fields[1];
-  const auto number = [&fields](std::size_t field, int32_t present) {
-    return ToInteger(fields[field]).value_or(present);
+  const auto fields = StoredList(strData, 10);
+  const auto text = [&fields](std::size_t field, std::u16string& present) {
+    if (fields[field]) present = *fields[field];
   };
+  const auto number = [&fields](std::size_t field, int32_t present) {
+    return ToInteger(fields[field].value_or(u"")).value_or(present);
+  };
+  const auto flag = [&fields](std::size_t field, bool& present) {
+    if (fields[field]) present = !fields[field]->empty();
+  };
+  text(0, file_full_name_);
+  text(1, name_);
   SetStartCol(number(2, start_col_));
   SetStartRow(number(3, start_row_));
   SetEndCol(number(4, end_col_));
   SetEndRow(number(5, end_row_));
-  SearchCols = fields[6];
+  text(6, SearchCols);
   SelectCol = number(7, SelectCol);
-  UnhideJumpFirstRow = !fields[8].empty();
-  DontSaveChanges = !fields[9].empty();
+  flag(8, UnhideJumpFirstRow);
+  flag(9, DontSaveChanges);
   return true;
 }
 
 std::shared_ptr<clsVTRLKItem> clsVTRLKItem::Clone(std::u16string_view strFileFullName) const {
-  auto copy = std::make_shared<clsVTRLKItem>(*shared_);
+  auto copy = std::make_shared<clsVTRLKItem>(foundation_);
   copy->SetFileFullName(strFileFullName.empty() ? std::u16string_view(file_full_name_) : strFileFullName);
   copy->SearchCols = SearchCols;
   copy->SelectCol = SelectCol;

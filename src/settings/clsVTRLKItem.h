@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "settings/SharedState.h"
 
@@ -13,7 +14,10 @@ namespace rowlark {
 
 class clsVTRLKItem {
  public:
-  explicit clsVTRLKItem(const SharedState& shared) : shared_(&shared) { UpdateSearchRange(); }
+  explicit clsVTRLKItem(const SharedState& shared) : clsVTRLKItem(shared.Foundation) {}
+  explicit clsVTRLKItem(std::shared_ptr<const Foundation> foundation) : foundation_(std::move(foundation)) {
+    UpdateSearchRange();
+  }
 
   // All four coordinates are negative: no fixed block. Follows the coordinates; range detection sets it as
   // well.
@@ -37,10 +41,12 @@ class clsVTRLKItem {
   void SetEndCol(int32_t column) { SetCoordinate(end_col_, column); }
   void SetEndRow(int32_t row) { SetCoordinate(end_row_, row); }
 
-  // Full path of the workbook, and the part behind its last backslash.
+  // Full path of the workbook, and the part behind its last separator: "\", or "/" as in the address of a
+  // workbook on a web server.
   const std::u16string& FileFullName() const { return file_full_name_; }
   void SetFileFullName(std::u16string_view path);
   const std::u16string& Name() const { return name_; }
+  static std::u16string_view NameOf(std::u16string_view path);
 
   // The stored fields as a packed list, and back. What can not be read keeps its value; the result is true.
   std::u16string ToString() const;
@@ -53,7 +59,7 @@ class clsVTRLKItem {
   void SetCoordinate(int32_t& coordinate, int32_t value);
   void UpdateSearchRange();
 
-  const SharedState* shared_;
+  std::shared_ptr<const Foundation> foundation_;
   std::u16string search_range_;
   int32_t start_col_ = 0;
   int32_t start_row_ = 0;

@@ -1,11 +1,11 @@
 #include "settings/clsVTRLKItems.h"
 
 #include <exception>
-#include <vector>
+#include <utility>
 
-#include "settings/Product.h"
+#include "util/AutomationError.h"
+#include "util/PathMap.h"
 #include "util/Text.h"
-#include "util/mclsVTString.h"
 
 namespace rowlark {
 namespace {
@@ -19,7 +19,7 @@ std::u16string NormalizeHotKey(std::u16string_view key) {
 clsVTRLKItems::clsVTRLKItems(SharedState& shared)
     : DefaultItem(std::make_shared<clsVTRLKItem>(shared)),
       RecentItems(std::make_shared<clsVTRLKRecentItems>(shared)),
-      shared_(shared) {
+      foundation_(shared.Foundation) {
   profiles_.SetCompareMode(CompareMode::Text);
 }
 
@@ -41,71 +41,122 @@ void clsVTRLKItems::SetItem(int32_t Index, const std::shared_ptr<clsVTRLKItem>& 
   profiles_.SetData(Index, item);
 }
 
-std::u16string clsVTRLKItems::ToString(bool ResetLangFile) const {
+Configuration clsVTRLKItems::Present(bool ResetLangFile) const {
   const auto flag = [](bool on) { return std::u16string(on ? u"1" : u""); };
-  std::vector<std::u16string> profiles = {DefaultItem->ToString()};
-  for (int32_t i = 0; i < count(); ++i) profiles.push_back(Item(i)->ToString());
-  const std::vector<std::u16string> options = {
-      UnhideOnEsc ? u"1" : u"0",
-      RecentItems->ToString(),
-      HotKeySearch(),
-      HotKeyUnhide(),
-      ResetLangFile ? std::u16string() : shared_.Language->LangFile(),
-      flag(EditAutoClose),
-      flag(AutoDetectSearchText)};
-  const std::vector<std::u16string> both = {mclsVTString::ArrayJoin(profiles, PackedCount::Text),
-                                            mclsVTString::ArrayJoin(options, PackedCount::Text)};
-  return mclsVTString::ArrayJoin(both, PackedCount::Text);
+  Configuration present;
+  present.default_profile = DefaultItem->ToString();
+  for (int32_t i = 0; i < count(); ++i) present.profiles.push_back({Item(i)->Name(), Item(i)->ToString()});
+  const auto* const language = foundation_->Language.get();
+  const bool chosen = language != nullptr && !language->IsDefault() && !ResetLangFile;
+  present.options = {UnhideOnEsc ? u"1" : u"0",
+                     RecentItems->ToString(),
+                     HotKeySearch(),
+                     HotKeyUnhide(),
+                     chosen ? language->LangFile() : std::u16string(),
+                     flag(EditAutoClose),
+                     flag(AutoDetectSearchText)};
+  return present;
 }
 
+std::u16string clsVTRLKItems::ToString(bool ResetLangFile) const { return Present(ResetLangFile).ToString(); }
+
 bool clsVTRLKItems::ToObject(std::u16string_view strData) {
-  if (strData.empty()) return true;
-  auto both = mclsVTString::ArraySalvage(strData, true);
-  both.resize(2);
-  const auto profiles = mclsVTString::ArraySalvage(both[0], true);
-  auto options = mclsVTString::ArraySalvage(both[1]);
-  options.resize(7);
-
-  UnhideOnEsc = options[0] == u"1";
-  RecentItems->ToObject(options[1]);
-  hot_key_search_ = options[2];
-  mstrHotKeyUnhide = options[3];
-  auto language = options[4];
-  if (language.empty()) {
-    language = shared_.Registry.GetString(host::Hive::LocalMachine, kProductKey, u"SetupLanguage", u"");
-    if (!language.empty()) language += u".lng";
-  }
-  shared_.Language->SetLangFile(language);
-  EditAutoClose = !options[5].empty();
-  AutoDetectSearchText = !options[6].empty();
-
-  if (profiles.empty()) return true;
-  DefaultItem->ToObject(profiles[0]);
-  for (std::size_t i = 1; i < profiles.size(); ++i) {
-    const auto item = std::make_shared<clsVTRLKItem>(shared_);
-    item->ToObject(profiles[i]);
-    Add(item);
-  }
+  Apply(Configuration::Parse(strData));
   return true;
 }
 
-bool clsVTRLKItems::CfgSave(bool ResetLangFile) {
-  if (CfgFileName.empty()) return false;
-  try {
-    const auto folder = CfgFileName.substr(0, CfgFileName.find_last_of(u"\\/") + 1);
-    if (!folder.empty() && !shared_.Platform.Files.IsPathExists(folder))
-      shared_.Platform.Files.DirsMake(folder);
-    shared_.Platform.Files.StringWrite(CfgFileName, ToString(ResetLangFile));
-    return true;
-  } catch (const std::exception&) {
-    return false;
+std::vector<Configuration::Profile> clsVTRLKItems::Apply(const Configuration& read) {
+  const auto& options = read.options;
+  if (options[Configuration::kUnhideOnEsc]) UnhideOnEsc = options[Configuration::kUnhideOnEsc] == u"1";
+  if (options[Configuration::kHistory]) RecentItems->ToObject(*options[Configuration::kHistory]);
+  if (options[Configuration::kHotKeySearch]) hot_key_search_ = *options[Configuration::kHotKeySearch];
+  if (options[Configuration::kHotKeyUnhide]) mstrHotKeyUnhide = *options[Configuration::kHotKeyUnhide];
+  if (const auto& language = options[Configuration::kLanguage]; language && foundation_->Language) {
+    // A missing language of the set-up was once written as the bare extension.
+    if (language->empty() || language == u".lng") {
+      foundation_->Language->SetDefault();
+    } else {
+      foundation_->Language->SetLangFile(*language);
+    }
+  }
+  const auto flag = [](const std::optional<std::u16string>& option, bool& value) {
+    if (option) value = !option->empty();
+  };
+  flag(options[Configuration::kEditAutoClose], EditAutoClose);
+  flag(options[Configuration::kAutoDetectSearchText], AutoDetectSearchText);
+
+  if (read.default_profile) DefaultItem->ToObject(*read.default_profile);
+  std::vector<Configuration::Profile> profiles;
+  for (const auto& profile : read.profiles) {
+    const auto item = std::make_shared<clsVTRLKItem>(foundation_);
+    item->ToObject(profile.text);
+    profiles.push_back({profile.name, item->ToString()});
+    Add(item);
+  }
+  return profiles;
+}
+
+// Texts that the load has passed over (of a history that is temporary, or not used) are known all the same:
+// they are gone from here.
+void clsVTRLKItems::Remember(std::vector<Configuration::Profile> profiles,
+                             const std::optional<std::u16string>& history) {
+  known_ = Present(false);
+  known_.profiles = std::move(profiles);
+  known_.SetHistoryTexts(history);
+  known_file_ = CfgFileName;
+}
+
+// The text of the file, or nothing when there is none. Another program may hold a file for a moment. Throws
+// AutomationError.
+std::optional<std::u16string> clsVTRLKItems::ReadFile() const {
+  constexpr uint32_t kPatience = 500, kPause = 10;  // milliseconds
+  auto& pump = foundation_->Platform->Pump;
+  const auto& files = foundation_->Platform->Files;
+  const uint32_t begin = pump.TickCount();
+  for (;;) {
+    try {
+      if (files.IsMissing(CfgFileName)) return std::nullopt;
+      return files.StringRead(CfgFileName);
+    } catch (const AutomationError&) {
+      if (pump.TickCount() - begin >= kPatience) throw;
+      pump.WaitForInput(kPause);
+    }
   }
 }
 
 bool clsVTRLKItems::CfgLoad() {
-  if (!shared_.Platform.Files.IsFileExists(CfgFileName)) return true;
+  if (foundation_->Platform == nullptr) return false;
   try {
-    return ToObject(shared_.Platform.Files.StringRead(CfgFileName));
+    const auto read = Configuration::Parse(ReadFile().value_or(u""));
+    Remember(Apply(read), read.options[Configuration::kHistory]);
+    return true;
+  } catch (const std::exception&) {
+    // What the file holds is not known, so a save has to find out.
+    if (known_file_ != CfgFileName) Remember({}, std::nullopt);
+    return false;
+  }
+}
+
+bool clsVTRLKItems::CfgSave(bool ResetLangFile) {
+  if (CfgFileName.empty() || foundation_->Platform == nullptr) return false;
+  const auto& files = foundation_->Platform->Files;
+  try {
+    const auto folder = CfgFileName.substr(0, CfgFileName.find_last_of(PathMap::kSeparators) + 1);
+    if (!folder.empty() && !files.IsPathExists(folder)) files.DirsMake(folder);
+    // Where there are no locks two that save at once leave one of the two files.
+    const auto lock = files.Lock(CfgFileName + u".lock");
+    auto present = Present(ResetLangFile);
+    auto written = present;
+    if (const auto text = ReadFile()) {
+      const auto theirs = Configuration::Parse(*text);
+      if (theirs.damaged) files.BinaryWrite(CfgFileName + u".damaged", files.BinaryRead(CfgFileName));
+      if (known_file_ == CfgFileName) written = Merge(known_, present, theirs);
+    }
+    if (ResetLangFile) written.options[Configuration::kLanguage].reset();
+    files.StringWrite(CfgFileName, written.ToString());
+    known_ = std::move(present);
+    known_file_ = CfgFileName;
+    return true;
   } catch (const std::exception&) {
     return false;
   }

@@ -4,9 +4,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "settings/Configuration.h"
 #include "settings/clsVTRLKItem.h"
 #include "settings/clsVTRLKRecentItems.h"
 #include "util/mclsVTDictionary.h"
@@ -55,15 +58,24 @@ class clsVTRLKItems {
   std::u16string ToString(bool ResetLangFile) const;
   bool ToObject(std::u16string_view strData);
 
-  // Writes and reads `CfgFileName`. Saving makes its folder, and leaves the old file as it is when it fails.
-  // A missing file is no failure of loading.
-  bool CfgSave(bool ResetLangFile);
+  // Reads `CfgFileName`, trying again for up to half a second where that fails. A missing file is no failure.
   bool CfgLoad();
+  // Writes the file, and makes its folder. What other instances have written to it since this one loaded it
+  // stays, but for what was changed here; a file that was never loaded is replaced. One that can not be read
+  // is left alone: false. Of one that was damaged a copy is kept beside it (".damaged").
+  bool CfgSave(bool ResetLangFile);
 
  private:
   static std::shared_ptr<clsVTRLKItem> ToItem(const mclsVTDictionary::Value& value);
+  Configuration Present(bool ResetLangFile) const;
+  // Returns the profiles as they were read.
+  std::vector<Configuration::Profile> Apply(const Configuration& read);
+  void Remember(std::vector<Configuration::Profile> profiles, const std::optional<std::u16string>& history);
+  std::optional<std::u16string> ReadFile() const;
 
-  SharedState& shared_;
+  std::shared_ptr<Foundation> foundation_;
+  Configuration known_;        // what of the present state came from the file, or went there
+  std::u16string known_file_;  // the file that is
   std::u16string hot_key_search_ = u"^f";
   mclsVTDictionary profiles_;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "settings/Configuration.h"
 #include "util/Text.h"
 #include "util/mclsVTString.h"
 
@@ -34,14 +35,13 @@ void clsVTRLKRecentItems::ToObject(std::u16string_view strData) {
   entries_.clear();
   MaxItemsCount = 10;
   if (strData.empty()) return;
-  auto fields = mclsVTString::ArraySalvage(strData);
-  fields.resize(4);
-  MaxItemsCount = ToInteger(fields[0]).value_or(MaxItemsCount);
-  Use = !fields[2].empty();
-  IsTemporary = !fields[3].empty();
-  if (Use) entries_ = mclsVTString::ArraySalvage(fields[1]);
-  if (IsTemporary && !shared_.HistoryCleared) {
-    shared_.HistoryCleared = true;
+  const auto fields = StoredList(strData, 4);
+  MaxItemsCount = ToInteger(fields[0].value_or(u"")).value_or(MaxItemsCount);
+  if (fields[2]) Use = !fields[2]->empty();
+  if (fields[3]) IsTemporary = !fields[3]->empty();
+  if (Use && fields[1]) entries_ = mclsVTString::ArraySalvage(*fields[1]);
+  if (IsTemporary && !foundation_->HistoryCleared) {
+    foundation_->HistoryCleared = true;
     entries_.clear();
   }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +13,7 @@ namespace rowlark {
 
 class clsVTRLKRecentItems {
  public:
-  explicit clsVTRLKRecentItems(SharedState& shared) : shared_(shared) {}
+  explicit clsVTRLKRecentItems(SharedState& shared) : foundation_(shared.Foundation) {}
 
   bool Use = true;             // without it nothing is added or read
   bool IsTemporary = false;    // lives for one run of the host: the first load of a run empties it
@@ -26,12 +27,13 @@ class clsVTRLKRecentItems {
   bool Exists(std::u16string_view text) const;  // letter case ignored
   std::u16string Item(int32_t Index) const;     // from 0, oldest first; empty outside
 
-  // The whole state as a packed list, and back; what can not be read gets its default.
+  // The whole state as a packed list, and back. What can not be read keeps its value, but for the texts and
+  // their maximum, which are as they were made.
   std::u16string ToString() const;
   void ToObject(std::u16string_view strData);
 
  private:
-  SharedState& shared_;
+  std::shared_ptr<Foundation> foundation_;
   std::vector<std::u16string> entries_;
 };
 

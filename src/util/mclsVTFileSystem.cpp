@@ -5,7 +5,6 @@
 #include <fstream>
 
 #include "util/AutomationError.h"
-#include "util/FileSystemPlatform.h"
 #include "util/Utf.h"
 
 namespace rowlark {
@@ -109,6 +108,15 @@ bool mclsVTFileSystem::IsFileExists(std::u16string_view file) const {
   const fs::path path = paths_.ToNative(file);
   std::error_code error;
   return fs::is_regular_file(path, error) && std::ifstream(path).is_open();
+}
+
+bool mclsVTFileSystem::IsMissing(std::u16string_view file) const {
+  std::error_code error;
+  return fs::status(paths_.ToNative(file), error).type() == fs::file_type::not_found;
+}
+
+platform::FileLock mclsVTFileSystem::Lock(std::u16string_view file) const {
+  return platform::FileLock(paths_.ToNative(file));
 }
 
 bool mclsVTFileSystem::IsPathExists(std::u16string_view directory) const {

@@ -13,6 +13,7 @@
 #include <system_error>
 #include <vector>
 
+#include "util/FileSystemPlatform.h"
 #include "util/PathMap.h"
 #include "util/mclsVTDictionary.h"
 
@@ -38,10 +39,15 @@ class mclsVTFileSystem {
 
   // Whether it is a file that can be read, or a folder. Raise nothing.
   bool IsFileExists(std::u16string_view file) const;
+  // Whether there is nothing at all of that name; something that can not be read is there. Raises nothing.
+  bool IsMissing(std::u16string_view file) const;
   bool IsPathExists(std::u16string_view directory) const;
 
   // Whether a folder holds nothing but names that begin with a dot, or does not exist.
   bool IsDirEmpty(std::u16string_view directory) const;
+
+  // Waits for the lock of that file; see there.
+  platform::FileLock Lock(std::u16string_view file) const;
 
   // Deletes a file, or a folder with everything in it. Without `force` nothing is deleted when anything of it
   // is read-only.

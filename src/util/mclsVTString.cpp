@@ -122,11 +122,13 @@ std::vector<std::u16string> mclsVTString::ArraySplit(std::u16string_view text, P
   return std::move(list->elements);
 }
 
-std::vector<std::u16string> mclsVTString::ArraySalvage(std::u16string_view text, bool keep_cut_element) {
+std::vector<std::u16string> mclsVTString::ArraySalvage(std::u16string_view text, bool keep_cut_element,
+                                                       bool* damaged) {
   for (const PackedCount count : {PackedCount::Text, PackedCount::Record}) {
     std::optional<PackedList> list = Unpack(text, count);
     if (list && list->consumed == text.size()) return std::move(list->elements);
   }
+  if (damaged != nullptr) *damaged = true;
   std::vector<std::u16string> elements;
   while (const std::optional<std::size_t> count = ReadCount(text.substr(0, kCountDigits))) {
     text.remove_prefix(kCountDigits);

@@ -37,8 +37,9 @@ class mclsVTString {
   // The same for stored lists, which may have been written with either count: lengths are those of the text
   // alone unless only counting the whole record consumes `text` exactly. Never raises: of a damaged list it
   // gives the elements before the damage, with what is left of an element that was cut off when that is asked
-  // for.
-  static std::vector<std::u16string> ArraySalvage(std::u16string_view text, bool keep_cut_element = false);
+  // for, and sets `damaged`.
+  static std::vector<std::u16string> ArraySalvage(std::u16string_view text, bool keep_cut_element = false,
+                                                  bool* damaged = nullptr);
 
   // Position of the last occurrence of `find` (overlapping ones count) within the first `start` characters,
   // or the whole text when `start` is negative; 0 when there is none. An empty `find` gives the length

@@ -11,7 +11,7 @@ namespace rowlark {
 namespace {
 
 clsVTRLKLang::Environment NoLanguage(const mclsVTFileSystem& files) {
-  return {files, u"/nowhere", [] { return std::u16string(); }, [] { return std::u16string(u"H:\\"); }};
+  return {&files, u"/nowhere", [] { return std::u16string(); }, [] { return std::u16string(u"H:\\"); }};
 }
 
 TEST(Lang, PreparesTexts) {
@@ -77,9 +77,16 @@ TEST(Lang, ReadsFilesAndTellsWhenAnotherOneIsLoaded) {
   lang.SetLangFile(u"missing.lng");
   EXPECT_EQ(lang.GetText(u"Key", u"Yes"), u"Yes");
   EXPECT_EQ(loaded, "german.lng french.lng missing.lng ");
+  lang.SetLangFile(u"German.LNG");  // whatever the file system thinks of letter case
+  EXPECT_EQ(lang.GetText(u"Key", u"Yes"), u"Ja");
+  EXPECT_FALSE(lang.IsDefault());
+  lang.SetDefault();
+  EXPECT_EQ(lang.LangFile(), u"german.lng");
+  EXPECT_TRUE(lang.IsDefault());
   setup.clear();
   lang.SetLangFile(u"");
   EXPECT_EQ(lang.LangFile(), u"english.lng");
+  EXPECT_TRUE(lang.IsDefault());
   lang.SetPath(lang.Path() + u"\\");
   EXPECT_FALSE(lang.Path().ends_with(u"\\\\"));
   EXPECT_EQ(lang.GetText(u"Key", u"Yes"), u"Yes");

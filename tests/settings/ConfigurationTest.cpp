@@ -1,10 +1,13 @@
 // The configuration file: what is saved is there again, older and damaged files give what can be read.
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <functional>
 #include <random>
 
 #include "Settings.h"
 #include "TempFolder.h"
+#include "host/standalone/Application.h"
 #include "settings/Product.h"
 #include "util/mclsVTString.h"
 
@@ -57,7 +60,7 @@ TEST(Configuration, SurvivesARestart) {
   for (int round = 0; round < 200; ++round) {
     Settings before(file);
     for (int32_t i = pick(4); i > 0; --i) {
-      auto item = before.Profile(u"C:\\" + text());
+      auto item = before.Profile(u"C:\\" + text() + u".xls");
       item->SetStartRow(pick(100) - 50);
       item->SetEndCol(INT32_MIN);
       item->SelectCol = INT32_MAX;
@@ -104,6 +107,230 @@ TEST(Configuration, LoadsOntoWhatIsThere) {
   EXPECT_FALSE(directory.items.CfgSave(false));
 }
 
+std::string Bytes(const std::filesystem::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// Waits are noted; a script says what happens meanwhile.
+struct WaitingPump final : host::MessagePump {
+  std::function<void()> OnWait;
+  uint32_t Now = 0;
+  void ProcessMessages() noexcept override {}
+  void WaitForInput(uint32_t milliseconds) noexcept override {
+    Now += milliseconds;
+    if (OnWait) OnWait();
+  }
+  uint32_t TickCount() const noexcept override { return Now; }
+};
+
+TEST(Configuration, IsLeftAloneUntilItCouldBeRead) {
+  const TempFolder folder;
+  const auto file = folder.Path() / "rowlark.cfg", aside = folder.Path() / "aside";
+  Settings settings(file);
+  FillExample(settings);
+  settings.items.SetHotKeyUnhide(u"{F7}");
+  ASSERT_TRUE(settings.items.CfgSave(false));
+  const auto stored = Bytes(file);
+
+  WaitingPump pump;
+  SharedState shared(
+      Platform{pump, settings.registry, settings.help, settings.windows, settings.files, u"", u""});
+  clsVTRLKItems items(shared);
+  items.CfgFileName = settings.items.CfgFileName;
+  // A folder is there, and can not be read.
+  const auto hide = [&] {
+    std::filesystem::rename(file, aside);
+    std::filesystem::create_directory(file);
+  };
+  const auto show = [&] {
+    std::filesystem::remove(file);
+    std::filesystem::rename(aside, file);
+  };
+  hide();
+  EXPECT_FALSE(items.CfgLoad());
+  EXPECT_EQ(pump.Now, 500U);
+  items.SetHotKeySearch(u"{F9}");
+  EXPECT_FALSE(items.CfgSave(false));
+  EXPECT_TRUE(std::filesystem::is_directory(file));
+  show();
+  EXPECT_TRUE(items.CfgSave(false));  // finds out now what is in the file
+  Settings after(file);
+  EXPECT_TRUE(after.items.CfgLoad());
+  EXPECT_EQ(after.items.HotKeySearch(), u"{F9}");
+  after.items.SetHotKeySearch(u"^f");
+  EXPECT_EQ(ToUtf8(after.items.ToString(false)), stored);
+
+  hide();
+  pump.OnWait = [&] {
+    if (pump.Now == 1200) show();
+  };
+  pump.Now = 1000;
+  EXPECT_TRUE(items.CfgLoad());
+  EXPECT_TRUE(items.Exists(u"sales.xls"));
+  EXPECT_EQ(pump.Now, 1200U);
+}
+
+TEST(Configuration, OfWhichSomethingIsUnreadableIsKeptBesideTheNext) {
+  const TempFolder folder;
+  const auto file = folder.Path() / "rowlark.cfg";
+  const auto pack = [](std::vector<std::u16string> list) {
+    return mclsVTString::ArrayJoin(list, PackedCount::Text);
+  };
+  Settings example;
+  FillExample(example);
+  example.items.SetHotKeySearch(u"{F9}");
+  const auto text = example.items.ToString(false);
+  const auto profiles = mclsVTString::ArraySplit(text, PackedCount::Text)[0];
+  const auto options = mclsVTString::ArraySplit(text, PackedCount::Text)[1];
+  const auto history = mclsVTString::ArraySplit(options, PackedCount::Text)[1];
+  auto longer = text;
+  longer.replace(0, 9, u"000000999");  // reaches to the end of the options
+  const auto nameless = pack({example.items.DefaultItem->ToString(), example.Profile(u"C:\\")->ToString()});
+  const struct {
+    std::u16string text;
+    std::string names, hot_keys, history;
+    bool damaged;
+  } kCases[] = {
+      {text, "Sales.xls", "{F9} +^f", "smith new york ", false},
+      {text + u"\r\n", "Sales.xls", "{F9} +^f", "smith new york ", false},
+      {u"", "", "^f +^f", "", false},
+      {u"123456789 notes", "", "^f +^f", "", true},
+      {u"000000005notes", "", "^f +^f", "", true},
+      {std::u16string(100, u'\0'), "", "^f +^f", "", true},
+      {longer, "Sales.xls", "^f +^f", "", true},
+      {pack({profiles, u""}), "Sales.xls", "^f +^f", "", true},
+      {pack({profiles, u"x" + options}), "Sales.xls", "^f +^f", "", true},
+      {pack({profiles, options.substr(0, options.find(u"000000004{F9}") + 13)}), "Sales.xls", "{F9} ",
+       "smith new york ", false},  // an older version's
+      {pack({profiles, options.substr(0, options.find(u"000000004{F9}") + 14)}), "Sales.xls", "{F9} +^f",
+       "smith new york ", true},
+      {pack({profiles, pack({u"1", history.substr(0, 50), u"{F9}", u"+^f", u"", u"", u""})}), "Sales.xls",
+       "{F9} +^f", "", true},
+      {pack({nameless, options}), "", "{F9} +^f", "smith new york ", true},
+  };
+  for (const auto& [stored, names, hot_keys, texts, damaged] : kCases) {
+    const auto bytes = ToUtf8(stored);
+    folder.Write("rowlark.cfg", bytes);
+    Settings settings(file);
+    ASSERT_TRUE(settings.items.CfgLoad());
+    std::string seen;
+    for (int32_t i = 0; i < settings.items.count(); ++i) seen += ToUtf8(settings.items.Item(i)->Name());
+    EXPECT_EQ(seen, names) << bytes;
+    EXPECT_EQ(ToUtf8(settings.items.HotKeySearch() + u" " + settings.items.HotKeyUnhide()), hot_keys)
+        << bytes;
+    seen.clear();
+    for (int32_t i = 0; i < settings.items.RecentItems->count(); ++i)
+      seen += ToUtf8(settings.items.RecentItems->Item(i)) + ' ';
+    EXPECT_EQ(seen, texts) << bytes;
+    EXPECT_TRUE(settings.items.RecentItems->Use);
+    for (int save = 0; save < 2; ++save) {  // the second one has a whole file before it
+      ASSERT_TRUE(settings.items.CfgSave(false));
+      EXPECT_EQ(std::filesystem::exists(folder.Path() / "rowlark.cfg.damaged"), damaged) << bytes;
+      EXPECT_TRUE(!damaged || Bytes(folder.Path() / "rowlark.cfg.damaged") == bytes) << bytes;
+      Settings again(file);
+      EXPECT_TRUE(again.items.CfgLoad());
+      EXPECT_EQ(again.items.ToString(false), settings.items.ToString(false)) << bytes;
+    }
+    std::filesystem::remove(folder.Path() / "rowlark.cfg.damaged");
+  }
+}
+
+// What one instance has not touched is as the other one left it.
+TEST(Configuration, IsSharedByTwoInstances) {
+  const TempFolder folder;
+  const auto file = folder.Path() / "rowlark.cfg";
+  const auto add = [](Settings& settings, std::u16string_view name, std::u16string_view columns) {
+    settings.items.Add(settings.Profile(name));
+    settings.items.ByName(name)->SearchCols = columns;
+  };
+  const auto file_holds = [&file] {
+    Settings settings(file);
+    EXPECT_TRUE(settings.items.CfgLoad());
+    auto& items = settings.items;
+    auto text = items.DefaultItem->SearchCols + u"|";
+    for (int32_t i = 0; i < items.count(); ++i)
+      text += items.Item(i)->Name() + items.Item(i)->SearchCols + u" ";
+    text += u"|";
+    for (int32_t i = 0; i < items.RecentItems->count(); ++i) text += items.RecentItems->Item(i) + u" ";
+    return ToUtf8(text + u"|" + items.HotKeySearch() + u" " + items.HotKeyUnhide() + u" " +
+                  ToText(items.RecentItems->MaxItemsCount) + u" ") +
+           (settings.shared.Language->IsDefault() ? "" : ToUtf8(settings.shared.Language->LangFile()));
+  };
+  {
+    Settings both(file);  // a file that was never loaded is replaced
+    for (const auto* name : {u"a", u"b", u"c", u"d"}) add(both, name, u"A");
+    for (const auto* text : {u"one", u"two"}) both.items.RecentItems->Add(text);
+    ASSERT_TRUE(both.items.CfgSave(false));
+  }
+  Settings first(file), second(file);
+  ASSERT_TRUE(first.items.CfgLoad() && second.items.CfgLoad());
+  first.items.ByName(u"a")->SearchCols = u"F";
+  first.items.ByName(u"d")->SearchCols = u"F";
+  first.items.Remove(u"b");
+  add(first, u"new1", u"F");
+  first.items.RecentItems->Add(u"three");
+  first.items.SetHotKeySearch(u"{F1}");
+  first.shared.Language->SetLangFile(u"german.lng");
+  ASSERT_TRUE(first.items.CfgSave(false));
+  second.items.Remove(u"c");
+  second.items.ByName(u"d")->SearchCols = u"S";
+  second.items.DefaultItem->SearchCols = u"S";
+  add(second, u"new2", u"S");
+  second.items.RecentItems->Clear();
+  second.items.RecentItems->Add(u"four");
+  second.items.RecentItems->MaxItemsCount = 3;
+  second.items.SetHotKeyUnhide(u"{F2}");
+  ASSERT_TRUE(second.items.CfgSave(false));
+  const std::string merged = "S|aF dS new2S new1F |three four |{F1} {F2} 3 german.lng";
+  EXPECT_EQ(file_holds(), merged);
+  ASSERT_TRUE(first.items.CfgSave(false) && second.items.CfgSave(false));  // nothing has changed since
+  EXPECT_EQ(file_holds(), merged);
+  first.items.RecentItems->Add(u"five");
+  first.items.RecentItems->Add(u"six");
+  first.shared.Language->SetLangFile(u"");
+  ASSERT_TRUE(first.items.CfgSave(false));
+  EXPECT_EQ(file_holds(), "S|aF dS new1F new2S |four five six |{F1} {F2} 3 ");
+
+  // What a damaged file lacks has not been removed by anybody.
+  folder.Write("rowlark.cfg", Bytes(file).substr(0, 250));
+  ASSERT_TRUE(first.items.CfgSave(false));
+  EXPECT_EQ(file_holds(), "S|aF cA dF new1F |one two three five six |{F1} +^f 10 ");
+}
+
+TEST(Configuration, OutlivesTheProgramBehindIt) {
+  const TempFolder folder;
+  std::shared_ptr<clsVTRLKItems> items;
+  std::shared_ptr<clsVTRLKLang> language;
+  for (const bool gone : {false, true}) {
+    auto settings = std::make_unique<Settings>();
+    settings->shared.ExcelApp = MakeRef<standalone::Application>();
+    settings->shared.Language->SetLangFile(u"german.lng");
+    items = std::make_shared<clsVTRLKItems>(settings->shared);
+    items->Add(settings->Profile(u"C:\\Sales.xls"));
+    items->CfgFileName = ToUtf16((folder.Path() / "rowlark.cfg").string());
+    language = settings->shared.Language;
+    const auto before = items->ToString(false);
+    settings->shared.Release();  // the last runtime object
+    if (gone) {
+      settings->shared.Acquire();
+      settings.reset();
+    }
+    EXPECT_EQ(items->ToString(false), before);
+    EXPECT_EQ(items->CfgSave(false), !gone);
+    EXPECT_EQ(items->CfgLoad(), !gone);
+    EXPECT_TRUE(items->ToObject(before));
+    items->ByName(u"Sales.xls")->SetStartRow(3);
+    EXPECT_EQ(items->Item(0)->Clone(u"x")->Name(), u"x");
+    items->RecentItems->IsTemporary = true;
+    items->RecentItems->ToObject(items->RecentItems->ToString());
+    language->SetLangFile(u"polish.lng");
+    language->LoadLangFile();
+    EXPECT_EQ(language->GetText(u"Key", u"&Text") + language->HelpFile(), u"&Text");
+    if (!gone) settings->shared.Acquire();
+  }
+}
+
 TEST(Configuration, TakesTheLanguageOfTheSetUpWhereItNamesNone) {
   for (const auto* setup : {u"", u"german"}) {
     Settings settings;
@@ -113,7 +340,19 @@ TEST(Configuration, TakesTheLanguageOfTheSetUpWhereItNamesNone) {
     FillExample(settings);
     settings.items.ToObject(settings.items.ToString(true));
     EXPECT_EQ(settings.shared.Language->LangFile(), *setup != u'\0' ? u"german.lng" : u"english.lng");
+    // It stays the default until another one is chosen, also where an older version has stored no name.
+    const auto stored = settings.items.ToString(false);
+    EXPECT_EQ(stored.find(u".lng"), stored.npos);
+    settings.items.ToObject(mclsVTString::ArrayJoin(
+        std::vector<std::u16string>{
+            u"", mclsVTString::ArrayJoin(std::vector<std::u16string>{u"1", u"", u"", u"", u".lng"},
+                                         PackedCount::Text)},
+        PackedCount::Text));
+    EXPECT_TRUE(settings.shared.Language->IsDefault());
+    settings.shared.Language->SetLangFile(settings.shared.Language->LangFile());
+    EXPECT_NE(settings.items.ToString(false).find(u".lng"), stored.npos);
   }
+  EXPECT_EQ(Settings().items.ToString(false).find(u".lng"), std::u16string::npos);
 }
 
 // No truncation and no changed byte of a real file crashes, hangs or takes more than what stands behind it.
@@ -130,7 +369,7 @@ TEST(Configuration, KeepsWhatDamageLeaves) {
   }
   Settings damaged;
   for (std::size_t at = 0; at < text.size(); ++at) {
-    for (char16_t c = 0; c < 256; ++c) {
+    for (const char16_t c : u"0123456789x\xFF") {
       auto changed = text;
       changed[at] = c;
       clsVTRLKItems items(damaged.shared);
@@ -161,6 +400,12 @@ TEST(History, KeepsNewTextsAndDropsTheOldest) {
   history.ToObject(stored);
   EXPECT_TRUE(history.Use);
   EXPECT_EQ(history.count(), 2);
+  EXPECT_EQ(history.MaxItemsCount, 1);
+  for (const auto* unreadable : {u"", u"x", u"000000001x"}) {
+    history.MaxItemsCount = 1;
+    history.ToObject(unreadable);
+    EXPECT_EQ(history.MaxItemsCount, 10);
+  }
 }
 
 TEST(History, ThatIsTemporaryIsEmptiedByTheFirstLoadOfARun) {

@@ -35,6 +35,7 @@ class Profile : public ::testing::Test {
 TEST_F(Profile, NamesItsWorkbook) {
   EXPECT_EQ(Named(u"Book1")->Name(), u"Book1");
   EXPECT_EQ(Named(u"C:\\Data\\Sales.xls")->Name(), u"Sales.xls");
+  EXPECT_EQ(Named(u"https://host/Docs/Sales.xls")->Name(), u"Sales.xls");
   EXPECT_EQ(Named(u"C:\\Data\\")->Name(), u"");
 }
 
