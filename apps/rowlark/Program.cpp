@@ -64,13 +64,9 @@ Program::Program(const ProgramArguments& arguments, host::MessagePump& pump, hos
 
 void Program::ChooseLanguage(const std::string& name) {
   auto& language = runtime_.Language();
-  if (name == "default") {
-    reset_language_ = true;
-    language.SetLangFile(u"");
-    return;
-  }
+  if (name == "default") return language.SetLangFile(u"");
   const auto file = ToUtf16(name) + u".lng";
-  if (name.find_first_of("/\\") != std::string::npos || !files_.IsFileExists(language.Path() + file)) {
+  if (name.find_first_of("/\\") != std::string::npos || language.FileOf(file).empty()) {
     mclsVTDictionary found;
     files_.DirScanFiles(language.Path(), found, false);
     std::string names;
@@ -98,9 +94,9 @@ std::shared_ptr<clsVTRLKItem> Program::CloneDefault(const std::filesystem::path&
 }
 
 bool Program::Save() {
-  const auto text = Items().ToString(reset_language_);
+  const auto text = Items().ToString(false);
   if (text == saved_) return true;
-  if (Items().CfgSave(reset_language_)) {
+  if (Items().CfgSave(false)) {
     saved_ = text;
     return true;
   }

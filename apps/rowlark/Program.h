@@ -69,8 +69,7 @@ class Program {
   SharedState shared_;
   FormSet forms_;
   clsVTRLKRuntime runtime_;
-  bool reset_language_ = false;  // the language is to be that of the set-up again
-  std::u16string saved_;         // the configuration as it lies in its file
+  std::u16string saved_;  // the settings as they were loaded or saved last
 };
 
 }  // namespace rowlark

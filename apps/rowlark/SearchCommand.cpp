@@ -211,7 +211,7 @@ int RunSearch(const SearchArguments& arguments, Program& program, Output& output
     found = runtime.Search(ToUtf16(arguments.text), reason);
     time = std::chrono::steady_clock::now() - start;
   }
-  program.Items().RecentItems->Add(ToUtf16(arguments.text));
+  if (found) program.Items().RecentItems->Add(ToUtf16(arguments.text));
   program.Save();
 
   const std::string error = ToUtf8(reason);

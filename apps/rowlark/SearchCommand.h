@@ -37,9 +37,10 @@ struct SearchArguments {
 };
 
 // Searches with the profile of the file's name or the default profile, unless arguments say otherwise, and
-// adds the text to the history. Returns the exit status: 0 when a row was found, 1 when none was, 2 after an
-// error of the host. The reason for 1 and 2 goes to standard error. Throws std::runtime_error for arguments
-// that do not fit the table, for a file that can not be read and for output that can not be written.
+// adds a text that was found to the history. Returns the exit status: 0 when a row was found, 1 when none
+// was, 2 after an error of the host. The reason for 1 and 2 goes to standard error. Throws std::runtime_error
+// for arguments that do not fit the table, for a file that can not be read and for output that can not be
+// written.
 int RunSearch(const SearchArguments& arguments, Program& program, Output& output);
 
 }  // namespace rowlark

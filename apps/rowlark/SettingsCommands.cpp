@@ -1,9 +1,11 @@
 #include "SettingsCommands.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 
 #include "host/Error.h"
+#include "host/standalone/Address.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
@@ -13,7 +15,7 @@ namespace {
 constexpr const char* kDefault = "default";
 
 std::u16string FileName(const std::string& workbook) {
-  return ToUtf16(std::filesystem::path(workbook).filename().string());
+  return std::u16string(clsVTRLKItem::NameOf(ToUtf16(workbook)));
 }
 
 // The profile of a workbook, or null; `kDefault` names the default profile.
@@ -73,16 +75,18 @@ std::string PlainAddress(const host::Range& range) {
   return address;
 }
 
+// A cell on the sheet: what lies beyond its edges is at them.
+Ref<host::Range> Cell(int32_t row, int32_t column, Program& program) {
+  return program.Host()->ActiveSheet()->Cells(std::min(row, standalone::kMaxRow),
+                                              std::min(column, standalone::kMaxColumn));
+}
+
 // The profile's own address was formed when it was loaded, and there was no sheet then.
 std::string Range(const clsVTRLKItem& item, Program& program) {
   if (item.StartRow() < 1) return "auto";
-  try {
-    const auto sheet = program.Host()->ActiveSheet();
-    return PlainAddress(*sheet->Range(*sheet->Cells(item.StartRow(), item.StartCol()),
-                                      *sheet->Cells(item.EndRow(), item.EndCol())));
-  } catch (const host::Error&) {
-    return "partly auto";
-  }
+  if (item.StartCol() < 1 || item.EndRow() < 1 || item.EndCol() < 1) return "partly auto";
+  return PlainAddress(*program.Host()->ActiveSheet()->Range(*Cell(item.StartRow(), item.StartCol(), program),
+                                                            *Cell(item.EndRow(), item.EndCol(), program)));
 }
 
 std::string Columns(const clsVTRLKItem& item) {
@@ -91,7 +95,7 @@ std::string Columns(const clsVTRLKItem& item) {
 
 std::string Jump(const clsVTRLKItem& item, Program& program) {
   if (item.SelectCol < 1) return "auto";
-  const auto address = PlainAddress(*program.Host()->ActiveSheet()->Cells(1, item.SelectCol));
+  const auto address = PlainAddress(*Cell(1, item.SelectCol, program));
   return address.substr(0, address.size() - 1);
 }
 

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -141,18 +142,25 @@ TEST_F(CommandLine, RefusesInOneLineAndHelps) {
 
 TEST_F(CommandLine, RemembersSettingsAndHistory) {
   EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\n");
+  EXPECT_EQ(Run("search orders.csv xyz").status, 1);
+  EXPECT_EQ(Run("history list").output, "");
+  EXPECT_FALSE(std::filesystem::exists(folder_.Path() / "config"));  // nothing to keep so far
   EXPECT_EQ(Run("profiles set orders.csv --range A2:C500 --columns b --jump C --dont-save yes").status, 0);
   EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\norders.csv\tA2:C500\tB\tC\n");
   EXPECT_EQ(Run("search orders.csv 5").status, 1);  // not in column B
   EXPECT_EQ(Run("search orders.csv praha --go-to").output, "C6\n");
   EXPECT_EQ(Run("search orders.csv 5 --columns A --go-to --jump A").output, "A6\n");  // for once
-  EXPECT_EQ(Run("history list").output, "praha\n5\n");
-  EXPECT_EQ(Run("search orders.csv xyz --language german").error, "rowlark: Text nicht gefunden\n");
+  EXPECT_EQ(Run("history list").output, "5\npraha\n");
+  EXPECT_EQ(Run("profiles set 'C:\\Data\\ORDERS.csv' --columns all").status, 0);  // changes the one there is
+  EXPECT_EQ(Run("profiles set ../orders.csv --jump b").status, 0);
+  EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\norders.csv\tA2:C500\tall\tB\n");
+  EXPECT_EQ(Run("search orders.csv xyz --language German").error, "rowlark: Text nicht gefunden\n");
   EXPECT_EQ(Run("search orders.csv xyz").error, "rowlark: Text nicht gefunden\n");
   EXPECT_EQ(Run("history clear --language default").status, 0);
   EXPECT_EQ(Run("search orders.csv xyz --config other.cfg").error, "rowlark: Text not found\n");
+  EXPECT_EQ(Run("search orders.csv praha --go-to --config other.cfg").output, "A6\n");
   EXPECT_EQ(Run("history list").output, "");
-  EXPECT_EQ(Run("history list --config other.cfg").output, "xyz\n");
+  EXPECT_EQ(Run("history list --config other.cfg").output, "praha\n");
   EXPECT_EQ(Run("profiles remove ORDERS.csv").status, 0);
   EXPECT_EQ(Run("profiles remove orders.csv").status, 1);
   for (const auto* wrong :
@@ -162,6 +170,30 @@ TEST_F(CommandLine, RemembersSettingsAndHistory) {
     EXPECT_EQ(Run(wrong).status, 2) << wrong;
   }
   EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\n");
+}
+
+TEST_F(CommandLine, BearsWhateverTheConfigurationHolds) {
+  const auto pack = [](const std::vector<std::string>& list) {
+    std::string text;
+    for (const auto& one : list) {
+      const auto size = std::to_string(one.size());
+      text += std::string(9 - size.size(), '0') + size + one;
+    }
+    return text;
+  };
+  const auto profile = [&](const char* name, const char* end_row, const char* column) {
+    return pack({name, name, "2", "2", "20000", end_row, "A", column, "1", ""});
+  };
+  folder_.Write("odd.cfg", pack({pack({profile("", "9999999", "99999"), profile("x.csv", "0", "-3")}), ""}));
+  EXPECT_EQ(Run("profiles list --config odd.cfg").output,
+            "default\tB2:XFD1048576\tA\tXFD\nx.csv\tpartly auto\tA\tauto\n");
+  EXPECT_EQ(Run("profiles set x.csv --jump B --config odd.cfg").status, 0);
+  EXPECT_TRUE(std::filesystem::exists(folder_.Path() / "odd.cfg.damaged"));  // the options were missing
+
+  std::filesystem::create_directory(folder_.Path() / "unreadable.cfg");
+  const auto outcome = Run("profiles set x.csv --jump B --config unreadable.cfg");
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_NE(outcome.error.find("unreadable.cfg"), std::string::npos) << outcome.error;
 }
 
 }  // namespace
