@@ -2,9 +2,11 @@
 // object model over late-bound IDispatch, for scripts and for tests of whatever drives Excel.
 //
 // Strict as Excel is: an unknown member or argument name, a wrong number or type of arguments, a property
-// that can not be set all fail with the code that Excel gives. What the model refuses (host::Error) arrives
-// as DISP_E_EXCEPTION with the description, the source "Microsoft Excel" and 0x800A0000 + the error number;
-// a negative number is an HRESULT and is returned as such.
+// that can not be set all fail with the code that Excel gives. Calls come with the locale 0x0409, as Visual
+// Basic makes them. Scripts may pass none (0) or the user's by its number; everything else is refused with
+// 0x80028018, as by an Excel that speaks another language than the system. What the model refuses
+// (host::Error) arrives as DISP_E_EXCEPTION with the description, the source "Microsoft Excel" and 0x800A0000
+// + the error number; a negative number is an HRESULT and is returned as such.
 //
 // Beside Excel's own members Application has switches for tests; they are neither counted nor refused:
 //   CountCalls             Boolean; setting it to True starts counting from zero

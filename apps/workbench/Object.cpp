@@ -34,6 +34,12 @@ BSTR Copy(std::u16string_view text) noexcept {
   return SysAllocStringLen(automation::Wide(text.data()), static_cast<UINT>(text.size()));
 }
 
+// As a host that speaks another language than the system: it takes Visual Basic's locale, and those with
+// which scripts ask, the user's by its number and none at all, but no placeholder for the user's.
+bool Speaks(LCID locale) {
+  return locale == automation::kLocale || locale == LOCALE_NEUTRAL || locale == GetUserDefaultLCID();
+}
+
 HRESULT Report(const host::Error& error, EXCEPINFO* exception) noexcept {
   if (error.Number() < 0) return error.Number();
   if (exception != nullptr) {
@@ -91,8 +97,9 @@ HRESULT Object::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
   return DISP_E_BADINDEX;
 }
 
-HRESULT Object::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID, DISPID* ids) noexcept {
+HRESULT Object::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) noexcept {
   if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+  if (!Speaks(locale)) return TYPE_E_INVDATAREAD;
   if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
   session_->CountNames();
   std::fill_n(ids, count, DISPID_UNKNOWN);
@@ -132,9 +139,10 @@ const Member* Object::Find(DISPID id) const {
              : nullptr;
 }
 
-HRESULT Object::Invoke(DISPID id, REFIID iid, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
-                       EXCEPINFO* exception, UINT* bad_argument) noexcept {
+HRESULT Object::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters,
+                       VARIANT* result, EXCEPINFO* exception, UINT* bad_argument) noexcept {
   if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+  if (!Speaks(locale)) return TYPE_E_INVDATAREAD;
   if (parameters == nullptr) return E_INVALIDARG;
   if (result != nullptr) VariantInit(result);
   if (exception != nullptr) *exception = {};
@@ -226,7 +234,8 @@ void Object::RunEnumerator(Call& call) {
   VARIANT enumerator;
   VariantInit(&enumerator);
   enumerator.vt = VT_UNKNOWN;
-  enumerator.punkVal = new automation::Enumerator<IEnumVARIANT, VariantTraits>(std::move(elements));
+  enumerator.punkVal =
+      new automation::Enumerator<IEnumVARIANT, VariantTraits>(std::move(elements), ComPtr<IUnknown>(this));
   enumerator.punkVal->AddRef();
   static_cast<VARIANT&>(call.Result()) = enumerator;
 }

@@ -7,6 +7,7 @@
 
 #include <ocidl.h>
 
+#include "automation/ComPtr.h"
 #include "automation/Counted.h"
 
 namespace rowlark::automation {
@@ -18,7 +19,9 @@ class Enumerator final : public Counted<Interface> {
   using Held = typename Traits::Held;
   using Element = typename Traits::Element;
 
-  explicit Enumerator(std::vector<Held> elements) : elements_(std::move(elements)) {}
+  // `owner` is what the elements are of; it lives, and with it the library, while they are enumerated.
+  Enumerator(std::vector<Held> elements, ComPtr<IUnknown> owner)
+      : owner_(std::move(owner)), elements_(std::move(elements)) {}
 
   STDMETHODIMP Next(ULONG count, Element* elements, ULONG* fetched) noexcept override {
     if (elements == nullptr || (fetched == nullptr && count != 1)) return E_POINTER;
@@ -41,7 +44,7 @@ class Enumerator final : public Counted<Interface> {
     if (copy == nullptr) return E_POINTER;
     *copy = nullptr;
     try {
-      auto* made = new Enumerator(elements_);
+      auto* made = new Enumerator(elements_, owner_);
       made->next_ = next_;
       made->AddRef();
       *copy = made;
@@ -52,6 +55,7 @@ class Enumerator final : public Counted<Interface> {
   }
 
  private:
+  const ComPtr<IUnknown> owner_;
   std::vector<Held> elements_;
   std::size_t next_ = 0;
 };

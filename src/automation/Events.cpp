@@ -1,8 +1,12 @@
 #include "automation/Events.h"
 
+#include <utility>
+#include <vector>
+
 #include <olectl.h>
 
 #include "automation/Enumerator.h"
+#include "automation/Variant.h"
 
 namespace rowlark::automation {
 namespace {
@@ -23,8 +27,8 @@ struct ConnectionTraits {
 };
 
 template <class Interface, class Traits>
-HRESULT Hand(std::vector<typename Traits::Held> elements, Interface** result) {
-  auto* made = new Enumerator<Interface, Traits>(std::move(elements));
+HRESULT Hand(std::vector<typename Traits::Held> elements, IUnknown& owner, Interface** result) {
+  auto* made = new Enumerator<Interface, Traits>(std::move(elements), ComPtr<IUnknown>(&owner));
   made->AddRef();
   *result = made;
   return S_OK;
@@ -33,37 +37,26 @@ HRESULT Hand(std::vector<typename Traits::Held> elements, Interface** result) {
 }  // namespace
 
 void EventSource::Fire(DISPID event, VARIANT* arguments, UINT count) noexcept {
+  const ComPtr<IUnknown> keep(&owner_);  // a sink may let go of it
   try {
     const auto sinks = sinks_;
     for (const auto& [cookie, sink] : sinks) {
+      if (!sinks_.contains(cookie)) continue;
       DISPPARAMS parameters{arguments, nullptr, count, 0};
       VARIANT result;
       VariantInit(&result);
-      sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, &result, nullptr,
-                   nullptr);
+      sink->Invoke(event, IID_NULL, kLocale, DISPATCH_METHOD, &parameters, &result, nullptr, nullptr);
       VariantClear(&result);
     }
   } catch (...) {  // NOLINT(bugprone-empty-catch): out of memory, and nobody to tell
   }
 }
 
-HRESULT EventSource::QueryInterface(REFIID iid, void** object) noexcept {
-  if (object == nullptr) return E_POINTER;
-  *object = nullptr;
-  if (iid == IID_IConnectionPoint) {
-    *object = static_cast<IConnectionPoint*>(this);
-    AddRef();
-    return S_OK;
-  }
-  // The point is an object of its own; only the container is the owner.
-  return owner_.QueryInterface(iid, object);
-}
-
 HRESULT EventSource::EnumConnectionPoints(IEnumConnectionPoints** points) noexcept {
   if (points == nullptr) return E_POINTER;
   *points = nullptr;
   try {
-    return Hand<IEnumConnectionPoints, PointTraits>({ComPtr<IConnectionPoint>(this)}, points);
+    return Hand<IEnumConnectionPoints, PointTraits>({ComPtr<IConnectionPoint>(&point_)}, owner_, points);
   } catch (...) {
     return E_OUTOFMEMORY;
   }
@@ -73,54 +66,63 @@ HRESULT EventSource::FindConnectionPoint(REFIID iid, IConnectionPoint** point) n
   if (point == nullptr) return E_POINTER;
   *point = nullptr;
   if (iid != event_interface_ && iid != IID_IDispatch) return CONNECT_E_NOCONNECTION;
-  *point = this;
-  AddRef();
+  *point = ComPtr<IConnectionPoint>(&point_).Detach();
   return S_OK;
 }
 
-HRESULT EventSource::GetConnectionInterface(IID* iid) noexcept {
+HRESULT EventSource::Point::QueryInterface(REFIID iid, void** object) noexcept {
+  if (object == nullptr) return E_POINTER;
+  *object = nullptr;
+  if (iid != IID_IUnknown && iid != IID_IConnectionPoint) return E_NOINTERFACE;
+  *object = ComPtr<IConnectionPoint>(this).Detach();
+  return S_OK;
+}
+
+HRESULT EventSource::Point::GetConnectionInterface(IID* iid) noexcept {
   if (iid == nullptr) return E_POINTER;
-  *iid = event_interface_;
+  *iid = source_.event_interface_;
   return S_OK;
 }
 
-HRESULT EventSource::GetConnectionPointContainer(IConnectionPointContainer** container) noexcept {
+HRESULT EventSource::Point::GetConnectionPointContainer(IConnectionPointContainer** container) noexcept {
   if (container == nullptr) return E_POINTER;
-  *container = this;
-  AddRef();
+  *container = ComPtr<IConnectionPointContainer>(&source_).Detach();
   return S_OK;
 }
 
-HRESULT EventSource::Advise(IUnknown* sink, DWORD* cookie) noexcept {
+HRESULT EventSource::Point::Advise(IUnknown* sink, DWORD* cookie) noexcept {
   if (sink == nullptr || cookie == nullptr) return E_POINTER;
   *cookie = 0;
   ComPtr<IDispatch> dispatch;
-  if (FAILED(sink->QueryInterface(event_interface_, reinterpret_cast<void**>(dispatch.Put()))) &&
-      FAILED(sink->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.Put())))) {
+  const auto answers = [&](const IID& iid) {
+    return SUCCEEDED(sink->QueryInterface(iid, reinterpret_cast<void**>(dispatch.Put())));
+  };
+  if (!answers(source_.event_interface_) && (source_.accepted_ == Sinks::Named || !answers(IID_IDispatch))) {
     return CONNECT_E_CANNOTCONNECT;
   }
   try {
-    sinks_.emplace(last_cookie_ + 1, dispatch);
-    *cookie = ++last_cookie_;
+    source_.sinks_.emplace(source_.last_cookie_ + 1, dispatch);
+    *cookie = ++source_.last_cookie_;
     return S_OK;
   } catch (...) {
     return E_OUTOFMEMORY;
   }
 }
 
-HRESULT EventSource::Unadvise(DWORD cookie) noexcept {
-  const auto found = sinks_.find(cookie);
-  if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
+HRESULT EventSource::Point::Unadvise(DWORD cookie) noexcept {
+  const auto found = source_.sinks_.find(cookie);
+  if (found == source_.sinks_.end()) return CONNECT_E_NOCONNECTION;
   const auto last_use = found->second;  // it may end this object
-  sinks_.erase(found);
+  source_.sinks_.erase(found);
   return S_OK;
 }
 
-HRESULT EventSource::EnumConnections(IEnumConnections** connections) noexcept {
+HRESULT EventSource::Point::EnumConnections(IEnumConnections** connections) noexcept {
   if (connections == nullptr) return E_POINTER;
   *connections = nullptr;
   try {
-    return Hand<IEnumConnections, ConnectionTraits>({sinks_.begin(), sinks_.end()}, connections);
+    return Hand<IEnumConnections, ConnectionTraits>({source_.sinks_.begin(), source_.sinks_.end()},
+                                                    source_.owner_, connections);
   } catch (...) {
     return E_OUTOFMEMORY;
   }

@@ -14,6 +14,10 @@
 
 namespace rowlark::automation {
 
+// The locale of every call, English (United States), as Visual Basic passes it: Excel takes that one in each
+// of its languages, and refuses the user's where Excel and Windows speak different ones.
+inline constexpr LCID kLocale = 0x0409;
+
 // wchar_t is a UTF-16 unit here.
 inline const wchar_t* Wide(const char16_t* text) { return reinterpret_cast<const wchar_t*>(text); }
 inline const char16_t* Narrow(const wchar_t* text) { return reinterpret_cast<const char16_t*>(text); }

@@ -107,7 +107,8 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
     if (guid == nullptr) return E_POINTER;
     *guid = GUID_NULL;
     if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID || !events_) return E_INVALIDARG;
-    return events_->GetConnectionInterface(guid);
+    *guid = events_->EventInterface();
+    return S_OK;
   }
 
   const CLSID& ClassId() const noexcept override { return __uuidof(Class); }

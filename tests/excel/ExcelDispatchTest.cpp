@@ -226,6 +226,31 @@ TEST(ExcelCalls, LookNamesUpOnceAlsoWithScriptEngines) {
   EXPECT_TRUE(busy.application->ActiveCell());
 }
 
+TEST(ExcelCalls, AreMadeInTheLocaleOfVisualBasicButForWhatTheUserTyped) {
+  std::vector<LCID> locales;
+  HRESULT with_the_users = S_OK;
+  Fake fake;
+  fake.cell->Method("Value", [&](FakeObject::Call& call) {
+    if ((call.flags & DISPATCH_PROPERTYPUT) == 0) return S_OK;
+    locales.push_back(fake.cell->Locale);
+    return fake.cell->Locale == LOCALE_USER_DEFAULT ? with_the_users : S_OK;
+  });
+  const auto cell = fake.application->ActiveCell();
+  EXPECT_EQ(fake.object->Locale, LCID{0x0409});
+  cell->Value();
+  EXPECT_EQ(fake.cell->Locale, LCID{0x0409});
+  const auto typed = [&](HRESULT answer) {
+    with_the_users = answer;
+    locales.clear();
+    const auto failed = ErrorOf([&] { cell->SetValue(u"1,5"); });
+    return std::pair(failed.number, locales);
+  };
+  using Typed = std::pair<int32_t, std::vector<LCID>>;
+  EXPECT_EQ(typed(S_OK), (Typed{0, {LOCALE_USER_DEFAULT}}));
+  EXPECT_EQ(typed(TYPE_E_INVDATAREAD), (Typed{0, {LOCALE_USER_DEFAULT, 0x0409}}));
+  EXPECT_EQ(typed(RPC_E_CALL_REJECTED), (Typed{RPC_E_CALL_REJECTED, {LOCALE_USER_DEFAULT}}));
+}
+
 TEST(ExcelApplication, ExtendsTheSignOfWindowHandles) {
   Fake fake;
   fake.object->Value("Hwnd", static_cast<int32_t>(0x80010203u));

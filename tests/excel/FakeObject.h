@@ -39,15 +39,18 @@ class FakeObject final : public automation::Counted<IDispatchEx> {
 
   HRESULT NamesFail = S_OK;  // GetIDsOfNames fails with
   int LookUps = 0;           // calls of GetIDsOfNames and GetDispID
+  LCID Locale = 0;           // of the last call
 
   STDMETHODIMP GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) noexcept override {
+  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID locale, DISPID* ids) noexcept override {
     ++LookUps;
+    Locale = locale;
     return FAILED(NamesFail) ? NamesFail : IdOf(names[0], *ids);
   }
-  STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+  STDMETHODIMP Invoke(DISPID id, REFIID, LCID locale, WORD flags, DISPPARAMS* parameters, VARIANT* result,
                       EXCEPINFO* exception, UINT*) noexcept override {
+    Locale = locale;
     automation::Variant ignored;
     Call call{flags,
               {parameters->rgvarg, parameters->rgvarg + parameters->cArgs},

@@ -2,6 +2,7 @@
 #include "AutomationHost.h"
 
 #include <gtest/gtest.h>
+#include <olectl.h>
 
 #include <functional>
 #include <optional>
@@ -32,12 +33,13 @@ struct Result {
 // The arguments in their order, the last `named` of them by name; of a property that is set the value is the
 // last argument.
 Result Invoke(IDispatch* object, std::u16string name, WORD flags, Arguments arguments = {},
-              std::vector<std::u16string> named = {}) {
+              std::vector<std::u16string> named = {}, LCID locale = automation::kLocale) {
   Result result;
   std::vector<LPOLESTR> names{reinterpret_cast<LPOLESTR>(name.data())};
   for (auto& argument : named) names.push_back(reinterpret_cast<LPOLESTR>(argument.data()));
   std::vector<DISPID> ids(names.size());
-  result.code = object->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()), 0, ids.data());
+  result.code =
+      object->GetIDsOfNames(IID_NULL, names.data(), static_cast<UINT>(names.size()), locale, ids.data());
   if (FAILED(result.code)) return result;
 
   const DISPID member = ids.front();
@@ -48,7 +50,7 @@ Result Invoke(IDispatch* object, std::u16string name, WORD flags, Arguments argu
                         static_cast<UINT>(named_ids.size())};
   EXCEPINFO exception{};
   result.code =
-      object->Invoke(member, IID_NULL, 0, flags, &parameters, result.value.Put(), &exception, nullptr);
+      object->Invoke(member, IID_NULL, locale, flags, &parameters, result.value.Put(), &exception, nullptr);
   result.number = exception.scode;
   result.description = automation::View(exception.bstrDescription);
   if (result.code == DISP_E_EXCEPTION) {
@@ -73,9 +75,9 @@ void Put(const Variant& object, const std::u16string& name, Arguments arguments)
 
 std::string Text(const Variant& value) {
   Variant text;
-  EXPECT_EQ(
-      VariantChangeTypeEx(&text, const_cast<Variant*>(&value), LOCALE_INVARIANT, VARIANT_ALPHABOOL, VT_BSTR),
-      S_OK);
+  EXPECT_EQ(VariantChangeTypeEx(&text, const_cast<Variant*>(&value), automation::kLocale, VARIANT_ALPHABOOL,
+                                VT_BSTR),
+            S_OK);
   return text.vt == VT_BSTR ? ToUtf8(automation::View(text.bstrVal)) : "";
 }
 
@@ -156,6 +158,13 @@ TEST_F(AutomationHost, FailsAsExcelDoes) {
     EXPECT_EQ(result.number, c.number) << ToUtf8(c.member) << " of case " << &c - cases;
     EXPECT_EQ(result.description.empty(), c.number == 0);
     EXPECT_EQ(result.value.vt, VT_EMPTY);
+  }
+
+  for (const LCID locale : {LCID{LOCALE_USER_DEFAULT}, LCID{LOCALE_SYSTEM_DEFAULT}, LCID{0x0415}}) {
+    EXPECT_EQ(Invoke(range.pdispVal, u"Row", kGet, {}, {}, locale).code, TYPE_E_INVDATAREAD);
+    DISPPARAMS none{};
+    EXPECT_EQ(range.pdispVal->Invoke(1, IID_NULL, locale, kGet, &none, nullptr, nullptr, nullptr),
+              TYPE_E_INVDATAREAD);
   }
 
   Get(Get(app, u"ActiveWorkbook"), u"Close");
@@ -260,6 +269,15 @@ TEST_F(AutomationHost, EnumeratesCollections) {
   Variant element;
   while (elements->Next(1, element.Put(), nullptr) == S_OK) text += Text(Get(element, u"Address")) + " ";
   EXPECT_EQ(text, "$A$1:$B$2 $D$1 $C$7 ");
+  const auto next = [&] {
+    return elements->Next(1, element.Put(), nullptr) == S_OK ? Text(Get(element, u"Address")) : "none";
+  };
+  for (const auto& [skipped, result, found] :
+       {std::tuple(2, S_OK, "$C$7"), std::tuple(3, S_OK, "none"), std::tuple(4, S_FALSE, "none")}) {
+    elements->Reset();
+    EXPECT_EQ(elements->Skip(static_cast<ULONG>(skipped)), result);
+    EXPECT_EQ(next(), found);
+  }
 }
 
 // Notes "sheet!address" of each selection.
@@ -267,9 +285,10 @@ class Listener final : public IDispatch {
  public:
   explicit Listener(IDispatch* sheet) : sheet_(sheet) {}
   std::string heard;
+  IID named = IID_IDispatch;  // the other interface that it answers to
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-    *object = iid == IID_IUnknown || iid == IID_IDispatch ? this : nullptr;
+    *object = iid == IID_IUnknown || iid == IID_IDispatch || iid == named ? this : nullptr;
     return *object != nullptr ? S_OK : E_NOINTERFACE;
   }
   STDMETHODIMP_(ULONG) AddRef() noexcept override { return 1; }
@@ -300,6 +319,8 @@ TEST_F(AutomationHost, TellsOfSelections) {
   ComPtr<IConnectionPoint> point;
   ASSERT_EQ(container->FindConnectionPoint(kWorkbookEvents, point.Put()), S_OK);
   DWORD cookie = 0;
+  EXPECT_EQ(point->Advise(&listener, &cookie), CONNECT_E_CANNOTCONNECT) << "as Excel, by its name alone";
+  listener.named = kWorkbookEvents;
   ASSERT_EQ(point->Advise(&listener, &cookie), S_OK);
 
   Get(Range(u"B2:C3"), u"Select");

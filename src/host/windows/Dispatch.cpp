@@ -13,6 +13,7 @@ namespace {
 
 using automation::Bstr;
 using automation::ComPtr;
+using automation::kLocale;
 using automation::Variant;
 
 // What Excel answers in-process while a cell is being edited.
@@ -25,7 +26,7 @@ constexpr int32_t kNoSuchMember = 438;
 std::optional<DISPID> IdOfName(IDispatch& object, const wchar_t* name) {
   DISPID id = DISPID_UNKNOWN;
   auto* text = const_cast<wchar_t*>(name);
-  HRESULT result = object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
+  HRESULT result = object.GetIDsOfNames(IID_NULL, &text, 1, kLocale, &id);
   if (result == E_NOTIMPL) {  // objects of script engines
     const auto extended = ComPtr<IDispatchEx>::From(&object);
     if (extended) {
@@ -106,10 +107,9 @@ void ThrowError(HRESULT result, EXCEPINFO* exception) {
 
 void ThrowNothing() { throw host::Error(91, u"Object variable or With block variable not set"); }
 
-Variant Converted(const VARIANT& value, VARTYPE type) {
+Variant Converted(const VARIANT& value, VARTYPE type, LCID locale) {
   Variant converted;
-  const HRESULT result =
-      VariantChangeTypeEx(&converted, const_cast<VARIANT*>(&value), LOCALE_USER_DEFAULT, 0, type);
+  const HRESULT result = VariantChangeTypeEx(&converted, const_cast<VARIANT*>(&value), locale, 0, type);
   if (FAILED(result)) ThrowError(result);
   return converted;
 }
@@ -121,18 +121,18 @@ void Dispatch::InvokeWith(Member& member, VARIANT* arguments, std::size_t count,
   EXCEPINFO exception{};
   const auto flags =
       static_cast<WORD>(result == nullptr ? DISPATCH_METHOD : DISPATCH_METHOD | DISPATCH_PROPERTYGET);
-  const HRESULT outcome = object.Invoke(member.Id(object), IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
-                                        result, &exception, nullptr);
+  const HRESULT outcome =
+      object.Invoke(member.Id(object), IID_NULL, kLocale, flags, &parameters, result, &exception, nullptr);
   if (FAILED(outcome)) ThrowError(outcome, &exception);
 }
 
-void Dispatch::Put(Member& member, const Variant& value) const {
+void Dispatch::Put(Member& member, const Variant& value, LCID locale) const {
   IDispatch& object = *object_.get();
   DISPID named = DISPID_PROPERTYPUT;
   DISPPARAMS parameters{const_cast<Variant*>(&value), &named, 1, 1};
   EXCEPINFO exception{};
-  const HRESULT outcome = object.Invoke(member.Id(object), IID_NULL, LOCALE_USER_DEFAULT,
-                                        DISPATCH_PROPERTYPUT, &parameters, nullptr, &exception, nullptr);
+  const HRESULT outcome = object.Invoke(member.Id(object), IID_NULL, locale, DISPATCH_PROPERTYPUT,
+                                        &parameters, nullptr, &exception, nullptr);
   if (FAILED(outcome)) ThrowError(outcome, &exception);
 }
 

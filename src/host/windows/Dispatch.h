@@ -48,8 +48,9 @@ class Member {
 // Something that must be there is Nothing.
 [[noreturn]] void ThrowNothing();
 
-// A value as another type, with the user's conventions. Throws host::Error.
-automation::Variant Converted(const VARIANT& value, VARTYPE type);
+// A value as another type, with the conventions of a locale: the user's unless the text goes back to the
+// host. Throws host::Error.
+automation::Variant Converted(const VARIANT& value, VARTYPE type, LCID locale = LOCALE_USER_DEFAULT);
 
 // An argument of a call. An object stays the caller's, who holds it meanwhile; the rest is copied.
 class Argument : public automation::Variant {
@@ -112,7 +113,7 @@ class Dispatch {
   void Call(Member& member, const Arguments&... arguments) const {
     Invoke(member, nullptr, arguments...);
   }
-  void Put(Member& member, const automation::Variant& value) const;
+  void Put(Member& member, const automation::Variant& value, LCID locale = automation::kLocale) const;
 
  private:
   template <class... Arguments>

@@ -51,7 +51,7 @@ ComPtr<ITypeInfo> InLibraryOf(IDispatch& object, const IID& interface_id) {
   ComPtr<ITypeLib> library;
   ComPtr<ITypeInfo> found;
   UINT index = 0;
-  if (SUCCEEDED(object.GetTypeInfo(0, LOCALE_USER_DEFAULT, type.Put())) && type &&
+  if (SUCCEEDED(object.GetTypeInfo(0, automation::kLocale, type.Put())) && type &&
       SUCCEEDED(type->GetContainingTypeLib(library.Put(), &index))) {
     library->GetTypeInfoOfGuid(interface_id, found.Put());
   }

@@ -3,6 +3,7 @@
 #include <typeinfo>
 #include <utility>
 
+#include "host/Error.h"
 #include "host/windows/ExcelValues.h"
 
 namespace rowlark::windows {
@@ -63,7 +64,16 @@ std::u16string ExcelRange::Value() const {
   return CellText(value, [&] { return cell.Text(session_->Range.Text); });
 }
 
-void ExcelRange::SetValue(std::u16string_view text) { object_.Put(session_->Range.Value, text); }
+// What the user has typed is read as the user writes numbers and dates. A host that speaks another language
+// than the system knows no such locale.
+void ExcelRange::SetValue(std::u16string_view text) {
+  try {
+    object_.Put(session_->Range.Value, text, LOCALE_USER_DEFAULT);
+  } catch (const host::Error& error) {
+    if (error.Number() != TYPE_E_INVDATAREAD) throw;
+    object_.Put(session_->Range.Value, text);
+  }
+}
 
 bool ExcelRange::EntireRowHidden() const {
   return object_.Object(session_->Range.EntireRow).Bool(session_->EntireRow.Hidden);

@@ -18,10 +18,10 @@ constexpr std::pair<int32_t, std::u16string_view> kErrors[] = {
     {2029, u"#NAME?"}, {2036, u"#NUM!"},   {2042, u"#N/A"},
 };
 
-std::u16string PlainText(const VARIANT& value) {
+std::u16string PlainText(const VARIANT& value, LCID locale = LOCALE_USER_DEFAULT) {
   if (value.vt == VT_EMPTY || value.vt == VT_NULL) return {};
   if (value.vt == VT_BSTR) return std::u16string(automation::View(value.bstrVal));
-  return std::u16string(automation::View(Converted(value, VT_BSTR).bstrVal));
+  return std::u16string(automation::View(Converted(value, VT_BSTR, locale).bstrVal));
 }
 
 // A column too narrow for a date shows a row of these.
@@ -97,8 +97,9 @@ Variant CriterionValue(const std::optional<host::Criterion>& criterion) {
   return array.Detach();
 }
 
+// A criterion is read to be set again: its numbers are written as the host reads them then.
 host::Criterion ToCriterion(const VARIANT& value) {
-  if ((value.vt & VT_ARRAY) == 0) return PlainText(value);
+  if ((value.vt & VT_ARRAY) == 0) return PlainText(value, automation::kLocale);
   SAFEARRAY* array = (value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray;
   LONG first = 0;
   LONG last = -1;
@@ -107,7 +108,7 @@ host::Criterion ToCriterion(const VARIANT& value) {
   SafeArrayGetUBound(array, 1, &last);
   std::vector<std::u16string> texts;
   for (LONG i = first; i <= last; ++i) {
-    texts.push_back(PlainText(Element(array, value.vt & VT_TYPEMASK, i)));
+    texts.push_back(PlainText(Element(array, value.vt & VT_TYPEMASK, i), automation::kLocale));
   }
   return texts;
 }
