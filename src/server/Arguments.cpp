@@ -1,18 +1,67 @@
 #include "server/Arguments.h"
 
+#include <cstdint>
+#include <new>
+
 #include "util/AutomationError.h"
+#include "util/Utf.h"
 
 namespace rowlark::server {
 namespace {
 
-[[noreturn]] void Mismatch() { throw AutomationError::TypeMismatch(u"VTRLKRuntime"); }
+[[noreturn]] void Mismatch() { throw AutomationError::TypeMismatch({}); }
 
 bool Omitted(const VARIANT& argument) {
   return argument.vt == VT_EMPTY || argument.vt == VT_NULL ||
          (argument.vt == VT_ERROR && argument.scode == DISP_E_PARAMNOTFOUND);
 }
 
+// A mark that is replaced by itself stays.
+std::u16string TextOrMark(const VARIANT& value, std::size_t index) {
+  auto& source = const_cast<VARIANT&>(Referred(value));
+  automation::Variant text;
+  const bool dangling = (source.vt & VT_BYREF) != 0 && source.byref == nullptr;
+  if (!dangling && SUCCEEDED(VariantChangeType(&text, &source, 0, VT_BSTR))) {
+    return std::u16string(automation::View(text.bstrVal));
+  }
+  return u"%" + ToUtf16(std::to_string(index));
+}
+
+// Keeps an array as it is while its elements are read.
+class ArrayLock {
+ public:
+  explicit ArrayLock(SAFEARRAY* array) : array_(array), locked_(SUCCEEDED(SafeArrayLock(array))) {}
+  ArrayLock(const ArrayLock&) = delete;
+  ArrayLock& operator=(const ArrayLock&) = delete;
+  ~ArrayLock() {
+    if (locked_) SafeArrayUnlock(array_);
+  }
+  explicit operator bool() const { return locked_; }
+
+ private:
+  SAFEARRAY* array_;
+  bool locked_;
+};
+
 }  // namespace
+
+HRESULT OwnArguments::Copy(const DISPPARAMS& given) noexcept try {
+  values_.resize(given.cArgs);
+  for (UINT i = 0; i < given.cArgs; ++i) {
+    const VARIANT& argument = given.rgvarg[i];
+    if ((argument.vt & VT_BYREF) != 0) {
+      static_cast<VARIANT&>(values_[i]) = argument;
+    } else if (const HRESULT result = VariantCopy(&values_[i], const_cast<VARIANT*>(&argument));
+               FAILED(result)) {
+      return result;
+    }
+  }
+  parameters_ = given;
+  parameters_.rgvarg = values_.data();
+  return S_OK;
+} catch (const std::bad_alloc&) {
+  return E_OUTOFMEMORY;
+}
 
 const VARIANT& Referred(const VARIANT& argument) {
   const VARIANT* value = &argument;
@@ -41,32 +90,30 @@ automation::ComPtr<IDispatch> ObjectOf(const VARIANT& argument) {
   return dispatch;
 }
 
-std::u16string TextOf(const VARIANT& argument) {
-  automation::Variant text;
-  if (FAILED(VariantChangeType(&text, const_cast<VARIANT*>(&Referred(argument)), 0, VT_BSTR))) Mismatch();
-  return std::u16string(automation::View(text.bstrVal));
-}
-
 std::vector<std::u16string> TextsOf(const VARIANT& argument) {
   const VARIANT& value = Referred(argument);
   if (Omitted(value)) return {};
-  if ((value.vt & VT_ARRAY) == 0) return {TextOf(value)};
-  SAFEARRAY* array = (value.vt & VT_BYREF) != 0 ? *value.pparray : value.parray;
-  VARTYPE type = VT_EMPTY;
+  if ((value.vt & VT_ARRAY) == 0) return {TextOrMark(value, 1)};
+  SAFEARRAY* array = (value.vt & VT_BYREF) == 0 ? value.parray
+                     : value.pparray != nullptr ? *value.pparray
+                                                : nullptr;
   LONG first = 0;
   LONG last = -1;
-  if (array == nullptr) return {};
-  if (SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetVartype(array, &type)) ||
-      FAILED(SafeArrayGetLBound(array, 1, &first)) || FAILED(SafeArrayGetUBound(array, 1, &last))) {
-    Mismatch();
+  if (array == nullptr || SafeArrayGetDim(array) != 1 || FAILED(SafeArrayGetLBound(array, 1, &first)) ||
+      FAILED(SafeArrayGetUBound(array, 1, &last))) {
+    return {};
   }
+  const ArrayLock lock(array);
+  if (!lock) return {};
+  VARTYPE type = VT_EMPTY;
+  if (FAILED(SafeArrayGetVartype(array, &type))) return {};
   std::vector<std::u16string> texts;
-  for (LONG i = first; i <= last; ++i) {
-    automation::Variant element;
-    void* storage = type == VT_VARIANT ? static_cast<void*>(&element) : &element.llVal;
-    if (FAILED(SafeArrayGetElement(array, &i, storage))) Mismatch();
-    if (type != VT_VARIANT) element.vt = type;
-    texts.push_back(TextOf(element));
+  for (int64_t i = first; i <= last; ++i) {
+    auto index = static_cast<LONG>(i);
+    VARIANT element{};
+    element.vt = static_cast<VARTYPE>(VT_BYREF | type);
+    if (FAILED(SafeArrayPtrOfIndex(array, &index, &element.byref))) element.vt = VT_NULL;
+    texts.push_back(TextOrMark(element, texts.size() + 1));
   }
   return texts;
 }

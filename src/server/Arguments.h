@@ -10,16 +10,26 @@
 
 namespace rowlark::server {
 
+// The arguments of a late-bound call with copies of those that are passed by value: these stay the caller's,
+// also where a member takes them for a variable of its own to write to.
+class OwnArguments {
+ public:
+  HRESULT Copy(const DISPPARAMS& given) noexcept;
+  DISPPARAMS& Get() { return parameters_; }
+
+ private:
+  std::vector<automation::Variant> values_;
+  DISPPARAMS parameters_{};
+};
+
 // What a reference to a variant refers to; the argument itself when it is none.
 const VARIANT& Referred(const VARIANT& argument);
 
 // The object that an argument holds, or null for Nothing, Empty and an omitted one. Raises a type mismatch.
 automation::ComPtr<IDispatch> ObjectOf(const VARIANT& argument);
 
-// The text of a value, as automation converts it. Raises a type mismatch.
-std::u16string TextOf(const VARIANT& argument);
-
-// The texts of an array or of a single value; none for an omitted one. Raises a type mismatch.
+// What replaces "%1", "%2" ...: the texts of an array or of a single value, none for an omitted one. What has
+// no text replaces nothing.
 std::vector<std::u16string> TextsOf(const VARIANT& argument);
 
 // An optional text that is passed by reference: a typed text variable, a variant variable or nothing.

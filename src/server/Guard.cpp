@@ -18,6 +18,21 @@ HRESULT Result(int32_t number) {
   return number > 0 && number <= 0xFFFF ? MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number) : E_FAIL;
 }
 
+// "VTRLKRuntime.clsVTRLKItem.StartRow" for "virtual HRESULT rowlark::server::ItemObject::put_StartRow(long)".
+std::u16string SourceOf(const Entry& entry) {
+  std::string_view member = entry.function.function_name();
+  member = member.substr(0, member.find('('));
+  member.remove_prefix(member.find_last_of(": ") + 1);
+  for (const std::string_view accessor : {"get_", "putref_", "put_"}) {
+    if (member.starts_with(accessor)) member.remove_prefix(accessor.size());
+  }
+  std::u16string source(u"VTRLKRuntime.");
+  source += entry.class_name;
+  source += u'.';
+  source.append(member.begin(), member.end());
+  return source;
+}
+
 void SetErrorObject(const IID& interface_id, std::u16string_view source, std::u16string_view description) {
   automation::ComPtr<ICreateErrorInfo> error;
   if (FAILED(CreateErrorInfo(error.Put()))) return;
@@ -29,18 +44,17 @@ void SetErrorObject(const IID& interface_id, std::u16string_view source, std::u1
 
 }  // namespace
 
-HRESULT ReportException(const IID& interface_id, std::u16string_view member) noexcept {
+HRESULT ReportException(const Entry& entry) noexcept {
   HRESULT result = E_FAIL;
   try {
-    std::u16string source(u"VTRLKRuntime.");
-    source += member;
+    std::u16string source = SourceOf(entry);
     try {
       throw;
     } catch (const host::Error& error) {
       result = Result(error.Number());
     } catch (const AutomationError& error) {
       result = Result(error.Number());
-      source = error.Source();
+      if (!error.Source().empty()) source = error.Source();
     } catch (const std::bad_alloc&) {
       result = E_OUTOFMEMORY;
     } catch (...) {  // NOLINT(bugprone-empty-catch): described below
@@ -51,7 +65,7 @@ HRESULT ReportException(const IID& interface_id, std::u16string_view member) noe
     } catch (...) {
       description = CurrentDescription();
     }
-    SetErrorObject(interface_id, source, description);
+    SetErrorObject(entry.interface_id, source, description);
   } catch (...) {  // NOLINT(bugprone-empty-catch): then without a description
   }
   return result;

@@ -5,6 +5,7 @@
 
 #include "automation/Variant.h"
 #include "server/Library.h"
+#include "util/AutomationError.h"
 
 namespace rowlark::server {
 
@@ -25,10 +26,20 @@ std::u16string Module::FileName() const {
   }
 }
 
+void Module::Enter() {
+  const auto thread = static_cast<LONG>(GetCurrentThreadId());
+  const LONG owner = InterlockedCompareExchange(&thread_, thread, 0);
+  if (owner != 0 && owner != thread) {
+    throw AutomationError(RPC_E_WRONG_THREAD, {}, u"Another thread of this process is using the library");
+  }
+  ObjectMade();
+}
+
 void Module::ObjectGone() {
   if (InterlockedDecrement(&objects_) > 0) return;
   program_.reset();
   type_library_ = nullptr;
+  InterlockedExchange(&thread_, 0);
 }
 
 bool Module::Keep(IUnknown* object) noexcept try {

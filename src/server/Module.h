@@ -17,8 +17,8 @@ namespace rowlark::server {
 
 class Library;
 
-// All of it is used on the host's user-interface thread, but for the counts, which `DllCanUnloadNow` may read
-// from anywhere.
+// The program is one, and belongs to one thread: to the one that made the first object, until the last object
+// has gone. `DllCanUnloadNow` may come from anywhere.
 class Module {
  public:
   explicit Module(HINSTANCE instance);
@@ -30,6 +30,19 @@ class Module {
   // Full path of the library's file.
   std::u16string FileName() const;
 
+  // The calling thread works on the library, as if it held an object. Raises an error while the program
+  // belongs to another one.
+  class Visit {
+   public:
+    explicit Visit(Module& module) : module_(module) { module.Enter(); }
+    Visit(const Visit&) = delete;
+    Visit& operator=(const Visit&) = delete;
+    ~Visit() { module_.ObjectGone(); }
+
+   private:
+    Module& module_;
+  };
+
   // Objects and locks keep the library loaded. The program ends with the last object.
   volatile LONG& Locks() { return locks_; }
   void ObjectMade() { InterlockedIncrement(&objects_); }
@@ -37,7 +50,7 @@ class Module {
   // True when an object that its last client has let go of has to wait: the program may be on the stack, in a
   // form's message. It then goes when that has been handled.
   bool Keep(IUnknown* object) noexcept;
-  bool CanUnload() const { return locks_ == 0 && objects_ == 0; }
+  bool CanUnload() const { return locks_ == 0 && objects_ == 0 && thread_ == 0; }
 
   // The type information of an interface or a class; null when the library's resources can not be read.
   automation::ComPtr<ITypeInfo> TypeInfo(const GUID& guid);
@@ -52,9 +65,12 @@ class Module {
   void Forget(const void* core) { objects_by_core_.erase(core); }
 
  private:
+  void Enter();
+
   HINSTANCE instance_;
   volatile LONG locks_ = 0;
   volatile LONG objects_ = 0;
+  volatile LONG thread_ = 0;  // the one that the program belongs to; 0 for none
   automation::ComPtr<ITypeLib> type_library_;
   std::unique_ptr<Library> program_;
   std::vector<automation::ComPtr<IUnknown>> kept_;

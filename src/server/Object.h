@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <source_location>
 #include <string_view>
 #include <utility>
 
@@ -9,6 +10,7 @@
 
 #include "automation/Events.h"
 #include "automation/Variant.h"
+#include "server/Arguments.h"
 #include "server/Guard.h"
 #include "server/Module.h"
 #include "util/AutomationError.h"
@@ -90,7 +92,9 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
     if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (arguments == nullptr) return E_POINTER;
     if (!type_info_) return TYPE_E_CANTLOADLIBRARY;
-    return DispInvoke(static_cast<Interface*>(this), type_info_.get(), id, flags, arguments, result,
+    OwnArguments own;
+    if (const HRESULT copied = own.Copy(*arguments); FAILED(copied)) return copied;
+    return DispInvoke(static_cast<Interface*>(this), type_info_.get(), id, flags, &own.Get(), result,
                       exception, wrong_argument);
   }
 
@@ -101,7 +105,7 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
   STDMETHODIMP GetClassInfo(ITypeInfo** info) noexcept override {
     if (info == nullptr) return E_POINTER;
     *info = nullptr;
-    return Guard(__uuidof(Interface), u"", [&] { *info = module_.TypeInfo(__uuidof(Class)).Detach(); });
+    return Do([&] { *info = module_.TypeInfo(__uuidof(Class)).Detach(); });
   }
   STDMETHODIMP GetGUID(DWORD kind, GUID* guid) noexcept override {
     if (guid == nullptr) return E_POINTER;
@@ -131,18 +135,20 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
   // Its last client has let go of the object, which lives on for a while.
   virtual void LetGo() noexcept {}
 
-  // Runs a member. The object lives until it has ended, whatever the client releases meanwhile.
+  // Runs a member, the function that calls this. The object lives until it has ended, whatever the client
+  // releases meanwhile.
   template <class Action>
-  HRESULT Do(Action action) noexcept {
+  HRESULT Do(Action action, const std::source_location& member = std::source_location::current()) noexcept {
     const automation::ComPtr<IUnknown> keep(static_cast<Interface*>(this));
-    return Guard(__uuidof(Interface), name_, action);
+    return Guard({__uuidof(Interface), name_, member}, action);
   }
   // The same for a member with a result, which is empty in case of an error.
   template <class Result, class Action>
-  HRESULT Get(Result* result, Action action) noexcept {
+  HRESULT Get(Result* result, Action action,
+              const std::source_location& member = std::source_location::current()) noexcept {
     if (result == nullptr) return E_POINTER;
     *result = Result{};
-    return Do([&] { *result = action(); });
+    return Do([&] { *result = action(); }, member);
   }
 
   Module& module_;
@@ -171,7 +177,7 @@ std::shared_ptr<Core> Unwrap(IUnknown* object) {
   automation::ComPtr<IOwnObject> own;
   if (object != nullptr) object->QueryInterface(kOwnObject, reinterpret_cast<void**>(own.Put()));
   if (!own || own->ClassId() != __uuidof(Class)) {
-    throw AutomationError::TypeMismatch(u"VTRLKRuntime");
+    throw AutomationError::TypeMismatch({});
   }
   return std::static_pointer_cast<Core>(own->Core());
 }

@@ -20,7 +20,7 @@ HRESULT OptionsObject::get_SearchWords(::xeVT_SEARCH_WORDS* result) noexcept {
 HRESULT OptionsObject::put_SearchWords(::xeVT_SEARCH_WORDS value) noexcept {
   return Do([&] {
     if (value < ::xcVT_SEARCH_WORDS_ALL || value > ::xcVT_SEARCH_WORDS_CELL) {
-      throw AutomationError::InvalidCall(u"VTRLKRuntime.clsVTRLKOptions.SearchWords");
+      throw AutomationError::InvalidCall({});
     }
     core_->SearchWords = static_cast<rowlark::xeVT_SEARCH_WORDS>(value);
   });

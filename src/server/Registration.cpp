@@ -88,10 +88,8 @@ void Check(LSTATUS status) {
 // The key below which classes are registered. Everything throws Refused.
 class Classes {
  public:
-  explicit Classes(Scope scope) {
-    const HKEY root = scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE;
-    Check(RegCreateKeyExW(root, L"Software\\Classes", 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key_.Put(),
-                          nullptr));
+  explicit Classes(Scope scope) : root_(scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE) {
+    Check(RegCreateKeyExW(root_, kPath, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key_.Put(), nullptr));
   }
 
   void Set(const std::u16string& path, const wchar_t* name, std::u16string_view text) const {
@@ -106,6 +104,14 @@ class Classes {
     const LSTATUS status = RegDeleteTreeW(key_.get(), Wide(path.c_str()));
     if (status != ERROR_FILE_NOT_FOUND) Check(status);
   }
+  // Whether the library of the other bitness has written the key. Programs of either bitness have classes and
+  // interfaces of their own, while names of classes and type libraries are common to both.
+  bool HasInOtherView(const std::u16string& path) const {
+    constexpr REGSAM kOther = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+    Key key;
+    const std::wstring full = std::wstring(kPath) + L'\\' + Wide(path.c_str());
+    return RegOpenKeyExW(root_, full.c_str(), 0, KEY_READ | kOther, key.Put()) == ERROR_SUCCESS;
+  }
   bool HasChildren(const std::u16string& path) const {
     Key key;
     DWORD children = 0;
@@ -117,6 +123,9 @@ class Classes {
   }
 
  private:
+  static constexpr wchar_t kPath[] = L"Software\\Classes";
+
+  HKEY root_;
   Key key_;
 };
 
@@ -159,7 +168,7 @@ void WriteTypeLibrary(const Classes& classes, const std::u16string& file) {
 
 void RemoveAll(const Classes& classes, const std::u16string& file) {
   classes.Remove(ClassKey());
-  classes.Remove(std::u16string(kProgId));
+  if (!classes.HasInOtherView(ClassKey())) classes.Remove(std::u16string(kProgId));
   for (const auto& interface_entry : Interfaces(*Load(file))) classes.Remove(interface_entry.key);
   // The library of the other bitness shares the keys above the file's.
   classes.Remove(TypeLibraryFileKey());

@@ -82,7 +82,7 @@ HRESULT RuntimeObject::DetectSearchRange(VARIANT* sheet, VARIANT* item) noexcept
   return Do([&] {
     const auto profile = Unwrap<::clsVTRLKItem, clsVTRLKItem>(ObjectOf(*item).get());
     const auto worksheet = ObjectOf(*sheet);
-    if (!worksheet) throw AutomationError::TypeMismatch(u"VTRLKRuntime.clsVTRLKRuntime.DetectSearchRange");
+    if (!worksheet) throw AutomationError::TypeMismatch({});
     core_->DetectSearchRange(*windows::WrapWorksheet(worksheet.get()), *profile);
   });
 }

@@ -13,7 +13,9 @@ Module* module = nullptr;
 
 HRESULT Create(REFIID iid, void** object) noexcept {
   HRESULT found = E_FAIL;
-  const HRESULT made = Guard(__uuidof(_clsVTRLKRuntime), u"clsVTRLKRuntime", [&] {
+  const Entry entry{__uuidof(_clsVTRLKRuntime), u"clsVTRLKRuntime", std::source_location::current()};
+  const HRESULT made = Guard(entry, [&] {
+    const Module::Visit visit(*module);
     const automation::ComPtr<_clsVTRLKRuntime> runtime(new RuntimeObject(*module));
     found = runtime->QueryInterface(iid, object);
   });

@@ -18,6 +18,8 @@ const std::string kProgIdKey = kClassesKey + kProgId;
 const std::string kInterfaceKey = kClassesKey + "Interface\\" + kInterface;
 const std::string kTypeLibraryKey = kClassesKey + "TypeLib\\" + kTypeLibrary;
 
+constexpr REGSAM kOtherView = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+
 struct Scope {
   const char* name;
   HKEY root;
@@ -39,6 +41,7 @@ class Registration : public ::testing::TestWithParam<Scope> {
   // Other tests may be about to use a registered library.
   void TearDown() override {
     RegDeleteTreeA(GetParam().root, kProgIdKey.c_str());
+    RegDeleteKeyExA(GetParam().root, kClassKey.c_str(), kOtherView, 0);
     EXPECT_EQ(Install(was_registered_), S_OK);
     FreeLibrary(library_);
   }
@@ -90,6 +93,22 @@ TEST_P(Registration, IsWhatWindowsLooksForAndIsTakenBack) {
   EXPECT_EQ(Text(kInterfaceKey), "_clsVTRLKRuntime");
   EXPECT_EQ(Text(kInterfaceKey + "\\TypeLib"), kTypeLibrary);
   for (int twice = 0; twice < 2; ++twice) EXPECT_EQ(Install(false), S_OK);
+  ExpectNothing();
+}
+
+TEST_P(Registration, LeavesTheNameToTheLibraryOfTheOtherBitness) {
+  HKEY other = nullptr;
+  ASSERT_EQ(RegCreateKeyExA(GetParam().root, kClassKey.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | kOtherView,
+                            nullptr, &other, nullptr),
+            ERROR_SUCCESS);
+  RegCloseKey(other);
+  if (Exists(kClassKey)) GTEST_SKIP() << "both views are one here";
+  ASSERT_EQ(Install(true), S_OK);
+  EXPECT_EQ(Install(false), S_OK);
+  EXPECT_EQ(Text(kProgIdKey + "\\Clsid"), kClass);
+  EXPECT_FALSE(Exists(kClassKey));
+  ASSERT_EQ(RegDeleteKeyExA(GetParam().root, kClassKey.c_str(), kOtherView, 0), ERROR_SUCCESS);
+  EXPECT_EQ(Install(false), S_OK);
   ExpectNothing();
 }
 

@@ -3,8 +3,11 @@
 #include <olectl.h>
 #include <psapi.h>
 
+#include <atomic>
 #include <functional>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "AutomationHost.h"
 #include "automation/Variant.h"
@@ -54,23 +57,25 @@ class Sink final : public IDispatch {
   }
 };
 
+// A late-bound call; the arguments stand in automation's order, the last one first.
+HRESULT Call(IDispatch* object, const wchar_t* member, std::vector<VARIANT> arguments) {
+  auto* name = const_cast<wchar_t*>(member);
+  DISPID id = 0;
+  const HRESULT known = object->GetIDsOfNames(IID_NULL, &name, 1, automation::kLocale, &id);
+  if (FAILED(known)) return known;
+  DISPPARAMS parameters{arguments.data(), nullptr, static_cast<UINT>(arguments.size()), 0};
+  return object->Invoke(id, IID_NULL, automation::kLocale, DISPATCH_METHOD, &parameters, nullptr, nullptr,
+                        nullptr);
+}
+
 class Server : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
     library_ = LoadLibraryA(ROWLARK_RUNTIME);
     ASSERT_NE(library_, nullptr);
-    ComPtr<IClassFactory> factory;
-    ASSERT_EQ(Entry<decltype(&DllGetClassObject)>("DllGetClassObject")(
-                  __uuidof(::clsVTRLKRuntime), IID_IClassFactory, reinterpret_cast<void**>(factory.Put())),
-              S_OK);
-    ASSERT_EQ(factory->CreateInstance(nullptr, __uuidof(_clsVTRLKRuntime),
-                                      reinterpret_cast<void**>(runtime_.Put())),
-              S_OK);
-    model_ = MakeRef<standalone::Application>();
-    const auto book = model_->AddWorkbook(u"C:\\Data\\Book1.xls");
-    auto& sheet = static_cast<standalone::Worksheet&>(*book->ActiveSheet());
-    for (const std::string_view name : {"name", "ann", "bob", "ann"}) sheet.AppendRow({&name, 1});
+    ASSERT_EQ(Create(runtime_), S_OK);
+    model_ = NewModel();
     host_ = workbench::ExposeApplication(model_);
     ComPtr<_clsVTRLKOptions> options;
     runtime_->get_SearchOptions(options.Put());
@@ -90,6 +95,28 @@ class Server : public ::testing::Test {
   template <class Function>
   Function Entry(const char* name) const {
     return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library_, name)));
+  }
+  HRESULT Create(ComPtr<_clsVTRLKRuntime>& runtime) const {
+    ComPtr<IClassFactory> factory;
+    EXPECT_EQ(Entry<decltype(&DllGetClassObject)>("DllGetClassObject")(
+                  __uuidof(::clsVTRLKRuntime), IID_IClassFactory, reinterpret_cast<void**>(factory.Put())),
+              S_OK);
+    return factory->CreateInstance(nullptr, __uuidof(_clsVTRLKRuntime),
+                                   reinterpret_cast<void**>(runtime.Put()));
+  }
+  static Ref<standalone::Application> NewModel() {
+    auto model = MakeRef<standalone::Application>();
+    const auto book = model->AddWorkbook(u"C:\\Data\\Book1.xls");
+    auto& sheet = static_cast<standalone::Worksheet&>(*book->ActiveSheet());
+    for (const std::string_view name : {"name", "ann", "bob", "ann"}) sheet.AppendRow({&name, 1});
+    return model;
+  }
+  // The source of this thread's last error.
+  static std::string ErrorSource() {
+    ComPtr<IErrorInfo> error;
+    Bstr source;
+    if (GetErrorInfo(0, error.Put()) == S_OK) error->GetSource(source.Put());
+    return ToUtf8(source.View());
   }
   bool Search(std::u16string_view text, VARIANT* error = nullptr) {
     VARIANT_BOOL found = VARIANT_FALSE;
@@ -138,13 +165,48 @@ TEST_F(Server, TellsWhyInTypedTextsAndVariants) {
   const Bstr text(u"ann");
   EXPECT_EQ(runtime_->Search(text.get(), &wrong, &found), static_cast<HRESULT>(0x800A000D));
   EXPECT_EQ(found, VARIANT_FALSE);
-  ComPtr<IErrorInfo> error;
-  ASSERT_EQ(GetErrorInfo(0, error.Put()), S_OK);
-  Bstr source;
-  error->GetSource(source.Put());
-  EXPECT_TRUE(source.View().starts_with(u"VTRLKRuntime"));
+  EXPECT_EQ(ErrorSource(), "VTRLKRuntime.clsVTRLKRuntime.Search");
   EXPECT_EQ(runtime_->Search(text.get(), nullptr, nullptr), E_POINTER);
   EXPECT_EQ(runtime_->DetectSearchRange(nullptr, nullptr), E_POINTER);
+}
+
+TEST_F(Server, LeavesArgumentsByValueToTheirCaller) {
+  ComPtr<_clsVTRLKLang> language;
+  runtime_->get_Language(language.Put());
+  const struct {
+    IDispatch* object;
+    const wchar_t* member;
+    std::vector<Variant> arguments;
+  } kCases[] = {{runtime_.get(), L"Search", {u"mine", u"nobody"}},
+                {runtime_.get(), L"Unhide", {u"mine", false}},
+                {language.get(), L"GetText", {u"mine", Variant::Missing(), u"&Search", u"none"}}};
+  for (const auto& c : kCases) {
+    const std::vector<VARIANT> given(c.arguments.begin(), c.arguments.end());
+    EXPECT_EQ(Call(c.object, c.member, given), S_OK);
+    EXPECT_EQ(given[0].bstrVal, c.arguments[0].bstrVal);
+    EXPECT_EQ(ToUtf8(automation::View(given[0].bstrVal)), "mine");
+  }
+}
+
+TEST_F(Server, NamesClassAndMemberAsTheSourceOfErrors) {
+  ComPtr<_clsVTRLKItems> items;
+  ComPtr<_clsVTRLKItem> profile;
+  ComPtr<_clsVTRLKOptions> options;
+  runtime_->get_Items(items.Put());
+  items->get_DefaultItem(profile.Put());
+  runtime_->get_SearchOptions(options.Put());
+  const auto expect = [](HRESULT result, const char* source) {
+    EXPECT_TRUE(FAILED(result));
+    EXPECT_EQ(ErrorSource(), source);
+  };
+  expect(options->put_SearchWords(static_cast<::xeVT_SEARCH_WORDS>(3)),
+         "VTRLKRuntime.clsVTRLKOptions.SearchWords");
+  expect(items->putref_DefaultItem(nullptr), "VTRLKRuntime.clsVTRLKItems.DefaultItem");
+  VARIANT_BOOL added = VARIANT_FALSE;
+  expect(items->Add(nullptr, &added), "VTRLKRuntime.clsVTRLKItems.Add");
+  Variant sheet(host_.get());
+  Variant item(static_cast<IDispatch*>(profile.get()));
+  expect(runtime_->DetectSearchRange(&sheet, &item), "VTRLKRuntime.clsVTRLKRuntime.DetectSearchRange");
 }
 
 TEST_F(Server, RaisesEventsToEverySink) {
@@ -167,6 +229,174 @@ TEST_F(Server, RaisesEventsToEverySink) {
   EXPECT_EQ(first.references, 1U);
   EXPECT_EQ(second.references, 1U);
   EXPECT_FALSE(Point(runtime_.get(), IID_IUnknown));
+}
+
+TEST_F(Server, HandsOutConnectionPointsWithAnIdentityOfTheirOwn) {
+  const auto point = Point(runtime_.get(), __uuidof(__clsVTRLKRuntime));
+  EXPECT_EQ(Point(runtime_.get(), IID_IDispatch).get(), point.get());
+  const auto identity = ComPtr<IUnknown>::From(point.get());
+  EXPECT_EQ(ComPtr<IConnectionPoint>::From(identity.get()).get(), point.get());
+  EXPECT_FALSE(ComPtr<IDispatch>::From(identity.get()));
+  ComPtr<IConnectionPointContainer> container;
+  ASSERT_EQ(point->GetConnectionPointContainer(container.Put()), S_OK);
+  const auto owner = ComPtr<IUnknown>::From(runtime_.get());
+  EXPECT_EQ(ComPtr<IUnknown>::From(container.get()).get(), owner.get());
+  EXPECT_NE(identity.get(), owner.get());
+
+  Sink sink;
+  DWORD cookie = 0;
+  ASSERT_EQ(point->Advise(&sink, &cookie), S_OK);
+  ComPtr<IEnumConnectionPoints> points;
+  ComPtr<IEnumConnections> connections;
+  ASSERT_EQ(container->EnumConnectionPoints(points.Put()), S_OK);
+  ASSERT_EQ(point->EnumConnections(connections.Put()), S_OK);
+  EXPECT_EQ(points->Skip(1), S_OK);
+  EXPECT_EQ(points->Skip(1), S_FALSE);
+  CONNECTDATA connection{};
+  ASSERT_EQ(connections->Next(1, &connection, nullptr), S_OK);
+  EXPECT_EQ(connection.dwCookie, cookie);
+  connection.pUnk->Release();
+  EXPECT_EQ(point->Unadvise(cookie), S_OK);
+}
+
+TEST_F(Server, IsKeptByWhateverItHasHandedOut) {
+  auto point = Point(runtime_.get(), __uuidof(__clsVTRLKRuntime));
+  Sink sink;
+  DWORD cookie = 0;
+  ASSERT_EQ(point->Advise(&sink, &cookie), S_OK);
+  ComPtr<IEnumConnections> connections;
+  ASSERT_EQ(point->EnumConnections(connections.Put()), S_OK);
+  point->Unadvise(cookie);
+  point = nullptr;
+  runtime_->put_ExcelApp(Variant());
+  runtime_ = nullptr;
+  EXPECT_EQ(Entry<decltype(&DllCanUnloadNow)>("DllCanUnloadNow")(), S_FALSE);
+  EXPECT_EQ(connections->Skip(1), S_OK);
+}
+
+TEST_F(Server, TellsNothingToASinkThatAnEarlierOneHasDisconnected) {
+  const auto point = Point(runtime_.get(), __uuidof(__clsVTRLKRuntime));
+  Sink first;
+  Sink second;
+  DWORD first_cookie = 0;
+  DWORD second_cookie = 0;
+  ASSERT_EQ(point->Advise(&first, &first_cookie), S_OK);
+  ASSERT_EQ(point->Advise(&second, &second_cookie), S_OK);
+  first.on_event = [&] { point->Unadvise(second_cookie); };
+  EXPECT_TRUE(Search(u"ann"));
+  EXPECT_EQ(first.heard, 2);
+  EXPECT_EQ(second.heard, 0);
+  EXPECT_EQ(second.references, 1U);
+  point->Unadvise(first_cookie);
+}
+
+TEST_F(Server, ReplacesMarksByWhatHasAText) {
+  ComPtr<_clsVTRLKLang> language;
+  runtime_->get_Language(language.Put());
+  const auto array = [](SAFEARRAY* made, VARTYPE type) {
+    Variant value;
+    value.vt = static_cast<VARTYPE>(VT_ARRAY | type);
+    value.parray = made;
+    return value;
+  };
+  const auto variants = [&](const std::vector<Variant>& elements, LONG first) {
+    SAFEARRAY* made = SafeArrayCreateVector(VT_VARIANT, first, static_cast<ULONG>(elements.size()));
+    for (LONG i = 0; i < static_cast<LONG>(elements.size()); ++i) {
+      LONG index = first + i;
+      SafeArrayPutElement(made, &index, const_cast<Variant*>(&elements[static_cast<std::size_t>(i)]));
+    }
+    return array(made, VT_VARIANT);
+  };
+  Variant null;
+  null.vt = VT_NULL;
+  Variant nothing(static_cast<IDispatch*>(nullptr));
+  Variant dangling;
+  dangling.vt = VT_BYREF | VT_VARIANT;
+  SAFEARRAYBOUND bounds[] = {{2, 0}, {2, 0}};
+  const Variant table = array(SafeArrayCreate(VT_BSTR, 2, bounds), VT_BSTR);
+  SAFEARRAY* decimals = SafeArrayCreateVector(VT_DECIMAL, 0, 1);
+  DECIMAL seven{};
+  seven.Lo64 = 7;
+  LONG first = 0;
+  SafeArrayPutElement(decimals, &first, &seven);
+  const struct {
+    Variant values;
+    const char* text;
+  } kCases[] = {
+      {u"a", "a %2"},
+      {variants({u"a", int32_t{2}}, 0), "a 2"},
+      {variants({u"a", u"b"}, 1), "a b"},
+      {variants({host_.get(), u"b"}, 0), "%1 b"},
+      {variants({null, u"b"}, 0), "%1 b"},
+      {variants({nothing, table}, 0), "%1 %2"},
+      {variants({}, 0), "%1 %2"},
+      {table, "%1 %2"},
+      {array(decimals, VT_DECIMAL), "7 %2"},
+      {array(nullptr, VT_BSTR), "%1 %2"},
+      {nothing, "%1 %2"},
+      {dangling, "%1 %2"},
+  };
+  for (const auto& c : kCases) {
+    Bstr text;
+    EXPECT_EQ(language->GetText(Bstr(u"none").get(), Bstr(u"%1 %2").get(), c.values, nullptr, text.Put()),
+              S_OK);
+    EXPECT_EQ(ToUtf8(text.View()), c.text) << "case " << &c - kCases;
+  }
+}
+
+TEST_F(Server, BelongsToOneThreadAtATime) {
+  ComPtr<_clsVTRLKItems> last;
+  runtime_->get_Items(last.Put());
+  runtime_->put_ExcelApp(Variant());
+  const auto elsewhere = [&](const std::function<void()>& action) {
+    std::thread([&] {
+      CoInitialize(nullptr);
+      action();
+      CoUninitialize();
+    }).join();
+  };
+  const auto refused = [&] {
+    ComPtr<_clsVTRLKRuntime> runtime;
+    EXPECT_EQ(Create(runtime), RPC_E_WRONG_THREAD);
+    EXPECT_EQ(ErrorSource(), "VTRLKRuntime.clsVTRLKRuntime.Create");
+    EXPECT_FALSE(runtime);
+  };
+  elsewhere(refused);
+  runtime_ = nullptr;
+  elsewhere(refused);
+  last = nullptr;
+  elsewhere([&] {
+    ComPtr<_clsVTRLKRuntime> runtime;
+    EXPECT_EQ(Create(runtime), S_OK);
+  });
+  ASSERT_EQ(Create(runtime_), S_OK);
+  runtime_ = nullptr;
+
+  std::atomic<int> searches = 0;
+  const auto create_and_search = [&] {
+    CoInitialize(nullptr);
+    {
+      const auto host = workbench::ExposeApplication(NewModel());
+      for (int mine = 0; mine < 8;) {
+        ComPtr<_clsVTRLKRuntime> runtime;
+        if (const HRESULT made = Create(runtime); FAILED(made)) {
+          EXPECT_EQ(made, RPC_E_WRONG_THREAD);
+          std::this_thread::yield();
+          continue;
+        }
+        ++mine;
+        runtime->putref_ExcelApp(Variant(host.get()));
+        VARIANT_BOOL found = VARIANT_FALSE;
+        EXPECT_EQ(runtime->Search(Bstr(u"ann").get(), nullptr, &found), S_OK);
+        if (found != VARIANT_FALSE) ++searches;
+      }
+    }
+    CoUninitialize();
+  };
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) threads.emplace_back(create_and_search);
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(searches, 32);
 }
 
 TEST_F(Server, TellsOfANewLanguage) {
@@ -198,15 +428,8 @@ TEST_F(Server, LetsGoOfItselfInTheMiddleOfAnEvent) {
 TEST_F(Server, TellsThatTheHostIsBusyAndThatItHasGone) {
   constexpr HRESULT kVbaIgnore = static_cast<HRESULT>(0x800AC472);  // while a cell is being edited
   const auto refuse = [&](int32_t count, HRESULT result) {
-    wchar_t name[] = L"RefuseCalls";
-    wchar_t* names = name;
-    DISPID id = 0;
-    ASSERT_EQ(host_->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id), S_OK);
-    Variant arguments[] = {int32_t{0}, int32_t{result}, count};
-    DISPPARAMS parameters{arguments, nullptr, 3, 0};
-    ASSERT_EQ(host_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
-                            nullptr),
-              S_OK);
+    const Variant arguments[] = {int32_t{0}, int32_t{result}, count};
+    ASSERT_EQ(Call(host_.get(), L"RefuseCalls", {std::begin(arguments), std::end(arguments)}), S_OK);
   };
   ComPtr<_clsVTRLKLang> language;
   runtime_->get_Language(language.Put());
