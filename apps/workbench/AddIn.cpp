@@ -77,7 +77,7 @@ void AddIn::Open() {
     Call(runtime_, L"MenuCreate");
     AssignKeys(runtime_, true);
   } catch (...) {
-    runtime_ = {};
+    Close();
     throw;
   }
 }
@@ -113,7 +113,7 @@ void AddIn::Unhide() {
   DISPPARAMS parameters{arguments, nullptr, 2, 0};
   Variant done;
   EXCEPINFO exception{};
-  const HRESULT result = keep.get()->Invoke(unhide.Id(*keep.get()), IID_NULL, LOCALE_USER_DEFAULT,
+  const HRESULT result = keep.get()->Invoke(unhide.Id(*keep.get()), IID_NULL, automation::kLocale,
                                             DISPATCH_METHOD, &parameters, &done, &exception, nullptr);
   if (FAILED(result)) windows::ThrowError(result, &exception);
   if (done.vt == VT_BOOL && done.boolVal == VARIANT_FALSE && reason.vt == VT_BSTR &&
@@ -131,14 +131,16 @@ void AddIn::AssignKeys(const Dispatch& runtime, bool assign) {
   AssignKey(items.Text(unhide), assign ? kUnhide : u"");
 }
 
-// Without a macro the key means again what it means to the host.
-void AddIn::AssignKey(std::u16string_view key, std::u16string_view macro) {
+// Without a macro the key means again what it means to the host. A key that the host refuses is no hotkey.
+void AddIn::AssignKey(std::u16string_view key, std::u16string_view macro) noexcept {
   if (key.empty()) return;
-  if (macro.empty()) {
-    application_.Call(on_key_, key);
-  } else {
-    application_.Call(on_key_, key, macro);
-  }
+  Attempt([&] {
+    if (macro.empty()) {
+      application_.Call(on_key_, key);
+    } else {
+      application_.Call(on_key_, key, macro);
+    }
+  });
 }
 
 }  // namespace rowlark::workbench

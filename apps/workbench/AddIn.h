@@ -26,7 +26,7 @@ class AddIn {
 
  private:
   void AssignKeys(const windows::Dispatch& runtime, bool assign);
-  void AssignKey(std::u16string_view key, std::u16string_view macro);
+  void AssignKey(std::u16string_view key, std::u16string_view macro) noexcept;
   void Unhide();
 
   windows::Dispatch application_;
