@@ -1,8 +1,25 @@
 #include "settings/SharedState.h"
 
 #include "settings/Product.h"
+#include "util/PathMap.h"
 
 namespace rowlark {
+namespace {
+
+bool IsSeparator(char16_t c) { return PathMap::kSeparators.find(c) != PathMap::kSeparators.npos; }
+
+// With a separator at its end; nothing stays nothing.
+std::u16string Folder(std::u16string path) {
+  if (!path.empty() && !IsSeparator(path.back())) path += PathMap::Separator(path);
+  return path;
+}
+
+bool IsAbsolute(std::u16string_view path) {
+  path.remove_prefix(PathMap::RootName(path).size());
+  return !path.empty() && IsSeparator(path.front());
+}
+
+}  // namespace
 
 SharedState::SharedState(const rowlark::Platform& platform)
     : Platform(platform),
@@ -24,10 +41,10 @@ void SharedState::Acquire() {
   const auto read = [this](std::u16string_view value) {
     return Registry.GetString(host::Hive::LocalMachine, kProductKey, value, u"");
   };
-  HelpDirectory = read(u"HelpPath");
-  if (!HelpDirectory.empty() && !HelpDirectory.ends_with(u'\\') && !HelpDirectory.ends_with(u'/')) {
-    HelpDirectory += u'\\';
-  }
+  // Beside the library unless set-up has chosen another folder; what depends on the host's current folder,
+  // which anybody may fill, is below it as well.
+  HelpDirectory = Folder(read(u"HelpPath"));
+  if (!IsAbsolute(HelpDirectory)) HelpDirectory = Folder(Platform.LibraryFolder) + HelpDirectory;
   if (!Foundation->Language) {
     Foundation->Language = std::make_shared<clsVTRLKLang>(clsVTRLKLang::Environment{
         &Platform.Files, Platform.LibraryFolder, [read] { return read(u"SetupLanguage"); },

@@ -173,6 +173,20 @@ TEST(Help, OpensTheFileOfTheLanguageIfItIsThere) {
                                                              folder + "help_de.chm (48)"});
 }
 
+TEST(Help, LiesBesideTheLibraryUnlessSetUpSaysOtherwise) {
+  for (const auto& [set_up, file] :
+       {std::pair("", "C:\\Rowlark\\vt_rlk_en.chm"), std::pair("help\\", "C:\\Rowlark\\help\\vt_rlk_en.chm"),
+        std::pair("D:\\Help", "D:\\Help\\vt_rlk_en.chm"),
+        std::pair("\\\\server\\help", "\\\\server\\help\\vt_rlk_en.chm"),
+        std::pair("/usr/share/help/", "/usr/share/help/vt_rlk_en.chm")}) {
+    TestLibrary library(u"C:\\Rowlark");
+    if (*set_up != '\0') {
+      library.shared.Registry.SetString(Hive::LocalMachine, kProductKey, u"HelpPath", ToUtf16(set_up));
+    }
+    EXPECT_EQ(ToUtf8(clsVTRLKRuntime(library.shared, library.forms).HelpFile()), file);
+  }
+}
+
 TEST(Host, TellsItsMainWindowFromVersion9On) {
   for (const auto& [version, window] :
        {std::pair(u"8.0", 97), std::pair(u"9.0", 1), std::pair(u"16.0", 1), std::pair(u"x", 1)}) {
