@@ -62,7 +62,9 @@ class Module {
   // every client.
   IUnknown* Find(const void* core) const;
   void Remember(const void* core, IUnknown* object) { objects_by_core_[core] = object; }
-  void Forget(const void* core) { objects_by_core_.erase(core); }
+  void Forget(const void* core, const IUnknown* object) {
+    if (Find(core) == object) objects_by_core_.erase(core);
+  }
 
  private:
   void Enter();

@@ -63,7 +63,9 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
         return 0;
       }
       Module& module = module_;
-      references_ = 1;  // what ends with the object may count it once more
+      // Sinks that end with the object may count it once more, or ask for its like.
+      module.Forget(core_.get(), static_cast<Interface*>(this));
+      references_ = 1;
       delete this;
       module.ObjectGone();
     }
@@ -129,7 +131,7 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
     module_.ObjectMade();
   }
   virtual ~Object() {
-    if (core_) module_.Forget(core_.get());
+    if (core_) module_.Forget(core_.get(), static_cast<Interface*>(this));
   }
 
   // Its last client has let go of the object, which lives on for a while.
