@@ -46,6 +46,7 @@ class ArrayLock {
 }  // namespace
 
 HRESULT OwnArguments::Copy(const DISPPARAMS& given) noexcept try {
+  if (given.cArgs > 0 && given.rgvarg == nullptr) return E_POINTER;
   values_.resize(given.cArgs);
   for (UINT i = 0; i < given.cArgs; ++i) {
     const VARIANT& argument = given.rgvarg[i];
