@@ -402,14 +402,30 @@ TEST_F(Server, BelongsToOneThreadAtATime) {
 TEST_F(Server, TellsOfANewLanguage) {
   ComPtr<_clsVTRLKLang> language;
   runtime_->get_Language(language.Put());
-  const auto point = Point(language.get(), __uuidof(__clsVTRLKLang));
+  auto point = Point(language.get(), __uuidof(__clsVTRLKLang));
   Sink sink;
   DWORD cookie = 0;
   ASSERT_EQ(point->Advise(&sink, &cookie), S_OK);
   for (const auto* file : {u"german.lng", u"german.lng", u"english.lng"})
     language->put_LangFile(Bstr(file).get());
   EXPECT_EQ(sink.texts, "german.lng;english.lng;");
-  point->Unadvise(cookie);
+
+  // The configuration changes the language, and the object goes in the middle of the event.
+  ComPtr<_clsVTRLKItems> items;
+  runtime_->get_Items(items.Put());
+  Bstr german;
+  language->put_LangFile(Bstr(u"german.lng").get());
+  items->ToString(VARIANT_FALSE, german.Put());
+  language->put_LangFile(Bstr(u"english.lng").get());
+  sink.on_event = [&] {
+    point->Unadvise(cookie);
+    point = nullptr;
+    language = nullptr;
+  };
+  VARIANT_BOOL read = VARIANT_FALSE;
+  EXPECT_EQ(items->ToObject(german.get(), &read), S_OK);
+  EXPECT_EQ(sink.texts, "german.lng;english.lng;german.lng;english.lng;german.lng;");
+  EXPECT_EQ(sink.references, 1U);
 }
 
 TEST_F(Server, LetsGoOfItselfInTheMiddleOfAnEvent) {
