@@ -58,6 +58,7 @@ Check "searching", rt.Searching, False
 Check "errors so far", Failure(), 0
 
 rt.SearchOptions.SearchWords = 3
+Check "the source of an error", Err.Source, "VTRLKRuntime.clsVTRLKOptions.SearchWords"
 Check "an unknown mode", Failure() <> 0, True
 rt.SearchOptions = rt.Items
 Check "options of another class", Failure() <> 0, True
@@ -121,5 +122,5 @@ Check "a host that was released", rt.Search("x"), False
 Check "end", Failure(), 0
 
 WScript.Echo checks & " checks, " & failures & " failures"
-If checks = 47 And failures = 0 Then WScript.Quit 0
+If checks = 48 And failures = 0 Then WScript.Quit 0
 WScript.Quit 1

@@ -6,6 +6,7 @@
 //   RowsCount, ColumnsCount, AreasCount, Areas, EntireRowHidden, SetEntireRowHidden      2
 //   FiltersCount, Filters, CommandBars, AddControl                                       2
 //   Value                                       1, and one for what the host alone can show
+//   SetValue                                    1, and one where the host does not know the user's locale
 // Selection, sheets and command bar controls are asked for the id of a name, to tell their class.
 //
 // So a search makes 4 invocations for a match (FindNext, Row, EntireRow, Hidden; with chosen columns also
