@@ -41,7 +41,14 @@ TEST_F(RegistryStore, KeepsTypedValues) {
   EXPECT_TRUE(registry_.SetBinary(kUser, kKey, u"Bytes", bytes));
   EXPECT_TRUE(file_.Write(kUser, kKey, u"Odd", {RegistryType::String, {1}}));
   EXPECT_TRUE(file_.Write(kUser, kKey, u"None", {RegistryType::String, {}}));
-  EXPECT_TRUE(file_.Write(kUser, kKey, u"Short", {RegistryType::Dword, {1, 2}}));
+  // As many bytes as a number has, and never another one.
+  const std::vector<uint8_t> sizes[] = {{}, {1, 2, 3}, {1, 2, 3, 4}, {1, 2, 3, 4, 5}};
+  for (const auto& sized : sizes) {
+    EXPECT_TRUE(file_.Write(kUser, kKey, u"Sized", {RegistryType::Dword, sized}));
+    EXPECT_EQ(file_.Read(kUser, kKey, u"Sized")->bytes, sized);
+    EXPECT_EQ(registry_.GetLong(kUser, kKey, u"Sized", 7), sized.size() == 4 ? 0x04030201 : 7)
+        << sized.size();
+  }
 
   EXPECT_EQ(registry_.GetString(kUser, u"software\\VANTREL\\ä\\", u"TEXT", u"x"), text);
   EXPECT_EQ(registry_.GetString(kUser, kKey, u"", u"x"), u"");
@@ -49,7 +56,7 @@ TEST_F(RegistryStore, KeepsTypedValues) {
   EXPECT_EQ(registry_.GetBinary(kUser, kKey, u"Bytes"), bytes);
   EXPECT_EQ(file_.Read(kUser, kKey, u"Odd")->bytes, std::vector<uint8_t>{1});
   for (const auto* name : {u"None", u"Bytes"}) EXPECT_EQ(registry_.GetString(kUser, kKey, name, u"x"), u"x");
-  for (const auto* name : {u"Text", u"Short"}) EXPECT_EQ(registry_.GetLong(kUser, kKey, name, 1), 1);
+  for (const auto* name : {u"Text", u"Bytes"}) EXPECT_EQ(registry_.GetLong(kUser, kKey, name, 1), 1);
   EXPECT_FALSE(registry_.SetLong(kMachine, kKey, u"a", 1));
   for (const auto* key : {u"a\nb", u"\\"}) EXPECT_FALSE(registry_.SetLong(kUser, key, u"a", 1));
 
