@@ -2,40 +2,31 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <stdexcept>
 #include <system_error>
 
+#include "util/FileSystemPlatform.h"
 #include "util/Utf.h"
 
 namespace rowlark {
 namespace {
 
-// A native path as the system writes paths.
-std::u16string SystemPath(const std::filesystem::path& path) {
+std::u16string FullName(const std::filesystem::path& path) {
   std::error_code failed;
   const auto absolute = std::filesystem::absolute(path, failed);
-  auto text = ToUtf16((failed ? path : absolute).string());
-  std::ranges::replace(text, u'/', u'\\');
-  return text;
+  return platform::ToText(failed ? path : absolute);
 }
 
 // The language files lie beside the program.
 std::u16string LanguageFolder() {
   std::error_code failed;
   const auto program = std::filesystem::read_symlink("/proc/self/exe", failed);
-  return SystemPath(program.parent_path() / "languages");
+  return FullName(program.parent_path() / "languages");
 }
 
 std::u16string ConfigurationFolder() {
-  const auto variable = [](const char* name) {
-    const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
-    return std::filesystem::path(value == nullptr ? "" : value);
-  };
-  // A relative path in this variable is to be ignored.
-  auto folder = variable("XDG_CONFIG_HOME");
-  if (!folder.is_absolute()) folder = variable("HOME") / ".config";
-  return SystemPath(folder / "vantrel" / "rowlark") + u"\\";
+  const auto folder = platform::ConfigurationFolder();
+  return folder.empty() ? std::u16string() : platform::ToText(folder / "vantrel" / "rowlark" / "");
 }
 
 }  // namespace
@@ -56,7 +47,7 @@ Program::Program(const ProgramArguments& arguments, host::MessagePump& pump, hos
       forms_(shared_),
       runtime_(shared_, forms_) {
   runtime_.SetExcelApp(application_);
-  if (!arguments.config.empty()) Items().CfgFileName = SystemPath(arguments.config);
+  if (!arguments.config.empty()) Items().CfgFileName = FullName(arguments.config);
   runtime_.Init();
   saved_ = Items().ToString(false);
   if (!arguments.language.empty()) ChooseLanguage(arguments.language);
@@ -80,17 +71,17 @@ void Program::ChooseLanguage(const std::string& name) {
 }
 
 Ref<standalone::Worksheet> Program::OpenWorkbook(const std::filesystem::path& path) {
-  application_->AddWorkbook(SystemPath(path));
+  application_->AddWorkbook(FullName(path));
   return static_cast<standalone::Worksheet*>(application_->ActiveSheet().get());
 }
 
 std::unique_ptr<Document> Program::OpenDocument(const std::filesystem::path& path,
                                                 std::optional<char> separator) {
-  return std::make_unique<Document>(application_, path, SystemPath(path), separator);
+  return std::make_unique<Document>(application_, path, FullName(path), separator);
 }
 
 std::shared_ptr<clsVTRLKItem> Program::CloneDefault(const std::filesystem::path& workbook) {
-  return Items().DefaultItem->Clone(SystemPath(workbook));
+  return Items().DefaultItem->Clone(FullName(workbook));
 }
 
 bool Program::Save() {
@@ -100,8 +91,8 @@ bool Program::Save() {
     saved_ = text;
     return true;
   }
-  auto file = Items().CfgFileName;
-  std::ranges::replace(file, u'\\', u'/');
+  if (Items().CfgFileName.empty()) return false;  // which has been said
+  const auto file = Shown(platform::ToPath(Items().CfgFileName));
   windows_.MsgBox(
       runtime_.Language().GetText(u"Err.WriteCfg", u"Configuration write error in file\\n%1", file),
       host::MsgBoxIcon::Critical, u"");

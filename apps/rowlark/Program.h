@@ -14,9 +14,13 @@
 #include "host/standalone/Headless.h"
 #include "runtime/clsVTRLKRuntime.h"
 #include "tables/Document.h"
+#include "util/Utf.h"
 #include "util/mclsVTFileSystem.h"
 
 namespace rowlark {
+
+// A path for people to read; what is no text in it is replaced.
+inline std::u16string Shown(const std::filesystem::path& path) { return ToUtf16(path.string()); }
 
 struct ProgramArguments {
   std::filesystem::path config;  // empty: the one in the user's configuration folder

@@ -6,6 +6,7 @@
 
 #include "host/Error.h"
 #include "host/standalone/Address.h"
+#include "util/FileSystemPlatform.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
@@ -15,7 +16,7 @@ namespace {
 constexpr const char* kDefault = "default";
 
 std::u16string FileName(const std::string& workbook) {
-  return std::u16string(clsVTRLKItem::NameOf(ToUtf16(workbook)));
+  return std::u16string(clsVTRLKItem::NameOf(platform::ToText(workbook)));
 }
 
 // The profile of a workbook, or null; `kDefault` names the default profile.
@@ -109,7 +110,7 @@ int ListProfiles(Program& program, Output& output) {
   print(kDefault, *program.Items().DefaultItem);
   for (int32_t i = 0; i < program.Items().count(); ++i) {
     const auto item = program.Items().Item(i);
-    print(ToUtf8(item->Name()), *item);
+    print(platform::ToPath(item->Name()).string(), *item);
   }
   return 0;
 }
@@ -118,7 +119,8 @@ int ShowProfile(const std::string& workbook, Program& program, Output& output) {
   const auto item = Find(workbook, program);
   if (!item) return 1;
   const auto yes = [](bool on) { return on ? "yes" : "no"; };
-  output.Write("workbook: " + (workbook == kDefault ? kDefault : ToUtf8(item->FileFullName())) + '\n');
+  output.Write("workbook: " +
+               (workbook == kDefault ? kDefault : platform::ToPath(item->FileFullName()).string()) + '\n');
   output.Write("range: " + Range(*item, program) + '\n');
   output.Write("columns: " + Columns(*item) + '\n');
   output.Write("jump: " + Jump(*item, program) + '\n');

@@ -4,14 +4,14 @@
 
 #include "ProgressForm.h"
 #include "settings/Product.h"
-#include "util/FileSystemPlatform.h"
+#include "util/PathMap.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
 namespace rowlark {
 namespace {
 
-std::u16string FileName(const Document& document) { return document.Workbook()->Name(); }
+std::u16string FileName(const Document& document) { return Shown(document.Path().filename()); }
 
 std::u16string Percent(double fraction) { return ToText(static_cast<int32_t>(fraction * 100)); }
 
@@ -114,7 +114,7 @@ bool Tables::Save(Document& document) {
   const auto agrees = [this](const std::u16string& question) {
     return windows_.Ask(question, kProductTitle);
   };
-  const auto path = platform::ToText(document.SavePath());
+  const auto path = Shown(document.SavePath());
   for (;;) {
     try {
       if (!Write(document, options)) return false;
@@ -152,7 +152,7 @@ bool Tables::MayQuit() {
         path == document.Path()
             ? Text(u"Terminal.Save.Question", u"Save the changes in %1?", {FileName(document)})
             : Text(u"Terminal.Save.QuestionAs", u"Save the changes in %1 as %2?",
-                   {FileName(document), platform::ToText(path.filename())});
+                   {FileName(document), Shown(path.filename())});
     const auto answer =
         windows_.Choose(question, kProductTitle,
                         {Text(u"Terminal.Save.Save", u"&Save"), Text(u"Terminal.Save.Discard", u"&Discard"),
@@ -204,11 +204,10 @@ void Tables::OfferRecovery() {
   }
 }
 
-// Beside the configuration.
+// Beside the configuration; nothing where there is none.
 std::filesystem::path Tables::RecoveryFolder() const {
-  auto configuration = program_.Items().CfgFileName;
-  std::ranges::replace(configuration, u'\\', u'/');
-  return platform::ToPath(configuration).parent_path() / "recovery";
+  const auto configuration = PathMap().ToNative(program_.Items().CfgFileName);
+  return configuration.empty() ? configuration : configuration.parent_path() / "recovery";
 }
 
 }  // namespace rowlark

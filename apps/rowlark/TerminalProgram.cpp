@@ -10,7 +10,6 @@
 #include "forms/HotKey.h"
 #include "runtime/Failure.h"
 #include "settings/Product.h"
-#include "util/FileSystemPlatform.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
@@ -105,7 +104,7 @@ void TerminalProgram::EndLoading() {
 }
 
 void TerminalProgram::Save() {
-  const auto path = platform::ToText(tables_.Active().SavePath());
+  const auto path = Shown(tables_.Active().SavePath());
   if (tables_.Save())
     message_ = program_.Runtime().Language().GetText(u"Terminal.Save.Saved", u"Saved: %1", path);
 }

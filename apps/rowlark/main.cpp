@@ -14,6 +14,7 @@
 #include "SettingsCommands.h"
 #include "TerminalProgram.h"
 #include "host/Error.h"
+#include "util/FileSystemPlatform.h"
 #include "util/Utf.h"
 
 namespace {
@@ -195,6 +196,9 @@ int Run(int argc, char** argv) {
   for (const std::string& filter : filters) {
     const std::size_t at = filter.find('=');
     arguments.filters.push_back({filter.substr(0, at), filter.substr(at + 1)});
+  }
+  if (common.config.empty() && rowlark::platform::ConfigurationFolder().empty()) {
+    std::fputs("rowlark: there is no home folder: settings are not kept\n", stderr);
   }
   if (app.get_subcommands().empty()) return RunTerminal(table, common);
   rowlark::Console console;

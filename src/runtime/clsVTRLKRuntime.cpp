@@ -29,7 +29,8 @@ void clsVTRLKRuntime::SetExcelApp(Ref<host::Application> application) {
 }
 
 void clsVTRLKRuntime::Init() {
-  if (Items->CfgFileName.empty()) Items->CfgFileName = shared_.Platform.ConfigurationFolder + u"rowlark.cfg";
+  const auto& folder = shared_.Platform.ConfigurationFolder;
+  if (Items->CfgFileName.empty() && !folder.empty()) Items->CfgFileName = folder + u"rowlark.cfg";
   Items->CfgLoad();
   shared_.Language->LoadLangFile();
 }

@@ -1,10 +1,8 @@
 #include "server/Library.h"
 
-#include <shlobj.h>
-
 #include <utility>
 
-#include "automation/Variant.h"
+#include "util/FileSystemPlatform.h"
 
 namespace rowlark::server {
 namespace {
@@ -14,9 +12,8 @@ std::u16string FolderOf(std::u16string_view file_name) {
 }
 
 std::u16string ConfigurationFolder() {
-  wchar_t folder[MAX_PATH] = {};
-  if (FAILED(SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder))) return {};
-  return automation::Narrow(folder) + std::u16string(u"\\Vantrel\\Rowlark\\");
+  const auto folder = platform::ConfigurationFolder();
+  return folder.empty() ? std::u16string() : platform::ToText(folder / "Vantrel" / "Rowlark" / "");
 }
 
 }  // namespace

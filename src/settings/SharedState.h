@@ -24,8 +24,8 @@ struct Platform {
   host::WindowSystem& Windows;
   const mclsVTFileSystem& Files;
   std::u16string LibraryFolder;  // where the language files lie
-  std::u16string
-      ConfigurationFolder;  // the user's, with a separator at its end; made when it is first needed
+  // The user's, with a separator at its end; made when it is first needed. Empty: settings are not kept.
+  std::u16string ConfigurationFolder;
 };
 
 // What the settings objects stand on. They share it by count, since a client may hold a profile, the

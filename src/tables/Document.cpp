@@ -70,7 +70,7 @@ bool WriteFile(const std::filesystem::path& path, Writer& writer, const Document
     return path.string() + ": " + CellName(writer.Row(), writer.Column()) + ": " + error.what();
   };
   try {
-    const auto failed = platform::ReplaceContent(path, next, [] {});
+    const auto failed = platform::ReplaceContent(path, next, platform::Access::Ordinary, [] {});
     if (failed) throw std::runtime_error(path.string() + ": " + failed.message());
   } catch (const SavingStopped&) {
     return false;

@@ -31,6 +31,7 @@ bool Read(const std::u16string& text, std::integral auto& number) {
 
 std::filesystem::path RecoveryFile(const std::filesystem::path& folder,
                                    const std::filesystem::path& document) {
+  if (folder.empty()) return {};
   // The name has to be the same in every build, so it is no std::hash (this is FNV-1a).
   std::uint64_t hash = 0xCBF29CE484222325u;
   for (const char c : std::filesystem::absolute(document).lexically_normal().string()) {
@@ -48,10 +49,13 @@ void WriteRecovery(const std::filesystem::path& file, const Recovery& recovery) 
   for (const auto& edit : recovery.edits) {
     list.insert(list.end(), {edit.sheet, Text(edit.row), Text(edit.column), edit.text});
   }
-  std::error_code failed;
-  std::filesystem::create_directories(file.parent_path(), failed);
-  failed = platform::ReplaceContent(file, ToUtf8(mclsVTString::ArrayJoin(list)), [] {});
-  if (failed) throw std::runtime_error(file.string() + ": " + failed.message());
+  try {
+    const mclsVTFileSystem files;
+    files.DirsMake(platform::ToText(file.parent_path()));
+    files.StringWrite(platform::ToText(file), mclsVTString::ArrayJoin(list));
+  } catch (const AutomationError& error) {
+    throw std::runtime_error(ToUtf8(error.Description()));
+  }
 }
 
 std::optional<Recovery> ReadRecovery(const std::filesystem::path& file,
@@ -70,7 +74,7 @@ std::optional<Recovery> ReadRecovery(const std::filesystem::path& file,
   recovery.document = document;
   std::size_t count = 0;
   if (list.size() < kHeader || list[0] != kTitle) return recovery;
-  if (list[1] != platform::ToText(std::filesystem::absolute(document).lexically_normal()))
+  if (platform::ToPath(list[1]) != std::filesystem::absolute(document).lexically_normal())
     return std::nullopt;
   if (!Read(list[2], recovery.stamp.size) || !Read(list[3], recovery.stamp.time) || !Read(list[4], count)) {
     return recovery;

@@ -27,11 +27,11 @@ struct Recovery {
   bool damaged = false;  // the file ends early or makes no sense; these are the edits before the damage
 };
 
-// Where the edits of a document are kept.
+// Where the edits of a document are kept: no file without a folder.
 std::filesystem::path RecoveryFile(const std::filesystem::path& folder,
                                    const std::filesystem::path& document);
 
-// Replaces the file as a whole. Throws std::runtime_error("path: reason").
+// Replaces the file as a whole; for the user alone. Throws std::runtime_error.
 void WriteRecovery(const std::filesystem::path& file, const Recovery& recovery);
 // Nothing without the file, or when it is about another document. Throws std::runtime_error when it can not
 // be read.

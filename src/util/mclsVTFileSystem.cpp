@@ -116,7 +116,7 @@ bool mclsVTFileSystem::IsMissing(std::u16string_view file) const {
 }
 
 platform::FileLock mclsVTFileSystem::Lock(std::u16string_view file) const {
-  return platform::FileLock(paths_.ToNative(file));
+  return platform::FileLock(paths_.ToNative(file), access_);
 }
 
 bool mclsVTFileSystem::IsPathExists(std::u16string_view directory) const {
@@ -216,9 +216,7 @@ void mclsVTFileSystem::DirsMake(std::u16string_view directory) const {
     end = std::min(directory.find_first_of(kSeparators, end), directory.size());
     const std::u16string_view level = directory.substr(0, end);
     if (IsPathExists(level)) continue;
-    std::error_code error;
-    fs::create_directory(paths_.ToNative(level), error);
-    CheckDir(error, u"DirsMake", level);
+    CheckDir(platform::MakeFolder(paths_.ToNative(level), access_), u"DirsMake", level);
   }
 }
 
@@ -270,7 +268,8 @@ std::string mclsVTFileSystem::ReadBytes(std::u16string_view file, std::u16string
 
 void mclsVTFileSystem::WriteBytes(std::u16string_view file, std::string_view bytes,
                                   std::u16string_view member) const {
-  CheckFile(platform::ReplaceContent(paths_.ToNative(file), bytes, [this] { BetweenSteps(); }), member, file);
+  CheckFile(platform::ReplaceContent(paths_.ToNative(file), bytes, access_, [this] { BetweenSteps(); }),
+            member, file);
 }
 
 std::vector<uint8_t> mclsVTFileSystem::BinaryRead(std::u16string_view file) const {

@@ -26,7 +26,9 @@ class mclsVTFileSystem {
 
   using DateTime = std::chrono::local_seconds;  // local time
 
-  explicit mclsVTFileSystem(PathMap paths = {}) : paths_(std::move(paths)) {}
+  // What it makes is for the program's user alone unless `access` says otherwise.
+  explicit mclsVTFileSystem(PathMap paths = {}, platform::Access access = platform::Access::Private)
+      : paths_(std::move(paths)), access_(access) {}
   mclsVTFileSystem(const mclsVTFileSystem&) = delete;
   mclsVTFileSystem& operator=(const mclsVTFileSystem&) = delete;
   virtual ~mclsVTFileSystem() = default;
@@ -94,6 +96,7 @@ class mclsVTFileSystem {
   static std::error_code Rename(std::filesystem::path path, std::u16string_view new_name);
 
   PathMap paths_;
+  platform::Access access_;
 };
 
 }  // namespace rowlark

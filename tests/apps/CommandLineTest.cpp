@@ -36,11 +36,11 @@ class CommandLine : public ::testing::Test {
     folder_.Write("empty.csv", "");
   }
 
-  // Runs the program in the folder of the files; `arguments` are a shell's.
-  Outcome Run(const std::string& arguments) const {
+  // Runs the program in the folder of the files, on demand by another one; `arguments` are a shell's.
+  Outcome Run(const std::string& arguments, const std::string& runner = "") const {
     const std::string folder = folder_.Path().string();
-    const std::string command = "cd '" + folder + "' && { XDG_CONFIG_HOME='" + folder +
-                                "/config' '" ROWLARK_PROGRAM "' " + arguments + "; } >out 2>error </dev/null";
+    const std::string command = "cd '" + folder + "' && { XDG_CONFIG_HOME='" + folder + "/config' " + runner +
+                                "'" ROWLARK_PROGRAM "' " + arguments + "; } >out 2>error </dev/null";
     const int status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Read("out"), Read("error")};
   }
@@ -194,6 +194,40 @@ TEST_F(CommandLine, BearsWhateverTheConfigurationHolds) {
   const auto outcome = Run("profiles set x.csv --jump B --config unreadable.cfg");
   EXPECT_EQ(outcome.status, 2);
   EXPECT_NE(outcome.error.find("unreadable.cfg"), std::string::npos) << outcome.error;
+}
+
+TEST_F(CommandLine, TakesNamesAsTheyAre) {
+  for (const std::string name : {"b\\s", "n\xFF"}) {
+    const std::string there = "/" + folder_.Path().string() + "/" + name;
+    EXPECT_EQ(Run("search orders.csv paid --config '" + name + ".cfg'").status, 0);
+    EXPECT_EQ(Run("search orders.csv open --config '" + there + ".cfg'").status, 0);
+    EXPECT_EQ(Run("history list --config '" + name + ".cfg'").output, "open\npaid\n");
+    EXPECT_TRUE(std::filesystem::is_regular_file(there + ".cfg"));
+    // A profile belongs to the file of exactly that name.
+    std::filesystem::copy(folder_.Path() / "orders.csv", there + ".csv");
+    EXPECT_EQ(Run("profiles set '" + name + ".csv' --columns C").status, 0);
+    EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\n" + name + ".csv\tauto\tC\tauto\n");
+    EXPECT_EQ(Run("search '" + there + ".csv' 5").status, 1);
+    EXPECT_EQ(Run("profiles remove '" + name + ".csv'").status, 0);
+  }
+}
+
+TEST_F(CommandLine, KeepsNoSettingsWithoutAHome) {
+  // A user whom no account names.
+  const std::string nobody = "env -u XDG_CONFIG_HOME HOME=home setpriv --reuid=54321 --clear-groups ";
+  if (Run("--version", nobody).status != 0) GTEST_SKIP() << "needs another user who may run the program";
+  std::filesystem::permissions(folder_.Path(), std::filesystem::perms(0777));
+  const std::string said = "rowlark: there is no home folder: settings are not kept\n";
+  EXPECT_EQ(Run("search orders.csv paid", nobody).error, said);
+  EXPECT_EQ(Run("profiles list", nobody).status, 0);
+  const auto refused = Run("profiles set orders.csv --columns A", nobody);
+  EXPECT_EQ(refused.error, said + "rowlark: the settings were not saved\n");
+  EXPECT_EQ(refused.status, 2);
+  for (const auto& entry : std::filesystem::directory_iterator(folder_.Path())) {
+    EXPECT_FALSE(entry.is_directory()) << entry.path();
+    EXPECT_NE(entry.path().extension(), ".cfg") << entry.path();
+  }
+  EXPECT_EQ(Run("search orders.csv paid --config own.cfg", nobody).error, "");
 }
 
 }  // namespace

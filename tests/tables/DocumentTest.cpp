@@ -214,6 +214,8 @@ TEST(Document, OpensWorkbooksAndSavesThemAsCsv) {
   EXPECT_EQ(Read(folder.Path() / "book.T_wo.csv"),
             "\xEF\xBB\xBF"
             "2,\"a,b\"\r\n");
+  EXPECT_EQ(std::filesystem::status(document.SavePath()).permissions(),
+            std::filesystem::status(folder.Write("any", "")).permissions());
   EXPECT_FALSE(document.IsModified());
   EXPECT_EQ(document.Refusal(), Reason::FileExists);
 
@@ -262,8 +264,9 @@ TEST(Loader, TellsAProcessThatEndsFromTheEndOfTheFile) {
 
 TEST(Document, RecoversEdits) {
   const TempFolder folder;
-  const auto path = folder.Write("table.csv", "a,b\nc,d\n");
-  const auto recovery = folder.Path() / "settings" / "rowlark";
+  const std::string name = "ta\\ble\xFF.csv";
+  const auto path = "/" + folder.Write(name, "a,b\nc,d\n").string();
+  const auto recovery = folder.Path() / "set\\ti\xFFngs" / "rowlark";
   {
     Opened document(path);
     document.WriteRecovery(recovery);
@@ -286,6 +289,11 @@ TEST(Document, RecoversEdits) {
 
   // Cut off anywhere, it gives the edits before and says so.
   const auto file = RecoveryFile(recovery, path);
+  for (const auto& made : {recovery, recovery.parent_path(), file}) {
+    EXPECT_EQ(std::filesystem::status(made).permissions() & std::filesystem::perms(077),
+              std::filesystem::perms::none);
+  }
+  EXPECT_EQ(RecoveryFile({}, path), "");
   const auto bytes = Read(file);
   for (std::size_t size = 0; size < bytes.size(); ++size) {
     std::ofstream(file, std::ios::binary) << bytes.substr(0, size);
@@ -293,7 +301,7 @@ TEST(Document, RecoversEdits) {
     ASSERT_TRUE(damaged && damaged->damaged) << size;
     EXPECT_LT(damaged->edits.size(), 3u) << size;
   }
-  folder.Write("table.csv", "other content\n");
+  folder.Write(name, "other content\n");
   std::ofstream(file, std::ios::binary) << bytes;
   EXPECT_NE(document.FindRecovery(recovery)->stamp, FileStamp::Of(path));
   document.RemoveRecovery(recovery);

@@ -9,6 +9,7 @@
 #include "util/FileSystemPlatform.h"
 #include "util/Text.h"
 #include "util/Utf.h"
+#include "util/mclsVTFileSystem.h"
 
 namespace rowlark::standalone {
 namespace {
@@ -182,28 +183,19 @@ bool CanBeKept(std::u16string_view key) {
          IsValidUtf8(ToUtf8(key));
 }
 
-std::u16string ConfigurationFile(std::string_view folder) {
-  return ToUtf16(folder) + u"/vantrel/rowlark/registry";
-}
-
-std::string_view Environment(const char* name) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? std::string_view() : value;
+std::u16string ConfigurationFile(const std::filesystem::path& folder) {
+  return platform::ToText(folder / "vantrel" / "rowlark" / "registry");
 }
 
 }  // namespace
 
 RegistryPaths DefaultRegistryPaths() {
   RegistryPaths paths;
-  // Relative folders are to be passed over.
-  const std::string_view user = Environment("XDG_CONFIG_HOME"), home = Environment("HOME");
-  if (user.starts_with('/')) {
-    paths.user = ConfigurationFile(user);
-  } else if (!home.empty()) {
-    paths.user = ConfigurationFile(std::string(home) + "/.config");
-  }
+  if (const auto user = platform::ConfigurationFolder(); !user.empty()) paths.user = ConfigurationFile(user);
 
-  std::string_view folders = Environment("XDG_CONFIG_DIRS");
+  // Relative folders are to be passed over.
+  const char* const list = std::getenv("XDG_CONFIG_DIRS");
+  std::string_view folders = list == nullptr ? "" : list;
   while (!folders.empty() && !folders.starts_with('/')) {
     folders.remove_prefix(std::min(folders.find(':'), folders.size() - 1) + 1);
   }
@@ -283,12 +275,13 @@ const std::u16string& FileRegistry::PathOf(Hive hive) const {
 }
 
 std::optional<FileRegistry::Lines> FileRegistry::Load(const std::u16string& file) const {
+  const mclsVTFileSystem files;
   std::string text;
   try {
-    const std::vector<uint8_t> bytes = files_.BinaryRead(file);
+    const std::vector<uint8_t> bytes = files.BinaryRead(file);
     text.assign(bytes.begin(), bytes.end());
   } catch (const AutomationError&) {
-    return files_.FileModified(file) ? std::nullopt : std::optional(Lines());
+    return files.FileModified(file) ? std::nullopt : std::optional(Lines());
   }
   Lines lines;
   for (std::string_view rest = text; !rest.empty();) {
@@ -302,9 +295,12 @@ std::optional<FileRegistry::Lines> FileRegistry::Load(const std::u16string& file
 bool FileRegistry::Change(Hive hive, const std::function<bool(Lines&)>& change) {
   const std::u16string& file = PathOf(hive);
   if (file.empty()) return false;
+  // The machine's values are for all of its users to read.
+  const auto access = hive == Hive::LocalMachine ? platform::Access::Ordinary : platform::Access::Private;
+  const mclsVTFileSystem files({}, access);
   try {
-    files_.DirsMake(std::u16string_view(file).substr(0, file.find_last_of(PathMap::kSeparators) + 1));
-    const platform::FileLock lock(platform::ToPath(file + u".lock"));
+    files.DirsMake(std::u16string_view(file).substr(0, file.find_last_of(PathMap::kSeparators) + 1));
+    const platform::FileLock lock(PathMap().ToNative(file + u".lock"), access);
     if (!lock.Held()) return false;
     std::optional<Lines> lines = Load(file);
     if (!lines || !change(*lines)) return false;
@@ -313,7 +309,7 @@ bool FileRegistry::Change(Hive hive, const std::function<bool(Lines&)>& change) 
       bytes.insert(bytes.end(), line.bytes.begin(), line.bytes.end());
       bytes.push_back('\n');
     }
-    files_.BinaryWrite(file, bytes);
+    files.BinaryWrite(file, bytes);
     return true;
   } catch (const AutomationError&) {
     return false;
@@ -376,7 +372,7 @@ bool FileRegistry::DeleteValue(Hive hive, std::u16string_view key, std::u16strin
 bool FileRegistry::DeleteKey(Hive hive, std::u16string_view key) {
   const std::u16string folded = FoldCase(TrimKey(key));
   const std::u16string& file = PathOf(hive);
-  if (folded.empty() || !files_.IsFileExists(file)) return false;
+  if (folded.empty() || !mclsVTFileSystem().IsFileExists(file)) return false;
   return Change(hive, [&folded](Lines& lines) {
     bool within = false, found = false;
     Lines kept;

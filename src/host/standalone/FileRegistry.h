@@ -12,7 +12,8 @@
 // Lines that cannot be understood count for nothing and stay where they are when the file is written; values
 // below a header that cannot be understood belong to no key. A file that is there and cannot be read counts
 // as empty and is never written. Files are read at every call, so other processes' changes are seen, and
-// changed under a lock ("registry.lock" beside "registry"), so no change gets lost.
+// changed under a lock ("registry.lock" beside "registry"), so no change gets lost. The user's are made for
+// that user alone.
 #pragma once
 
 #include <functional>
@@ -22,7 +23,6 @@
 #include <vector>
 
 #include "host/Registry.h"
-#include "util/mclsVTFileSystem.h"
 
 namespace rowlark::standalone {
 
@@ -32,8 +32,8 @@ struct RegistryPaths {
   std::u16string machine;
 };
 
-// The files in the folders that the environment names: $XDG_CONFIG_HOME or ~/.config, and the first of
-// $XDG_CONFIG_DIRS or /etc/xdg.
+// The files in the folders that the environment names: $XDG_CONFIG_HOME or ~/.config (no file without a
+// home), and the first of $XDG_CONFIG_DIRS or /etc/xdg.
 RegistryPaths DefaultRegistryPaths();
 
 class FileRegistry final : public host::Registry {
@@ -75,7 +75,6 @@ class FileRegistry final : public host::Registry {
   bool Change(host::Hive hive, const std::function<bool(Lines&)>& change);
 
   RegistryPaths paths_;
-  mclsVTFileSystem files_;
 };
 
 }  // namespace rowlark::standalone

@@ -1,10 +1,12 @@
 #include "util/FileSystemPlatform.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <ctime>
 #include <utility>
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -18,6 +20,15 @@ namespace fs = std::filesystem;
 
 std::error_code LastError() { return {errno, std::generic_category()}; }
 
+constexpr char32_t kByte = 0xDC00;  // of a name, which is no text
+
+mode_t FileMode(Access access) { return access == Access::Private ? 0600 : 0666; }
+
+fs::path Environment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value == nullptr ? "" : value;
+}
+
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
@@ -27,21 +38,32 @@ class Descriptor {
     if (number_ >= 0) ::close(number_);
   }
   int operator*() const { return number_; }
-  // Some file systems report only here that a write failed.
-  bool Close() { return ::close(std::exchange(number_, -1)) == 0; }
 
  private:
   int number_;
 };
 
-// A new file in a folder, removed again unless it was renamed.
+// A new file in a folder, removed again unless it was renamed. It is locked as long as its process needs it.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const fs::path& folder) : file_(Create(folder, path_)), is_there_(*file_ >= 0) {}
+  TemporaryFile(const fs::path& folder, mode_t mode)
+      : file_(Create(folder, mode, path_)), is_there_(*file_ >= 0) {}
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {
     if (is_there_) ::unlink(path_.c_str());
+  }
+
+  // Removes what processes left in a folder that did not come to the end; others hold their locks.
+  static void RemoveLeftovers(const fs::path& folder) {
+    std::error_code error;
+    fs::directory_iterator entry(folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+      const fs::path& path = entry->path();
+      if (!IsTemporary(path.filename().native())) continue;
+      const Descriptor file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+      if (*file >= 0 && ::flock(*file, LOCK_EX | LOCK_NB) == 0 && IsLinked(*file)) ::unlink(path.c_str());
+    }
   }
 
   bool IsThere() const { return is_there_; }
@@ -58,15 +80,19 @@ class TemporaryFile {
     return true;
   }
 
-  // As far as the user may: an owner that cannot be kept is no reason to refuse the content.
+  // As far as the user may: an owner that cannot be kept is no reason to refuse the content. What the group
+  // might do is for no other one.
   bool TakePermissions(const struct stat& of) {
-    if (::fchown(*file_, of.st_uid, of.st_gid) != 0 && errno != EPERM) return false;
-    return ::fchmod(*file_, of.st_mode & 0777) == 0;
+    constexpr uid_t kAsItIs = static_cast<uid_t>(-1);
+    const bool has_group = ::fchown(*file_, of.st_uid, of.st_gid) == 0 ||
+                           ::fchown(*file_, kAsItIs, of.st_gid) == 0 || GroupOf(*file_) == of.st_gid;
+    return ::fchmod(*file_, of.st_mode & (has_group ? 0777 : 0707)) == 0;
   }
 
   bool Flush() { return ::fsync(*file_) == 0; }
 
-  bool Close() { return file_.Close(); }
+  // Some file systems report only when a file is closed that a write failed. The lock stays.
+  bool ReportFailedWrites() { return ::close(::dup(*file_)) == 0; }
 
   bool RenameTo(const fs::path& target) {
     if (::rename(path_.c_str(), target.c_str()) != 0) return false;
@@ -75,15 +101,41 @@ class TemporaryFile {
   }
 
  private:
-  // Another process cannot have the name, but a file left by an earlier one of the same number can.
-  static int Create(const fs::path& folder, fs::path& path) {
+  // Another process cannot have the name, but one on another machine or a file left by an earlier one can.
+  static int Create(const fs::path& folder, mode_t mode, fs::path& path) {
     for (int attempt = 0; attempt < 10'000; ++attempt) {
-      path = folder / (".rowlark-" + std::to_string(::getpid()) + "-" + std::to_string(attempt) + ".tmp");
-      const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-      if (file >= 0 || errno != EEXIST) return file;
+      path = folder / std::string(kPrefix)
+                          .append(std::to_string(::getpid()) + "-" + std::to_string(attempt))
+                          .append(kSuffix);
+      const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+      if (file < 0 && errno != EEXIST) return file;
+      if (file < 0) continue;
+      // Where there are no locks, nothing is ever taken for a leftover.
+      const bool is_taken = ::flock(file, LOCK_EX | LOCK_NB) != 0 ? errno == EWOULDBLOCK : !IsLinked(file);
+      if (!is_taken) return file;
+      ::close(file);
+      ::unlink(path.c_str());
     }
     return -1;
   }
+
+  static bool IsTemporary(std::string_view name) {
+    return name.starts_with(kPrefix) && name.ends_with(kSuffix) &&
+           name.find_first_not_of("0123456789-", kPrefix.size()) == name.size() - kSuffix.size();
+  }
+
+  static bool IsLinked(int file) {
+    struct stat status {};
+    return ::fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink > 0;
+  }
+
+  static std::optional<gid_t> GroupOf(int file) {
+    struct stat status {};
+    return ::fstat(file, &status) == 0 ? std::optional(status.st_gid) : std::nullopt;
+  }
+
+  static constexpr std::string_view kPrefix = ".rowlark-";
+  static constexpr std::string_view kSuffix = ".tmp";
 
   fs::path path_;
   Descriptor file_;
@@ -130,11 +182,47 @@ timespec ToTimespec(const std::optional<std::chrono::local_seconds>& time, std::
 
 }  // namespace
 
-fs::path ToPath(std::u16string_view text) { return ToUtf8(text); }
+// No other byte than those that ToText replaces: a text does not bring a "/" or an end into a name.
+fs::path ToPath(std::u16string_view text) {
+  std::string bytes;
+  while (!text.empty()) {
+    const char32_t c = TakeUtf16(text);
+    const bool is_byte = c == kByte + U'\\' || (c >= kByte + 0x80 && c <= kByte + 0xFF);
+    is_byte ? bytes.push_back(static_cast<char>(c - kByte)) : AppendUtf8(bytes, c);
+  }
+  return bytes;
+}
 
-std::u16string ToText(const fs::path& path) { return ToUtf16(path.native()); }
+std::u16string ToText(const fs::path& path) {
+  std::u16string text;
+  for (std::string_view bytes = path.native(); !bytes.empty();) {
+    std::string_view rest = bytes;
+    const char32_t c = TakeUtf8(rest);
+    const std::string_view taken = bytes.substr(0, bytes.size() - rest.size());
+    if (c != U'\\' && IsValidUtf8(taken)) {
+      AppendUtf16(text, c);
+      bytes = rest;
+    } else {
+      text += static_cast<char16_t>(kByte + static_cast<unsigned char>(bytes.front()));
+      bytes.remove_prefix(1);
+    }
+  }
+  return text;
+}
 
 bool DriveExists(std::u16string_view) { return false; }
+
+// Relative folders are to be passed over.
+fs::path ConfigurationFolder() {
+  const fs::path folder = Environment("XDG_CONFIG_HOME");
+  if (folder.is_absolute()) return folder;
+  if (const fs::path home = Environment("HOME"); home.is_absolute()) return home / ".config";
+  const passwd* const account = ::getpwuid(::geteuid());
+  const fs::path home = account != nullptr && account->pw_dir != nullptr ? account->pw_dir : "";
+  std::error_code missing;
+  // Accounts that are nobody's have a home that is not there.
+  return home.is_absolute() && fs::is_directory(home, missing) ? home / ".config" : fs::path();
+}
 
 std::u16string FromAnsi(std::string_view bytes) { return FromWindows1252(bytes); }
 
@@ -145,14 +233,21 @@ std::error_code SetTimes(const fs::path& file, const FileTimes& times) {
   return error;
 }
 
-std::error_code ReplaceContent(const fs::path& file, std::string_view bytes,
+std::error_code MakeFolder(const fs::path& folder, Access access) {
+  if (::mkdir(folder.c_str(), access == Access::Private ? 0700 : 0777) == 0) return {};
+  const std::error_code error = LastError();
+  std::error_code missing;
+  return fs::is_directory(folder, missing) ? std::error_code() : error;
+}
+
+std::error_code ReplaceContent(const fs::path& file, std::string_view bytes, Access access,
                                const std::function<void()>& between_steps) {
   return ReplaceContent(
-      file, [&] { return std::exchange(bytes, {}); }, between_steps);
+      file, [&] { return std::exchange(bytes, {}); }, access, between_steps);
 }
 
 std::error_code ReplaceContent(const fs::path& file, const std::function<std::string_view()>& next_piece,
-                               const std::function<void()>& between_steps) {
+                               Access access, const std::function<void()>& between_steps) {
   std::error_code error;
   const fs::path target = FollowLinks(file, error);
   if (error) return error;
@@ -169,7 +264,9 @@ std::error_code ReplaceContent(const fs::path& file, const std::function<std::st
 
   between_steps();
   const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-  TemporaryFile beside(folder);
+  TemporaryFile::RemoveLeftovers(folder);
+  // Until it has the permissions of the file that it replaces, nobody else is to read it.
+  TemporaryFile beside(folder, FileMode(is_there ? Access::Private : access));
   if (!beside.IsThere()) return LastError();
   between_steps();
   for (std::string_view piece = next_piece(); !piece.empty(); piece = next_piece()) {
@@ -180,7 +277,7 @@ std::error_code ReplaceContent(const fs::path& file, const std::function<std::st
   between_steps();
   if (!beside.Flush()) return LastError();
   between_steps();
-  if (!beside.Close()) return LastError();
+  if (!beside.ReportFailedWrites()) return LastError();
   between_steps();
   if (!beside.RenameTo(target)) return LastError();
   between_steps();
@@ -188,8 +285,8 @@ std::error_code ReplaceContent(const fs::path& file, const std::function<std::st
   return {};
 }
 
-FileLock::FileLock(const fs::path& file) {
-  const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+FileLock::FileLock(const fs::path& file, Access access) {
+  const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, FileMode(access));
   if (descriptor < 0) return;
   int result = 0;
   do {

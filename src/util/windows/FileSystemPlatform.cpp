@@ -1,5 +1,6 @@
 #include "util/FileSystemPlatform.h"
 
+#include <shlobj.h>
 #include <windows.h>
 
 #include <utility>
@@ -128,6 +129,12 @@ bool DriveExists(std::u16string_view drive) {
   return letter >= u'a' && letter <= u'z' && ((::GetLogicalDrives() >> (letter - u'a')) & 1) != 0;
 }
 
+fs::path ConfigurationFolder() {
+  wchar_t folder[MAX_PATH] = {};
+  if (FAILED(::SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder))) return {};
+  return folder;
+}
+
 std::u16string FromAnsi(std::string_view bytes) {
   if (bytes.empty()) return {};
   const int size = static_cast<int>(bytes.size());
@@ -153,14 +160,20 @@ std::error_code SetTimes(const fs::path& file, const FileTimes& times) {
   return ::SetFileTime(*handle, given[0], given[1], given[2]) != 0 ? std::error_code() : LastError();
 }
 
-std::error_code ReplaceContent(const fs::path& file, std::string_view bytes,
+std::error_code MakeFolder(const fs::path& folder, Access) {
+  std::error_code error;
+  fs::create_directory(folder, error);
+  return error;
+}
+
+std::error_code ReplaceContent(const fs::path& file, std::string_view bytes, Access access,
                                const std::function<void()>& between_steps) {
   return ReplaceContent(
-      file, [&] { return std::exchange(bytes, {}); }, between_steps);
+      file, [&] { return std::exchange(bytes, {}); }, access, between_steps);
 }
 
 std::error_code ReplaceContent(const fs::path& file, const std::function<std::string_view()>& next_piece,
-                               const std::function<void()>& between_steps) {
+                               Access, const std::function<void()>& between_steps) {
   std::error_code error;
   fs::path target = file;
   if (fs::is_symlink(target, error)) target = fs::weakly_canonical(target, error);
@@ -188,7 +201,7 @@ std::error_code ReplaceContent(const fs::path& file, const std::function<std::st
   return {};
 }
 
-FileLock::FileLock(const fs::path& file) {
+FileLock::FileLock(const fs::path& file, Access) {
   const HANDLE handle =
       ::CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                     OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);

@@ -1,7 +1,9 @@
 // Settings of processes that run at the same time, and where their environment puts them.
 #include <gtest/gtest.h>
 
+#include <pwd.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -42,6 +44,33 @@ TEST(FileRegistry, LiesWhereTheEnvironmentSays) {
   ::unsetenv("XDG_CONFIG_DIRS");
   EXPECT_EQ(standalone::DefaultRegistryPaths().user, u"/x/vantrel/rowlark/registry");
   EXPECT_EQ(standalone::DefaultRegistryPaths().machine, u"/etc/xdg/vantrel/rowlark/registry");
+
+  // Without a home in the environment it is the account's, and some have none.
+  ::unsetenv("XDG_CONFIG_HOME");
+  const std::string home = ::getpwuid(::geteuid())->pw_dir;
+  for (const char* unfit : {"", "relative", "./x"}) {
+    ::setenv("HOME", unfit, 1);
+    EXPECT_EQ(ToUtf8(standalone::DefaultRegistryPaths().user), home + "/.config/vantrel/rowlark/registry");
+  }
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(::setuid(54321) == 0 && !standalone::DefaultRegistryPaths().user.empty() ? 1 : 0);
+  int status = 1;
+  EXPECT_TRUE(::waitpid(child, &status, 0) == child && status == 0);
+}
+
+TEST(FileRegistry, KeepsTheUsersValuesPrivateAndLetsAllReadTheMachines) {
+  const TempFolder folder;
+  const auto path = [&folder](const char* name) { return ToUtf16((folder.Path() / name).string()); };
+  standalone::FileRegistry file({path("u/registry"), path("m/registry")});
+  const mode_t before = ::umask(022);
+  for (const Hive hive : {Hive::CurrentUser, Hive::LocalMachine}) EXPECT_TRUE(file.CreateKey(hive, u"Key"));
+  ::umask(before);
+  for (const auto& [name, mode] :
+       {std::pair("u", 0700u), std::pair("u/registry", 0600u), std::pair("u/registry.lock", 0600u),
+        std::pair("m", 0755u), std::pair("m/registry", 0644u)}) {
+    EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(folder.Path() / name).permissions()), mode)
+        << name;
+  }
 }
 
 TEST(Configuration, ProcessesThatSaveAtOnceLoseNothingOfOneAnother) {

@@ -3,7 +3,9 @@
 
 #include <csignal>
 
+#include <grp.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -60,18 +62,108 @@ TEST_F(FileSystemOnPosix, FollowsLinksAndKeepsPermissions) {
   EXPECT_EQ(files_.StringRead(u"R:\\target"), u"again");
 }
 
+// Calls a function wherever a save might end.
+struct Watched : mclsVTFileSystem {
+  using mclsVTFileSystem::mclsVTFileSystem;
+  void BetweenSteps() const override { Step(); }
+  std::function<void()> Step;
+};
+
+TEST_F(FileSystemOnPosix, MakesFilesForTheUserAloneUnlessTold) {
+  const auto mode = [this](const fs::path& name) {
+    return static_cast<unsigned>(fs::status(at_ / name).permissions());
+  };
+  const mode_t before = ::umask(0);
+  files_.DirsMake(u"R:\\a\\b");
+  for (const char* made : {"a", "a/b"}) EXPECT_EQ(mode(made), 0700u) << made;
+  EXPECT_TRUE(platform::FileLock(at_ / "lock", platform::Access::Private).Held());
+  EXPECT_EQ(mode("lock"), 0600u);
+  ::umask(027);
+  const mclsVTFileSystem ordinary({}, platform::Access::Ordinary);
+  ordinary.DirsMake(path_ + u"/o");
+  ordinary.StringWrite(path_ + u"/o/f", u"");
+  EXPECT_EQ(mode("o") << 12 | mode("o/f"), 0750u << 12 | 0640u);
+  ::umask(0);
+
+  // Others see nothing of a file that is not yet in its place.
+  Watched watched({}, platform::Access::Ordinary);
+  watched.Step = [&] {
+    for (const auto& entry : fs::directory_iterator(at_ / "a/b")) {
+      const bool is_whole = entry.path().extension() == ".tmp" && entry.file_size() == 3;
+      EXPECT_TRUE(is_whole || mode(entry.path()) == 0600u) << entry.path();
+    }
+  };
+  files_.StringWrite(u"R:\\a\\b\\f", u"old");
+  EXPECT_EQ(mode("a/b/f"), 0600u);
+  watched.StringWrite(path_ + u"/a/b/f", u"new");
+  EXPECT_EQ(mode("a/b/f"), 0600u);
+  ::umask(before);
+}
+
+TEST_F(FileSystemOnPosix, KeepsTheGroupAloneAndHandsItsRightsToNoOther) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs several users";
+  constexpr gid_t kGroup = 54321, kOther = 54322;
+  constexpr uid_t kOwner = 54321, kWriter = 54322;
+  struct stat now {};
+  fs::permissions(at_, fs::perms(0777));
+  // What a member of the group makes of a file, and what somebody else does.
+  for (const auto& [groups, group, mode] : {std::tuple(1, kGroup, 0666u), std::tuple(0, kOther, 0606u)}) {
+    const auto file = folder_.Write("shared", "old");
+    ASSERT_TRUE(::chown(file.c_str(), kOwner, kGroup) == 0 && ::chmod(file.c_str(), 0666) == 0);
+    EXPECT_TRUE(Succeeds(Start([&, count = groups] {
+      EXPECT_TRUE(::setgroups(static_cast<std::size_t>(count), &kGroup) == 0 && ::setgid(kOther) == 0 &&
+                  ::setuid(kWriter) == 0);
+      files_.StringWrite(u"R:\\shared", u"new");
+    })));
+    EXPECT_EQ(::stat(file.c_str(), &now), 0);
+    EXPECT_EQ(std::tuple(now.st_uid, now.st_gid, now.st_mode & 0777u), std::tuple(kWriter, group, mode));
+  }
+  // Whoever may, keeps both.
+  EXPECT_EQ(::chown((at_ / "shared").c_str(), kOwner, kGroup), 0);
+  files_.StringWrite(u"R:\\shared", u"new");
+  EXPECT_EQ(::stat((at_ / "shared").c_str(), &now), 0);
+  EXPECT_EQ(std::tuple(now.st_uid, now.st_gid), std::tuple(kOwner, kGroup));
+}
+
+TEST_F(FileSystemOnPosix, WritesUnderExactlyTheNameOfTheFile) {
+  for (const std::string name : {"a\\b", "\xFF\xE2\x82\\", "\xED\xB2\x80", "\xF0\x9F\x98\x80\xB2", "ü"}) {
+    const fs::path file = "/" + (at_ / name).string();
+    files_.StringWrite(platform::ToText(file), u"x");
+    EXPECT_TRUE(fs::is_regular_file(at_ / name)) << name;
+    EXPECT_EQ(platform::ToPath(platform::ToText(file)), file);
+    mclsVTDictionary found;
+    files_.DirScanFiles(u"R:", found, false);
+    ASSERT_EQ(found.Count(), 1) << name;
+    files_.FileKill(*found.begin());
+  }
+  EXPECT_EQ(platform::ToPath(u"\xDC2F\xDC00").native().find_first_of(std::string_view("/\0", 2)),
+            std::string::npos);
+}
+
 TEST_F(FileSystemOnPosix, EndingAtAnyStepLeavesOldOrNew) {
-  struct Dying : mclsVTFileSystem {
-    void BetweenSteps() const override { steps-- == 0 ? ::_exit(1) : void(); }
-    mutable int steps = 0;
-  } dying;
-  for (bool done = false; !done; ++dying.steps) {
+  Watched dying;
+  int steps = 0, left = 0;
+  dying.Step = [&, at = 0]() mutable { at++ == steps ? ::_exit(1) : void(); };
+  for (bool done = false; !done; ++steps) {
     files_.StringWrite(u"R:\\cfg", u"old");
+    EXPECT_EQ(Entries(), 1);  // what was left before is gone
     done = Succeeds(Start([&] { dying.StringWrite(path_ + u"/cfg", u"new"); }));
     const std::u16string content = files_.StringRead(u"R:\\cfg");
-    ASSERT_TRUE(content == u"new" || (content == u"old" && !done)) << dying.steps;
+    ASSERT_TRUE(content == u"new" || (content == u"old" && !done)) << steps;
+    left += Entries() > 1 ? 1 : 0;
   }
-  EXPECT_GT(dying.steps, 5);
+  EXPECT_GT(steps, 5);
+  EXPECT_GT(left, 3);
+}
+
+TEST_F(FileSystemOnPosix, LeavesAloneWhatALivingProcessWrites) {
+  for (const char* name : {".rowlark-1-x.tmp", ".rowlark-.tmp.csv"}) folder_.Write(name, "the user's");
+  fs::create_symlink("cfg", at_ / ".rowlark-1-1.tmp");
+  Watched watched;
+  watched.Step = [this] { files_.StringWrite(u"R:\\other", u"x"); };
+  watched.StringWrite(path_ + u"/cfg", u"new");
+  EXPECT_EQ(files_.StringRead(u"R:\\cfg"), u"new");
+  EXPECT_EQ(Entries(), 5);
 }
 
 TEST_F(FileSystemOnPosix, WritersAtTheSameTimeNeverTearAFile) {
