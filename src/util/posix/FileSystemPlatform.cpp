@@ -6,9 +6,11 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <linux/limits.h>
 #include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include "util/Utf.h"
@@ -81,12 +83,13 @@ class TemporaryFile {
   }
 
   // As far as the user may: an owner that cannot be kept is no reason to refuse the content. What the group
-  // might do is for no other one.
-  bool TakePermissions(const struct stat& of) {
+  // might do is for no other one; beside an access list its bits say what those in the list might.
+  bool TakePermissions(const fs::path& from, const struct stat& of) {
     constexpr uid_t kAsItIs = static_cast<uid_t>(-1);
     const bool has_group = ::fchown(*file_, of.st_uid, of.st_gid) == 0 ||
                            ::fchown(*file_, kAsItIs, of.st_gid) == 0 || GroupOf(*file_) == of.st_gid;
-    return ::fchmod(*file_, of.st_mode & (has_group ? 0777 : 0707)) == 0;
+    const bool has_list = has_group && TakeAccessList(from);
+    return ::fchmod(*file_, of.st_mode & (has_list ? 0777 : 0707)) == 0;
   }
 
   bool Flush() { return ::fsync(*file_) == 0; }
@@ -117,6 +120,16 @@ class TemporaryFile {
       ::unlink(path.c_str());
     }
     return -1;
+  }
+
+  // False when it has a list that cannot be kept. Without one, that of new files in the folder goes.
+  bool TakeAccessList(const fs::path& from) {
+    constexpr const char* kName = "system.posix_acl_access";
+    std::string list(XATTR_SIZE_MAX, '\0');
+    const ssize_t size = ::getxattr(from.c_str(), kName, list.data(), list.size());
+    if (size > 0) return ::fsetxattr(*file_, kName, list.data(), static_cast<std::size_t>(size), 0) == 0;
+    ::fremovexattr(*file_, kName);
+    return true;
   }
 
   static bool IsTemporary(std::string_view name) {
@@ -273,7 +286,7 @@ std::error_code ReplaceContent(const fs::path& file, const std::function<std::st
     if (!beside.Write(piece)) return LastError();
   }
   between_steps();
-  if (is_there && !beside.TakePermissions(old)) return LastError();
+  if (is_there && !beside.TakePermissions(target, old)) return LastError();
   between_steps();
   if (!beside.Flush()) return LastError();
   between_steps();

@@ -7,6 +7,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include "util/FileSystem.h"
@@ -123,6 +124,24 @@ TEST_F(FileSystemOnPosix, KeepsTheGroupAloneAndHandsItsRightsToNoOther) {
   files_.StringWrite(u"R:\\shared", u"new");
   EXPECT_EQ(::stat((at_ / "shared").c_str(), &now), 0);
   EXPECT_EQ(std::tuple(now.st_uid, now.st_gid), std::tuple(kOwner, kGroup));
+}
+
+TEST_F(FileSystemOnPosix, KeepsAccessLists) {
+  // The group of the file has no rights, one user may read and write.
+  const auto list = std::string("\2\0\0\0", 4) +
+                    std::string("\1\0\6\0\xFF\xFF\xFF\xFF\2\0\6\0\x01\0\0\0\4\0\0\0\xFF\xFF\xFF\xFF", 24) +
+                    std::string("\x10\0\6\0\xFF\xFF\xFF\xFF\x20\0\0\0\xFF\xFF\xFF\xFF", 16);
+  const auto file = folder_.Write("cfg", "old"), plain = folder_.Write("plain", "old");
+  for (const auto& [path, name] :
+       {std::pair(file, "system.posix_acl_access"), std::pair(at_, "system.posix_acl_default")}) {
+    if (::setxattr(path.c_str(), name, list.data(), list.size(), 0) != 0)
+      GTEST_SKIP() << "no access lists here";
+  }
+  for (const auto* name : {u"R:\\cfg", u"R:\\plain"}) files_.StringWrite(name, u"new");
+  std::string kept(list.size() + 1, ' ');
+  const auto size = ::getxattr(file.c_str(), "system.posix_acl_access", kept.data(), kept.size());
+  EXPECT_EQ(kept.substr(0, static_cast<std::size_t>(size < 0 ? 0 : size)), list);
+  EXPECT_LT(::getxattr(plain.c_str(), "system.posix_acl_access", kept.data(), kept.size()), 0);
 }
 
 TEST_F(FileSystemOnPosix, WritesUnderExactlyTheNameOfTheFile) {
