@@ -227,7 +227,7 @@ bool DriveExists(std::u16string_view) { return false; }
 
 // Relative folders are to be passed over.
 fs::path ConfigurationFolder() {
-  const fs::path folder = Environment("XDG_CONFIG_HOME");
+  fs::path folder = Environment("XDG_CONFIG_HOME");
   if (folder.is_absolute()) return folder;
   if (const fs::path home = Environment("HOME"); home.is_absolute()) return home / ".config";
   const passwd* const account = ::getpwuid(::geteuid());
