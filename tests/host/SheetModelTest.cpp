@@ -32,6 +32,14 @@ TEST(Sheet, RefusesWhatLiesOffIt) {
   EXPECT_THROW(sheet.Range(u"A1")->Offset(INT32_MAX, 0), host::Error);
   EXPECT_EQ(SampleHost::Plain(*sheet.Range(u"A1:B2,D4")->Offset(1, 2)), "C2:D3,F5");
   EXPECT_EQ(SampleHost::Plain(*sheet.Range(*sheet.Cells(5, 3), *sheet.Cells(2, 4))), "C2:D5");
+
+  sample.sheet->SetSize(standalone::kSmallSheet);
+  EXPECT_EQ(SampleHost::Plain(*sheet.Cells()), "A:IV");
+  EXPECT_EQ(SampleHost::Plain(*sheet.Range(u"2:3")), "2:3");
+  EXPECT_EQ(SampleHost::Plain(*sheet.Cells(65536, 256)), "IV65536");
+  EXPECT_THROW(sheet.Cells(65537, 1), host::Error);
+  EXPECT_THROW(sheet.Range(u"IW1"), host::Error);
+  EXPECT_THROW(sheet.Range(u"IV65536")->Offset(1, 0), host::Error);
 }
 
 TEST(Sheet, KeepsTextAndTheUsedRange) {
@@ -57,6 +65,11 @@ TEST(Sheet, VisibleCellsAreWhatHiddenRowsLeave) {
   EXPECT_THROW(sample.sheet->Range(u"A4:A5")->SpecialCells(host::xlCellTypeVisible), host::Error);
   EXPECT_TRUE(sample.sheet->Range(u"3:5")->EntireRowHidden());
   EXPECT_FALSE(sample.sheet->Range(u"3:6")->EntireRowHidden());
+  sample.sheet->Range(u"C90")->SetValue(u"x");
+  sample.sheet->Range(u"A1")->SetValue(u"x");
+  EXPECT_EQ(SampleHost::Plain(*sample.sheet->Range(u"A4")->SpecialCells(host::xlCellTypeVisible)),
+            "A1:C2,A6:C39,A65:C65,A67:C90")
+      << "of the used range";
   sample.sheet->Cells()->SetEntireRowHidden(false);
   EXPECT_EQ(SampleHost::Plain(*range->SpecialCells(host::xlCellTypeVisible)), "B2:C70");
 }

@@ -21,19 +21,19 @@ void SkipDollar(std::u16string_view& text) {
   if (!text.empty() && text.front() == u'$') text.remove_prefix(1);
 }
 
-std::optional<Corner> ParseCorner(std::u16string_view text) {
+std::optional<Corner> ParseCorner(std::u16string_view text, const SheetSize& size) {
   Corner corner;
   SkipDollar(text);
   while (!text.empty() && Letter(text.front()) != 0) {
     corner.column = corner.column * 26 + Letter(text.front());
-    if (corner.column > kMaxColumn) return std::nullopt;
+    if (corner.column > size.columns) return std::nullopt;
     text.remove_prefix(1);
   }
   if (corner.column != 0) SkipDollar(text);
   if (!text.empty() && text.front() == u'0') return std::nullopt;
   while (!text.empty() && text.front() >= u'0' && text.front() <= u'9') {
     corner.row = corner.row * 10 + (text.front() - u'0');
-    if (corner.row > kMaxRow) return std::nullopt;
+    if (corner.row > size.rows) return std::nullopt;
     text.remove_prefix(1);
   }
   if (!text.empty() || (corner.row == 0 && corner.column == 0)) return std::nullopt;
@@ -59,31 +59,31 @@ void AppendRow(std::u16string& text, int32_t row) {
 
 }  // namespace
 
-std::optional<Rect> ParseArea(std::u16string_view address) {
+std::optional<Rect> ParseArea(std::u16string_view address, const SheetSize& size) {
   const auto colon = address.find(u':');
-  const auto first = ParseCorner(address.substr(0, colon));
+  const auto first = ParseCorner(address.substr(0, colon), size);
   if (!first) return std::nullopt;
   if (colon == std::u16string_view::npos) {
     if (first->row == 0 || first->column == 0) return std::nullopt;
     return Rect{first->row, first->column, first->row, first->column};
   }
-  const auto second = ParseCorner(address.substr(colon + 1));
+  const auto second = ParseCorner(address.substr(colon + 1), size);
   // Both sides are cells, both are rows or both are columns.
   if (!second || (first->row == 0) != (second->row == 0) || (first->column == 0) != (second->column == 0)) {
     return std::nullopt;
   }
   Rect area{std::min(first->row, second->row), std::min(first->column, second->column),
             std::max(first->row, second->row), std::max(first->column, second->column)};
-  if (area.first_row == 0) area.first_row = 1, area.last_row = kMaxRow;
-  if (area.first_column == 0) area.first_column = 1, area.last_column = kMaxColumn;
+  if (area.first_row == 0) area.first_row = 1, area.last_row = size.rows;
+  if (area.first_column == 0) area.first_column = 1, area.last_column = size.columns;
   return area;
 }
 
-bool ParseAddress(std::u16string_view address, std::vector<Rect>& areas) {
+bool ParseAddress(std::u16string_view address, std::vector<Rect>& areas, const SheetSize& size) {
   areas.clear();
   for (;;) {
     const auto comma = address.find(u',');
-    const auto area = ParseArea(address.substr(0, comma));
+    const auto area = ParseArea(address.substr(0, comma), size);
     if (!area) return false;
     areas.push_back(*area);
     if (comma == std::u16string_view::npos) return true;
@@ -91,14 +91,14 @@ bool ParseAddress(std::u16string_view address, std::vector<Rect>& areas) {
   }
 }
 
-void AppendAddress(std::u16string& text, const Rect& area) {
-  if (area.Rows() == kMaxRow) {
+void AppendAddress(std::u16string& text, const Rect& area, const SheetSize& size) {
+  if (area.Rows() == size.rows) {
     AppendColumn(text, area.first_column);
     text += u':';
     AppendColumn(text, area.last_column);
     return;
   }
-  if (area.Columns() == kMaxColumn) {
+  if (area.Columns() == size.columns) {
     AppendRow(text, area.first_row);
     text += u':';
     AppendRow(text, area.last_row);

@@ -14,6 +14,13 @@ namespace rowlark::standalone {
 inline constexpr int32_t kMaxRow = 1048576;
 inline constexpr int32_t kMaxColumn = 16384;
 
+struct SheetSize {
+  int32_t rows = kMaxRow;
+  int32_t columns = kMaxColumn;
+};
+// Of workbooks in the format of versions 8 to 11.
+inline constexpr SheetSize kSmallSheet{65536, 256};
+
 // Rows and columns count from 1. Cells are ordered row by row.
 struct Cell {
   int32_t row = 0;
@@ -37,8 +44,8 @@ struct Rect {
   friend bool operator==(const Rect&, const Rect&) = default;
 };
 
-inline bool IsCell(int32_t row, int32_t column) {
-  return row >= 1 && row <= kMaxRow && column >= 1 && column <= kMaxColumn;
+inline bool IsCell(int32_t row, int32_t column, const SheetSize& size) {
+  return row >= 1 && row <= size.rows && column >= 1 && column <= size.columns;
 }
 
 // The smallest rectangle that holds both.
@@ -47,13 +54,14 @@ inline Rect Join(const Rect& a, const Rect& b) {
           std::max(a.last_row, b.last_row), std::max(a.last_column, b.last_column)};
 }
 
-// "A1", "$B$3:F200", "1:5", "A:C" in either letter case; corners in any order. Nothing for anything else.
-std::optional<Rect> ParseArea(std::u16string_view address);
+// "A1", "$B$3:F200", "1:5", "A:C" in either letter case; corners in any order. Nothing for anything else, and
+// beyond the sheet.
+std::optional<Rect> ParseArea(std::u16string_view address, const SheetSize& size = {});
 
 // One or more areas joined by commas, into `areas`, which is emptied first; false for anything else.
-bool ParseAddress(std::u16string_view address, std::vector<Rect>& areas);
+bool ParseAddress(std::u16string_view address, std::vector<Rect>& areas, const SheetSize& size = {});
 
 // Absolute ("$B$3:$F$200"); whole columns and rows as "$A:$C" and "$1:$5".
-void AppendAddress(std::u16string& text, const Rect& area);
+void AppendAddress(std::u16string& text, const Rect& area, const SheetSize& size = {});
 
 }  // namespace rowlark::standalone

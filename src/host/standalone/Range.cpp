@@ -31,17 +31,18 @@ std::u16string Range::Address() const {
   std::u16string text;
   for (const auto& area : Areas()) {
     if (!text.empty()) text += u',';
-    AppendAddress(text, area);
+    AppendAddress(text, area, sheet_->Size());
   }
   return text;
 }
 
 Ref<host::Range> Range::Offset(int32_t rows, int32_t columns) const {
+  const SheetSize& size = sheet_->Size();
   std::vector<Rect> areas(Areas().begin(), Areas().end());
   for (auto& area : areas) {
     const auto moved = [](int32_t place, int32_t by) { return int64_t{place} + by; };
-    if (moved(area.first_row, rows) < 1 || moved(area.last_row, rows) > kMaxRow ||
-        moved(area.first_column, columns) < 1 || moved(area.last_column, columns) > kMaxColumn) {
+    if (moved(area.first_row, rows) < 1 || moved(area.last_row, rows) > size.rows ||
+        moved(area.first_column, columns) < 1 || moved(area.last_column, columns) > size.columns) {
       throw host::Error(1004, u"Application-defined or object-defined error");
     }
     area = {area.first_row + rows, area.first_column + columns, area.last_row + rows,
@@ -101,8 +102,11 @@ Ref<host::Range> Range::FindNext(const host::Range& after) {
 
 Ref<host::Range> Range::SpecialCells(host::XlCellType type) const {
   if (type != host::xlCellTypeVisible) throw host::Error(1004, u"Unable to get the SpecialCells property");
+  // Of a single cell the host looks at the whole used range.
+  const bool single = AreasCount() == 1 && first_.Rows() == 1 && first_.Columns() == 1;
+  const auto used = sheet_->Text().Used().value_or(Rect{});
   std::vector<Rect> visible;
-  for (const auto& area : Areas()) {
+  for (const auto& area : single ? std::span(&used, 1) : Areas()) {
     const auto& hidden = sheet_->HiddenRows();
     for (int32_t row = hidden.Next(area.first_row, area.last_row, false); row <= area.last_row;) {
       const int32_t end = hidden.Next(row, area.last_row, true);

@@ -92,9 +92,9 @@ void Worksheet::Recycle(standalone::Range* range) const noexcept {
 }
 
 Ref<host::Range> Worksheet::Range(std::u16string_view address) const {
-  if (const auto area = ParseArea(address)) return MakeRange(*area);
+  if (const auto area = ParseArea(address, size_)) return MakeRange(*area);
   std::vector<Rect> areas;
-  if (!ParseAddress(address, areas)) Fail(u"Method 'Range' of object '_Worksheet' failed");
+  if (!ParseAddress(address, areas, size_)) Fail(u"Method 'Range' of object '_Worksheet' failed");
   return MakeRange(std::move(areas));
 }
 
@@ -105,10 +105,10 @@ Ref<host::Range> Worksheet::Range(const host::Range& cell1, const host::Range& c
   return MakeRange(Join(rect(cell1), rect(cell2)));
 }
 
-Ref<host::Range> Worksheet::Cells() const { return MakeRange(Rect{1, 1, kMaxRow, kMaxColumn}); }
+Ref<host::Range> Worksheet::Cells() const { return MakeRange(Rect{1, 1, size_.rows, size_.columns}); }
 
 Ref<host::Range> Worksheet::Cells(int32_t row, int32_t column) const {
-  if (!IsCell(row, column)) Fail(u"Application-defined or object-defined error");
+  if (!IsCell(row, column, size_)) Fail(u"Application-defined or object-defined error");
   return MakeRange(Rect{row, column, row, column});
 }
 
@@ -214,7 +214,7 @@ void Worksheet::ApplyFilter() {
 
 void Worksheet::Select(std::u16string_view address) {
   std::vector<Rect> areas;
-  if (!ParseAddress(address, areas)) Fail(u"Select method of Range class failed");
+  if (!ParseAddress(address, areas, size_)) Fail(u"Select method of Range class failed");
   selection_.clear();
   Activate(areas);
 }

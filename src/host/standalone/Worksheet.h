@@ -53,6 +53,8 @@ class Worksheet final : public host::Worksheet {
 
   const std::u16string& Name() const { return name_; }
   void SetName(std::u16string_view name) { name_ = name; }
+  const SheetSize& Size() const { return size_; }
+  void SetSize(const SheetSize& size) { size_ = size; }  // before there is anything on it
 
   // Loads a row behind the last one loaded: UTF-8, one text a cell. No protection, no change mark.
   void AppendRow(std::span<const std::string_view> cells) { text_.AppendRow(cells); }
@@ -91,6 +93,7 @@ class Worksheet final : public host::Worksheet {
 
   Workbook* parent_;
   std::u16string name_;
+  SheetSize size_;
   CellText text_;
   std::map<Cell, std::string> changes_;
   uint64_t edits_ = 0;
