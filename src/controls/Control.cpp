@@ -73,6 +73,8 @@ void Control::SetFocus() {
   GotFocus.Raise();
 }
 
+void Control::Message() noexcept { form_->Form_Message(); }
+
 void Control::UserClicked() {
   OnUser([this] {
     if (enabled_ && Shown()) Click.Raise();

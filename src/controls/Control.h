@@ -97,11 +97,14 @@ class Control {
   template <class Action>
   void OnUser(Action action) {
     const Alive alive(*form_);
-    if (alive.loaded) action();
+    if (!alive.loaded) return;
+    Message();
+    action();
   }
   virtual void Focused() {}
 
  private:
+  void Message() noexcept;
   struct Alive {
     explicit Alive(Form& form);
     ~Alive();

@@ -68,6 +68,8 @@ class Form : public Control, public RefCounted {
   void SetLayout(Layout layout);
   void Load();
 
+  // Before what the user does is handled, and before a timer ticks.
+  virtual void Form_Message() noexcept {}
   virtual void Form_Load() {}
   virtual void Form_Unload() {}
   // The system's close button; unloads the form.

@@ -50,6 +50,7 @@ class BaseForm : public controls::Form {
 
   virtual void ApplyCaptions() = 0;
   virtual void evtLang_NewLangLoaded() { ApplyCaptions(); }
+  void Form_Message() noexcept override { shared_.GiveBackFlags(); }
   void Form_Unload() override;
 
   std::u16string Text(std::u16string_view key, std::u16string_view default_text) const {

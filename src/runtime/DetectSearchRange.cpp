@@ -1,10 +1,12 @@
 #include "runtime/DetectSearchRange.h"
 
+#include <algorithm>
+
 #include "runtime/Failure.h"
 
 namespace rowlark {
 
-void DetectSearchRange(host::Worksheet& sheet, clsVTRLKItem& profile) {
+bool DetectSearchRange(host::Worksheet& sheet, clsVTRLKItem& profile) {
   if (sheet.AutoFilterMode()) {
     const auto range = Require(sheet.AutoFilter())->Range();
     profile.SetEndCol(range->Column() + range->ColumnsCount() - 1);
@@ -12,7 +14,7 @@ void DetectSearchRange(host::Worksheet& sheet, clsVTRLKItem& profile) {
     profile.SetStartRow(range->Row() + 1);
     profile.SetEndRow(range->Row() + range->RowsCount() - 1);
     if (profile.StartRow() > profile.EndRow()) profile.SetEndRow(profile.StartRow() + 1);
-    return;
+    return true;
   }
   const auto used = sheet.UsedRange();
   int taken = 0;
@@ -33,6 +35,19 @@ void DetectSearchRange(host::Worksheet& sheet, clsVTRLKItem& profile) {
     ++taken;
   }
   profile.UsingAutoRange = taken == 4;
+  return false;
+}
+
+Ref<host::Range> CellOnSheet(const host::Worksheet& sheet, int32_t& row, int32_t& column) {
+  try {
+    return sheet.Cells(row, column);
+  } catch (const host::Error&) {
+    // Asked for only now: every search forms cells, and hardly any lies off the sheet.
+    const auto cells = sheet.Cells();
+    row = std::clamp(row, 1, cells->RowsCount());
+    column = std::clamp(column, 1, cells->ColumnsCount());
+    return sheet.Cells(row, column);
+  }
 }
 
 }  // namespace rowlark

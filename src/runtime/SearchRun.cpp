@@ -1,10 +1,10 @@
 #include "runtime/SearchRun.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "runtime/DetectSearchRange.h"
 #include "runtime/Failure.h"
-#include "runtime/HostFlag.h"
 #include "runtime/ShowAll.h"
 #include "util/Text.h"
 #include "util/mclsVTString.h"
@@ -22,6 +22,23 @@ std::vector<std::u16string> Split(std::u16string_view text, char16_t separator) 
   }
 }
 
+// Of up to three letters; 0 for anything else.
+int32_t ColumnNumber(std::u16string_view letters) {
+  int32_t number = 0;
+  if (letters.size() > 3) return 0;
+  for (const char16_t letter : letters) {
+    const char32_t upper = ToUpper(char32_t{letter});
+    if (upper < U'A' || upper > U'Z') return 0;
+    number = number * 26 + static_cast<int32_t>(upper - U'A') + 1;
+  }
+  return number;
+}
+
+bool MayHideRows(const host::Application& application, const host::Worksheet& sheet) {
+  if (application.Version() == u"8.0" && Require(sheet.Parent())->ReadOnly()) return false;
+  return !sheet.ProtectScenarios();
+}
+
 }  // namespace
 
 // `co_await StopCheck` is the place where messages are processed; it tells whether the run is to stop.
@@ -35,6 +52,7 @@ struct SearchRun::StopCheck {
 SearchRun::SearchRun(SharedState& shared, std::shared_ptr<clsVTRLKItems> items,
                      const clsVTRLKOptions& options, const bool& stop_request, std::u16string_view text)
     : shared_(shared),
+      language_(shared.Language),
       items_(std::move(items)),
       options_(options),
       stop_request_(stop_request),
@@ -52,7 +70,12 @@ void SearchRun::ReadSearchColumns(const host::Worksheet& sheet, const clsVTRLKIt
   if (profile.SearchCols.empty()) return;
   all_columns_ = false;
   for (const auto& piece : Split(profile.SearchCols, u',')) {
-    columns_.push_back(sheet.Range(piece + u"1")->Column());
+    try {
+      columns_.push_back(sheet.Range(piece + u"1")->Column());
+    } catch (const host::Error&) {
+      // A column that only a larger sheet has holds no match.
+      if (ColumnNumber(piece) <= sheet.Cells()->ColumnsCount()) throw;
+    }
   }
   std::ranges::sort(columns_);
 }
@@ -72,14 +95,23 @@ host::FindArguments SearchRun::What(std::u16string_view word) const {
   return arguments;
 }
 
-Ref<host::Range> SearchRun::SearchRange(const host::Worksheet& sheet, const clsVTRLKItem& profile) {
+Ref<host::Range> SearchRun::SearchRange(const host::Worksheet& sheet, const clsVTRLKItem& profile,
+                                        bool filtered) {
+  int32_t first_row = profile.StartRow();
+  int32_t first_column = profile.StartCol();
+  int32_t last_column = profile.EndCol();
   const auto used = sheet.UsedRange();
   const int32_t limit_row = used->Row() + used->RowsCount();  // one more than the last used row
   end_row_ = profile.EndRow() >= 0 ? std::min(profile.EndRow(), limit_row) : limit_row;
-  const auto range = sheet.Range(*sheet.Cells(profile.StartRow(), profile.StartCol()),
-                                 *sheet.Cells(end_row_, profile.EndCol()));
-  // Rows that an AutoFilter hides are never searched.
-  return sheet.AutoFilterMode() ? range->SpecialCells(host::xlCellTypeVisible) : range;
+  const auto first = CellOnSheet(sheet, first_row, first_column);
+  const auto last = CellOnSheet(sheet, end_row_, last_column);
+  const auto range = sheet.Range(*first, *last);
+  width_ = std::abs(last_column - first_column) + 1;
+  // Rows that an AutoFilter hides are never searched. Of a single cell the host would give the visible cells
+  // of the whole sheet; in a hidden row it finds nothing anyhow.
+  if (!filtered || (width_ == 1 && first_row == end_row_)) return range;
+  areas_ = 0;
+  return range->SpecialCells(host::xlCellTypeVisible);
 }
 
 // A match counts in a searched column and a visible row.
@@ -89,13 +121,6 @@ void SearchRun::Take(const host::Range& cell, int32_t row) {
   if (!cell.EntireRowHidden()) rows_.push_back(row);
 }
 
-// Where rows can not be hidden the search goes on as one that only looks for the first match.
-bool SearchRun::MayHideRows(const host::Worksheet& sheet) const {
-  if (!options_.UseFilter) return false;
-  if (shared_.ExcelApp->Version() == u"8.0" && Require(sheet.Parent())->ReadOnly()) return false;
-  return !sheet.ProtectScenarios();
-}
-
 bool SearchRun::HideBlock(host::Worksheet& sheet, int32_t first, int32_t last) {
   address_.assign(1, u'A');
   address_ += ToText(first);
@@ -103,34 +128,49 @@ bool SearchRun::HideBlock(host::Worksheet& sheet, int32_t first, int32_t last) {
   address_ += ToText(last);
   std::u16string host_error;
   if (HideRows(sheet, *sheet.Range(address_), true, host_error)) return true;
-  error_ = shared_.Language->GetText(u"Err.SearchHide", u"Error #%1: Can not hide/unhide rows %2",
-                                     {u"397", host_error});
+  error_ =
+      language_->GetText(u"Err.SearchHide", u"Error #%1: Can not hide/unhide rows %2", {u"397", host_error});
   return false;
 }
 
-Resumable SearchRun::Work() {
-  const auto application = shared_.ExcelApp;
-  const StopCheck stopped{stop_request_};
-  const ScreenGuard screen(application);
-  HostFlag animations(application, &host::Application::EnableAnimations,
-                      &host::Application::SetEnableAnimations);
-  HostFlag events(application, &host::Application::EnableEvents, &host::Application::SetEnableEvents);
-  try {
-    const auto sheet = Require(Require(application)->ActiveSheet());
-    animations.Override(false);
-    events.Override(false);
+// FindNext goes round until it comes back to the first match. That cell may have ceased to match, since
+// messages are processed in between, and then it would go round for ever. Rows ascend within an area and
+// begin anew at most once an area, the last time for the cell at its upper left, which is looked at last; and
+// a row has no more matches than cells.
+bool SearchRun::GoesInCircles(const host::Range& range, int32_t row) {
+  if (row == last_row_ && ++in_row_ <= width_) return false;
+  const bool anew = row <= last_row_;
+  last_row_ = row;
+  in_row_ = 1;
+  if (!anew || ++rounds_ == 1) return false;
+  if (areas_ == 0) areas_ = range.AreasCount();
+  return rounds_ > areas_;
+}
 
-    const auto profile = ActiveProfile(shared_, *items_)->Clone();
-    DetectSearchRange(*sheet, *profile);
+Resumable SearchRun::Work() {
+  const StopCheck stopped{stop_request_};
+  try {
+    const auto application = Require(shared_.ExcelApp);
+    FlagScope screen(shared_.Flags, application, HostFlag::ScreenUpdating, true);
+    FlagScope animations(shared_.Flags, application, HostFlag::EnableAnimations);
+    FlagScope events(shared_.Flags, application, HostFlag::EnableEvents);
+    const auto sheet = Require(application->ActiveSheet());
+    animations.Change(false);
+    events.Change(false);
+
+    const auto profile = ActiveProfile(*application, *items_)->Clone();
+    const bool filtered = DetectSearchRange(*sheet, *profile);
     if (co_await stopped) co_return false;
-    if (options_.UseFilter) {
+    // Where rows can not be hidden none are shown either, and the search only goes to the first match.
+    const bool hides = options_.UseFilter && MayHideRows(*application, *sheet);
+    if (hides) {
       std::u16string discarded;  // a search that can not begin says nothing
-      if (!ShowAll(shared_, *items_, true, discarded)) co_return false;
+      if (!ShowAll(shared_, *application, screen, *items_, true, discarded)) co_return false;
     }
     if (co_await stopped) co_return false;
 
     ReadSearchColumns(*sheet, *profile);
-    const auto range = SearchRange(*sheet, *profile);
+    const auto range = SearchRange(*sheet, *profile, filtered);
     bool enough = false;
     for (const auto& word : Words()) {
       auto cell = range->Find(What(word));
@@ -140,9 +180,13 @@ Resumable SearchRun::Work() {
       if (co_await stopped) co_return false;
       if (!options_.UseFilter) continue;
       const auto first_address = cell->Address();
+      last_row_ = first_row;
+      in_row_ = 1;
+      rounds_ = 0;
       while ((cell = range->FindNext(*cell))) {
         const int32_t row = cell->Row();
         if (row == first_row && cell->Address() == first_address) break;
+        if (GoesInCircles(*range, row)) break;
         Take(*cell, row);
         if (co_await stopped || shared_.Terminating) {
           enough = true;
@@ -151,34 +195,37 @@ Resumable SearchRun::Work() {
       }
       if (enough) break;
     }
+    if (superseded_) co_return false;
     if (rows_.empty()) {
-      error_ = shared_.Language->GetText(u"Err.SearchTextNotFound", u"Text not found");
+      error_ = language_->GetText(u"Err.SearchTextNotFound", u"Text not found");
       co_return false;
     }
     // Every word finds its rows in ascending order.
     if (!std::ranges::is_sorted(rows_)) std::ranges::sort(rows_);
 
-    if (MayHideRows(*sheet)) {
-      application->SetScreenUpdating(false);
+    if (hides) {
+      screen.Change(false);
+      items_->RowsIsGrouped = true;  // also when the host refuses a block: those before it are hidden
       int32_t next = range->Row();
       for (const int32_t row : rows_) {
         if (row - 1 >= next && !HideBlock(*sheet, next, row - 1)) co_return false;
         next = row + 1;
         if (co_await stopped || shared_.Terminating) break;
       }
+      if (superseded_) co_return false;
       if (next <= end_row_ && !HideBlock(*sheet, next, end_row_)) co_return false;
       // What stands above a range that nobody chose goes too, but for a single row, which is likely a header.
       if (const int32_t above = rows_.front() - 1; profile->UsingAutoRange && above >= 2) {
         if (!HideBlock(*sheet, 1, above)) co_return false;
       }
-      application->SetScreenUpdating(true);
-      items_->RowsIsGrouped = true;
+      screen.GiveBack();
     }
-    const int32_t column = profile->SelectCol >= 1 ? profile->SelectCol : profile->StartCol();
-    sheet->Cells(rows_.front(), column)->Activate();
+    int32_t row = rows_.front();
+    int32_t column = profile->SelectCol >= 1 ? profile->SelectCol : profile->StartCol();
+    CellOnSheet(*sheet, row, column)->Activate();
     co_return true;
   } catch (...) {
-    error_ = GenericError(*shared_.Language);
+    error_ = GenericError(*language_);
     co_return false;
   }
 }

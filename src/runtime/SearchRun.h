@@ -32,7 +32,8 @@ class SearchRun {
   bool OnStack() const { return on_stack_; }
   bool Done() const { return work_.Done(); }
 
-  // Another search takes over: whatever this one still finds is of no interest to its caller.
+  // Nobody will look at the rows: whatever the run still finds is of no interest to its caller, and it hides
+  // nothing more. The stop request has to be set as well.
   void Supersede() { superseded_ = true; }
 
   // When done: whether rows were found, and otherwise why not, in the user's language (empty when stopped).
@@ -46,12 +47,13 @@ class SearchRun {
   void ReadSearchColumns(const host::Worksheet& sheet, const clsVTRLKItem& profile);
   std::vector<std::u16string> Words() const;
   host::FindArguments What(std::u16string_view word) const;
-  Ref<host::Range> SearchRange(const host::Worksheet& sheet, const clsVTRLKItem& profile);
+  Ref<host::Range> SearchRange(const host::Worksheet& sheet, const clsVTRLKItem& profile, bool filtered);
   void Take(const host::Range& cell, int32_t row);
-  bool MayHideRows(const host::Worksheet& sheet) const;
+  bool GoesInCircles(const host::Range& range, int32_t row);
   bool HideBlock(host::Worksheet& sheet, int32_t first, int32_t last);
 
   SharedState& shared_;
+  const std::shared_ptr<clsVTRLKLang> language_;  // the library may end during the run
   const std::shared_ptr<clsVTRLKItems> items_;
   const clsVTRLKOptions options_;  // as they are when the run starts
   const bool& stop_request_;
@@ -61,6 +63,14 @@ class SearchRun {
   std::vector<int32_t> columns_;  // ascending; those searched unless all are
   std::vector<int32_t> rows_;     // of the matches; a row may stand there more than once
   int32_t end_row_ = 0;           // last row of the search range
+  int32_t width_ = 0;             // its columns
+  int32_t areas_ = 1;             // its areas; 0 where they have not been counted
+
+  // Of the matches of a word:
+  int32_t last_row_ = 0;  // the row of the last one
+  int32_t in_row_ = 0;    // how many of them in succession stand in that row
+  int32_t rounds_ = 0;    // how often the rows have begun anew
+
   std::u16string address_;
   std::u16string error_;
   bool on_stack_ = false;

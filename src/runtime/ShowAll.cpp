@@ -1,42 +1,74 @@
 #include "runtime/ShowAll.h"
 
+#include <algorithm>
 #include <optional>
 
+#include "runtime/DetectSearchRange.h"
 #include "runtime/Failure.h"
-#include "runtime/HostFlag.h"
+#include "util/Text.h"
 
 namespace rowlark {
 namespace {
+
+// Run-time errors of the host: what the object has not, as opposed to what it refuses because it is busy.
+constexpr int32_t kNoSuchMember = 438;
+constexpr int32_t kNoSuchValue = 1004;
 
 // What a filter does not have can not be read: value lists have no second criterion.
 template <class Read>
 std::optional<host::Criterion> TryRead(Read read) {
   try {
     return read();
-  } catch (const host::Error&) {
+  } catch (const host::Error& error) {
+    if (error.Number() != kNoSuchMember && error.Number() != kNoSuchValue) throw;
     return std::nullopt;
   }
 }
 
-// Applies the filter of a column once more, which shows the rows that a search has hidden.
-void Reapply(host::AutoFilter& filters, int32_t field, const host::Filter& filter) {
+// Applies the filter of a column once more, which shows the rows that a search has hidden. True when the
+// filters of all columns have been applied.
+bool Reapply(host::AutoFilter& filters, int32_t field, const host::Filter& filter) {
+  const int32_t operation = filter.Operator();
+  if (operation >= host::xlFilterValues) {
+    // The criteria that can be read are not all that such a filter has: a list of values lacks the groups of
+    // dates, and passing it on would take them out of the user's filter.
+    try {
+      filters.ApplyFilter();
+      return true;
+    } catch (const host::Error& error) {
+      if (error.Number() != kNoSuchMember) throw;
+    }
+  }
   host::AutoFilterArguments arguments;
   arguments.Field = field;
   arguments.Criteria1 = TryRead([&] { return filter.Criteria1(); });
-  if (const int32_t operation = filter.Operator(); operation != host::xlNoOperator) {
+  if (operation != host::xlNoOperator) {
     arguments.Operator = static_cast<host::XlAutoFilterOperator>(operation);
     arguments.Criteria2 = TryRead([&] { return filter.Criteria2(); });
   }
-  // Colours, icons and dynamic dates have no criteria that could be passed; passing none would clear the
-  // filter.
+  // Without a criterion the filter would be cleared.
   if (arguments.Criteria1) {
     try {
       filters.Range()->AutoFilter(arguments);
-      return;
+      return false;
     } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch): the host may still do it as a whole
     }
   }
   filters.ApplyFilter();
+  return true;
+}
+
+// Shows the rows first to last, which no filter hides.
+void ShowRows(const host::Worksheet& sheet, int32_t first, int32_t last) {
+  if (first > last) return;
+  const auto rows = sheet.Range(ToText(first) + u":" + ToText(last));
+  try {
+    rows->SetEntireRowHidden(false);
+  } catch (const host::Error&) {
+    // A protected sheet may let its filter be used but no row be shown: no matter where none is hidden.
+    const auto visible = rows->SpecialCells(host::xlCellTypeVisible);
+    if (visible->AreasCount() > 1 || visible->RowsCount() < last - first + 1) throw;
+  }
 }
 
 void Show(host::Worksheet& sheet, host::Range& range) {
@@ -45,23 +77,27 @@ void Show(host::Worksheet& sheet, host::Range& range) {
     return;
   }
   const auto filters = Require(sheet.AutoFilter());
+  const auto filtered = filters->Range();
+  const int32_t header = filtered->Row();
+  ShowRows(sheet, range.Row(), header);
+  ShowRows(sheet, header + filtered->RowsCount(), range.Row() + range.RowsCount() - 1);
   int32_t active = 0;
   const int32_t count = filters->FiltersCount();
   for (int32_t field = 1; field <= count; ++field) {
     const auto filter = Require(filters->Filters(field));
     if (!filter->On()) continue;
     ++active;
-    Reapply(*filters, field, *filter);
+    if (Reapply(*filters, field, *filter)) break;
   }
-  if (active == 0) filters->Range()->SetEntireRowHidden(false);
+  if (active == 0) filtered->SetEntireRowHidden(false);
 }
 
 void GoToFirstRow(host::Worksheet& sheet, const clsVTRLKItem& profile) {
   int32_t column = profile.SelectCol;
   if (column < 1) column = profile.StartCol();
   if (column < 1) column = sheet.UsedRange()->Column();
-  const int32_t row = profile.StartRow() >= 1 ? profile.StartRow() : 1;
-  sheet.Cells(row, column)->Activate();
+  int32_t row = std::max(profile.StartRow(), 1);
+  CellOnSheet(sheet, row, column)->Activate();
 }
 
 }  // namespace
@@ -81,41 +117,39 @@ bool HideRows(host::Worksheet& sheet, host::Range& range, bool hide, std::u16str
   }
 }
 
-std::shared_ptr<clsVTRLKItem> ActiveProfile(SharedState& shared, clsVTRLKItems& items) {
-  const auto name = Require(shared.ExcelApp->ActiveWorkbook())->Name();
+std::shared_ptr<clsVTRLKItem> ActiveProfile(const host::Application& application, clsVTRLKItems& items) {
+  const auto name = Require(application.ActiveWorkbook())->Name();
   return items.Exists(name) ? items.ByName(name) : items.DefaultItem;
 }
 
-bool ShowAll(SharedState& shared, clsVTRLKItems& items, bool call_from_search, std::u16string& error) {
+bool ShowAll(SharedState& shared, const host::Application& application, FlagScope& screen,
+             clsVTRLKItems& items, bool call_from_search, std::u16string& error) {
   error.clear();
-  if (!shared.ExcelApp) return true;
-  host::Application& application = *shared.ExcelApp;
+  const auto language = shared.Language;
   bool done = true;
   try {
     const auto active_cell = application.ActiveCell();
-    application.SetScreenUpdating(false);
+    screen.Change(false);
     const auto sheet = Require(application.ActiveSheet());
     std::u16string host_error;
     if (!HideRows(*sheet, *sheet->Cells(), false, host_error)) {
       // This message has always closed with the word False in place of the host's reason.
-      error = shared.Language->GetText(u"Err.SearchHide", u"Error #%1: Can't show/hide rows %2",
-                                       {u"397", u"False"});
+      error = language->GetText(u"Err.SearchHide", u"Error #%1: Can't show/hide rows %2", {u"397", u"False"});
       done = false;
     }
-    if (!call_from_search) application.SetScreenUpdating(true);
+    if (!call_from_search) screen.GiveBack();
     items.RowsIsGrouped = false;
 
-    const auto profile = ActiveProfile(shared, items);
+    const auto profile = ActiveProfile(application, items);
     if (profile->UnhideJumpFirstRow) {
       GoToFirstRow(*sheet, *profile);
     } else {
       Require(active_cell)->Activate();
     }
-    if (profile->DontSaveChanges) application.ActiveWorkbook()->SetSaved(true);
+    if (profile->DontSaveChanges) Require(application.ActiveWorkbook())->SetSaved(true);
     return done;
   } catch (...) {
-    error = GenericError(*shared.Language);
-    EnsureScreenUpdating(application);
+    error = GenericError(*language);
     return false;
   }
 }

@@ -13,6 +13,7 @@ clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared, Forms& forms)
       SearchOptions(std::make_shared<clsVTRLKOptions>()),
       shared_(shared),
       forms_(forms),
+      searches_(std::make_shared<Searches>(shared)),
       menu_(shared) {
   shared_.Acquire();
   new_language_ =
@@ -21,10 +22,12 @@ clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared, Forms& forms)
 
 clsVTRLKRuntime::~clsVTRLKRuntime() {
   forms_.Unload(this);
+  searches_->Abandon();
   shared_.Release();
 }
 
 void clsVTRLKRuntime::SetExcelApp(Ref<host::Application> application) {
+  shared_.GiveBackFlags();
   shared_.ExcelApp = std::move(application);
 }
 
@@ -54,61 +57,24 @@ void clsVTRLKRuntime::CallTechSupport() {
   ShowHelp(shared_, kTopic);
 }
 
+// From here on messages are processed, which may destroy the object: what is used after that is held.
+
 bool clsVTRLKRuntime::Search(std::u16string_view strSearch, std::u16string& strErr) {
-  if (entry_guard_) return false;
-  if (searching_) {
-    given_up_ = false;
-    if (!EndSearch()) return false;
-    if (shared_.Terminating || given_up_) {
-      strErr.clear();
-      return false;
-    }
-  }
-  stop_request_ = false;
-  strErr.clear();
-  SearchRun run(shared_, Items, *SearchOptions, stop_request_, strSearch);
-  run_ = &run;
-  searching_ = true;
-  RaiseSearching(true);
-  while (Advance(run)) PumpMessages(shared_);
-  strErr = run.Error();
-  return run.Result();
+  const auto searches = searches_;
+  const auto items = Items;
+  const auto options = SearchOptions;
+  return searches->Search(items, options, strSearch, strErr);
 }
-
-// Takes a run one step farther; false when it has ended. Two calls may drive the same run in turn, but only
-// the step that ends it says so.
-bool clsVTRLKRuntime::Advance(SearchRun& run) {
-  if (run.Done()) return false;
-  run.Resume();
-  if (!run.Done()) return true;
-  run_ = nullptr;
-  searching_ = false;
-  RaiseSearching(false);
-  return false;
-}
-
-void clsVTRLKRuntime::RaiseSearching(bool searching) { searching_event_.Raise(searching); }
 
 bool clsVTRLKRuntime::StopSearch() {
-  stop_request_ = true;
-  given_up_ = entry_guard_;
-  PumpMessages(shared_);
+  const auto searches = searches_;
+  searches->Stop();
   return true;
 }
 
 bool clsVTRLKRuntime::EndSearch() {
-  if (!searching_) return true;
-  // The host has called back from inside an operation; the run that called it can not go on before we return.
-  if (run_->OnStack()) return false;
-  const bool waiting = std::exchange(entry_guard_, true);
-  stop_request_ = true;
-  run_->Supersede();
-  while (searching_) {
-    if (!shared_.Terminating) PumpMessages(shared_);
-    if (searching_) Advance(*run_);
-  }
-  entry_guard_ = waiting;
-  return true;
+  const auto searches = searches_;
+  return searches->End(false);
 }
 
 void clsVTRLKRuntime::DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem& objItem) {
@@ -116,8 +82,18 @@ void clsVTRLKRuntime::DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem&
 }
 
 bool clsVTRLKRuntime::Unhide(bool CallFromSearch, std::u16string& strErrLog) {
-  if (!CallFromSearch && !EndSearch()) return false;
-  return ShowAll(shared_, *Items, CallFromSearch, strErrLog);
+  auto& shared = shared_;
+  const auto searches = searches_;
+  const auto items = Items;
+  if (!CallFromSearch && !searches->End(true)) return false;
+  strErrLog.clear();
+  const auto application = shared.ExcelApp;
+  if (!application) return true;
+  shared.GiveBackFlags();
+  FlagScope screen(shared.Flags, application, HostFlag::ScreenUpdating, true);
+  const bool done = ShowAll(shared, *application, screen, *items, CallFromSearch, strErrLog);
+  if (CallFromSearch && done) screen.Leave();
+  return done;
 }
 
 void clsVTRLKRuntime::ShowSearch() { forms_.ShowSearch(*this); }
@@ -127,24 +103,26 @@ void clsVTRLKRuntime::ShowOptions() { forms_.ShowOptions(*this); }
 void clsVTRLKRuntime::About() { forms_.ShowAbout(*this); }
 
 void clsVTRLKRuntime::StartEdit() {
+  auto& shared = shared_;
+  const auto searches = searches_;
   forms_.ShowEdit(*this);
-  Wait([this] { return shared_.EditFormOpen; });
+  if (!searches->Abandoned()) Wait([&shared] { return shared.EditFormOpen; });
 }
 
 void clsVTRLKRuntime::Wait(const std::function<bool()>& condition) {
-  while (condition() && !shared_.Terminating) {
-    PumpMessages(shared_);
-    if (run_ != nullptr && !run_->OnStack()) {
-      Advance(*run_);
-    } else {
-      shared_.Platform.Pump.WaitForInput(1);
-    }
+  auto& shared = shared_;
+  const auto searches = searches_;
+  while (!searches->Abandoned() && !shared.Terminating && condition()) {
+    PumpMessages(shared);
+    searches->Wait();
   }
 }
 
 void clsVTRLKRuntime::DoStop() {
-  shared_.Terminating = true;
+  auto& shared = shared_;
+  shared.Terminating = true;
   forms_.Unload(nullptr);
+  shared.GiveBackFlags();
 }
 
 }  // namespace rowlark

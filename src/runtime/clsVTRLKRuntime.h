@@ -13,7 +13,7 @@
 #include "host/spreadsheet.h"
 #include "runtime/Forms.h"
 #include "runtime/Menu.h"
-#include "runtime/SearchRun.h"
+#include "runtime/Searches.h"
 #include "runtime/clsVTRLKOptions.h"
 #include "settings/SharedState.h"
 #include "settings/clsVTRLKItems.h"
@@ -61,13 +61,12 @@ class clsVTRLKRuntime {
   // Asks the search under way to end at its next stop check; does not wait for that. True.
   bool StopSearch();
 
-  bool Searching() const { return searching_; }
+  bool Searching() const { return searches_->Searching(); }
   // Raised with true at the start and with false at the end of every search.
-  Event<bool&>& SearchingEvent() { return searching_event_; }
+  Event<bool&>& SearchingEvent() { return searches_->SearchingEvent(); }
 
-  // Stops the search under way and brings it to its end, whoever began it; its call returns false with an
-  // empty error. False when that is not possible, because this is called from inside an operation of the
-  // host.
+  // Stops the search under way and brings it to its end, whoever began it. False when that is not possible,
+  // because this is called from inside an operation of the host.
   bool EndSearch();
 
   // Completes the open bounds of a profile from the sheet. Throws host::Error.
@@ -92,17 +91,10 @@ class clsVTRLKRuntime {
 
  private:
   void evtLang_NewLangLoaded();
-  bool Advance(SearchRun& run);
-  void RaiseSearching(bool searching);
 
   SharedState& shared_;
   Forms& forms_;
-  SearchRun* run_ = nullptr;  // the run under way; it lives in the call of Search that began it
-  bool searching_ = false;
-  bool stop_request_ = false;
-  bool entry_guard_ = false;  // an earlier run is being brought to its end
-  bool given_up_ = false;     // the search that waits for that was stopped as well
-  Event<bool&> searching_event_;
+  const std::shared_ptr<Searches> searches_;
   Menu menu_;
   Connection new_language_;
 };

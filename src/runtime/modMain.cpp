@@ -37,13 +37,14 @@ void ShowHelp(SharedState& shared, int32_t context) {
 }
 
 intptr_t HostMainWindow(SharedState& shared) {
-  if (!shared.ExcelApp) return 0;
+  const auto application = shared.ExcelApp;
+  if (!application) return 0;
   // Before version 10 the host does not tell its window.
-  const auto version = shared.ExcelApp->Version();
+  const auto version = application->Version();
   if (const auto major = ToInteger(version.substr(0, version.find(u'.'))); major && *major < 9) {
     return shared.Platform.Windows.WindowOfClass(u"XLMAIN");
   }
-  return shared.ExcelApp->Hwnd();
+  return application->Hwnd();
 }
 
 }  // namespace rowlark

@@ -14,8 +14,11 @@ inline constexpr uint32_t kNoTimeout = 0xFFFFFFFF;
 // the library ends.
 void WaitForMessages(SharedState& shared, uint32_t timeout);
 
-// Processes what is pending, once.
-inline void PumpMessages(SharedState& shared) { shared.Platform.Pump.ProcessMessages(); }
+// Processes what is pending, once. The host may be free again after that.
+inline void PumpMessages(SharedState& shared) {
+  shared.Platform.Pump.ProcessMessages();
+  shared.GiveBackFlags();
+}
 
 // Full path of the help file: the one that the language names if it is there, otherwise the English one.
 std::u16string HelpFilePath(SharedState& shared);

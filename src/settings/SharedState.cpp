@@ -56,6 +56,7 @@ void SharedState::Acquire() {
 void SharedState::Release() {
   if (--users_ > 0) return;
   Terminating = true;
+  GiveBackFlags();
   ExcelApp = nullptr;
   Language.reset();
 }

@@ -11,6 +11,7 @@
 #include "host/WindowSystem.h"
 #include "host/spreadsheet.h"
 #include "lang/clsVTRLKLang.h"
+#include "settings/HostFlags.h"
 #include "settings/mclsVTRegistry.h"
 #include "util/mclsVTFileSystem.h"
 
@@ -48,10 +49,18 @@ class SharedState {
   void Acquire();
   void Release();
 
+  // Gives the host the flags that it would not take back before; to be called wherever it may be free again.
+  void GiveBackFlags() noexcept {
+    if (const auto application = ExcelApp) Flags.GiveBack(*application);
+  }
+
   const rowlark::Platform Platform;
   const mclsVTRegistry Registry;
   const std::shared_ptr<rowlark::Foundation> Foundation;
-  Ref<host::Application>& ExcelApp;        // nothing until the add-in has set it
+  // Nothing until the add-in has set it. Calls of the host may come back and replace it: hold a copy
+  // meanwhile.
+  Ref<host::Application>& ExcelApp;
+  HostFlags Flags;
   std::shared_ptr<clsVTRLKLang> Language;  // present while a runtime object lives
   std::u16string HelpDirectory;            // with a separator at its end
   intptr_t HelpWindow = 0;                 // of the last help that was opened; 0 when that failed

@@ -151,7 +151,8 @@ TEST_F(CommandLine, RemembersSettingsAndHistory) {
   EXPECT_EQ(Run("search orders.csv praha --go-to").output, "C6\n");
   EXPECT_EQ(Run("search orders.csv 5 --columns A --go-to --jump A").output, "A6\n");  // for once
   EXPECT_EQ(Run("history list").output, "5\npraha\n");
-  EXPECT_EQ(Run("profiles set 'C:\\Data\\ORDERS.csv' --columns all").status, 0);  // changes the one there is
+  EXPECT_EQ(Run("profiles set https://example.org/data/ORDERS.csv --columns all").status,
+            0);  // changes the one there is
   EXPECT_EQ(Run("profiles set ../orders.csv --jump b").status, 0);
   EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\norders.csv\tA2:C500\tall\tB\n");
   EXPECT_EQ(Run("search orders.csv xyz --language German").error, "rowlark: Text nicht gefunden\n");

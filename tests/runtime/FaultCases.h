@@ -17,6 +17,7 @@ class Saboteur {
  public:
   virtual ~Saboteur() = default;
   virtual std::string Failed() const = 0;  // the call that failed; empty when none did
+  virtual void Relent() = 0;               // fails no call from now on
 };
 // `call` counts from 1.
 using Sabotage = std::function<std::unique_ptr<Saboteur>(Session& session, int64_t call, bool persistent)>;
@@ -31,6 +32,7 @@ inline void FailEveryCall(const Sabotage& sabotage, const std::function<void(Ses
       ASSERT_LT(n, 1000);
       Session session("Name,City|ann,x|bob,y|ann,y|cid,x|ann,x");
       prepare(session);
+      session.application->SetEnableAnimations(false);  // as the user has it
       const auto saboteur = sabotage(session, n, persistent);
       std::u16string error = u"untouched";
       const bool done = run(session, error);
@@ -41,12 +43,17 @@ inline void FailEveryCall(const Sabotage& sabotage, const std::function<void(Ses
       if (done) {
         EXPECT_EQ(error, u"") << where << saboteur->Failed();
       }
-      // A host that refuses everything can not be put right.
-      if (!persistent) {
-        EXPECT_TRUE(session.FlagsRestored()) << where << saboteur->Failed();
+      const auto failed = saboteur->Failed();
+      // A host that refuses everything can only be put right later.
+      if (persistent) {
+        saboteur->Relent();
+        session.runtime.StopSearch();
       }
+      EXPECT_TRUE(session.application->ScreenUpdating() && session.application->EnableEvents() &&
+                  !session.application->EnableAnimations())
+          << where << failed;
       session.runtime.SetExcelApp(nullptr);
-      if (saboteur->Failed().empty()) {
+      if (failed.empty()) {
         EXPECT_TRUE(done);
         break;
       }

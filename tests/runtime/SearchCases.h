@@ -89,9 +89,16 @@ inline void ExpectSearchCases(const std::function<void(Session&)>& connect) {
        u"berlin", "found", "1 4 5 6 7 8", nullptr},
       {"a protected sheet is searched without hiding",
        [](Session& s) { s.sheet->Protect({.scenarios = true}); }, u"doe", "found", "1 2 3 4 5 6 7 8", "A6"},
-      {"a locked sheet can not even be shown",
-       [](Session& s) { s.sheet->Protect({.contents = true, .scenarios = true}); }, u"doe", "",
-       "1 2 3 4 5 6 7 8", nullptr},
+      {"nor are its rows shown",
+       [](Session& s) {
+         s.sheet->Range(u"2:3")->SetEntireRowHidden(true);
+         s.sheet->Protect({.contents = true, .scenarios = true});
+       },
+       u"berlin", "found", "1 4 5 6 7 8", "A5"},
+      {"a filter of one row and one column", [](Session& s) { s.Filter(u"C5:C6", 1, u"o*"); }, u"open",
+       "found", "1 2 3 4 5 6 7 8", "C6"},
+      {"a filter of one row and one column, hidden", [](Session& s) { s.Filter(u"C5:C6", 1, u"x"); }, u"open",
+       "Text not found", "1 2 3 4 5 7 8", nullptr},
       {"the workbook's own profile",
        [](Session& s) {
          const auto profile = s.Profile().Clone(u"C:\\Elsewhere\\BOOK1.XLS");

@@ -15,6 +15,7 @@ class ForwardingSaboteur final : public testing::Saboteur {
     session.runtime.SetExcelApp(faulty_.Wrap(Ref<host::Application>(session.application)));
   }
   std::string Failed() const override { return faulty_.Failed(); }
+  void Relent() override { faulty_.Rearm(0); }
 
  private:
   testing::FaultyHost faulty_;

@@ -83,10 +83,6 @@ Outcome Predict(const Scenario& s) {
       visible = FoldCase(s.cells[r][used.left + s.filter_column - 1]) == FoldCase(s.filter_text);
     }
     if (!s.use_filter && s.hidden.contains(r)) visible = false;
-    // Show All applies filters that are on anew, and otherwise shows the filter's rows or all.
-    if (s.use_filter && s.hidden.contains(r) && filtered && (r > used.bottom || r < used.top))
-      visible = false;
-    if (s.use_filter && s.hidden.contains(r) && s.filter_column > 0 && r == used.top) visible = false;
     if (visible) outcome.visible.insert(r);
   }
 

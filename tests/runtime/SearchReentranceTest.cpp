@@ -139,17 +139,20 @@ TEST(Reentrance, ListenersOfTheEventMaySearch) {
   }
 }
 
-// A host that calls back from inside an operation.
+// A host that calls back from inside an operation: the one of that name, or the one of that number.
 class CallingHost final : public host::Forwarding {
  public:
   CallingHost(std::string_view operation, std::function<void()> call)
       : operation_(operation), call_(std::move(call)) {}
+  CallingHost(int64_t number, std::function<void()> call) : number_(number), call_(std::move(call)) {}
   void OnCall(std::string_view operation) override {
-    if (operation == operation_ && call_) std::exchange(call_, nullptr)();
+    if ((--number_ == 0 || operation == operation_) && call_) std::exchange(call_, nullptr)();
   }
+  bool Called() const { return !call_; }
 
  private:
   std::string_view operation_;
+  int64_t number_ = 0;
   std::function<void()> call_;
 };
 
@@ -172,6 +175,177 @@ TEST(Reentrance, ARowThatIsHiddenMeanwhileDoesNotCount) {
   session.runtime.SetExcelApp(calling.Wrap(Ref<host::Application>(session.application)));
   EXPECT_EQ(session.Search(u"ann"), "Text not found");
   session.runtime.SetExcelApp(nullptr);
+}
+
+TEST(Reentrance, ASupersededSearchHidesNothingMore) {
+  AtEveryPoint([](Session& session, int64_t point) {
+    int hidden = 0;  // blocks, by the first search
+    bool asked = false;
+    class Watch final : public host::Forwarding {
+     public:
+      std::function<void(std::string_view)> Hear;
+      void OnCall(std::string_view operation) override { Hear(operation); }
+    } watch;
+    watch.Hear = [&](std::string_view operation) {
+      hidden += asked && session.events == "T" && operation == "Range.EntireRow.Hidden=" ? 1 : 0;
+    };
+    session.runtime.SetExcelApp(watch.Wrap(Ref<host::Application>(session.application)));
+    Script(session, [&](int64_t pass) {
+      if (pass != point) return;
+      asked = true;
+      std::u16string error;
+      session.runtime.SearchOptions->UseFilter = false;  // which hides none itself
+      EXPECT_TRUE(session.runtime.Search(u"bob", error));
+    });
+    EXPECT_EQ(session.Search(u"ann"), "");
+    EXPECT_EQ(hidden, 0);
+    // The closing form knows whether there is something to show again.
+    if (session.VisibleRows(8) != "1 2 3 4 5 6 7 8") {
+      EXPECT_TRUE(session.runtime.Items->RowsIsGrouped);
+    }
+    session.runtime.SetExcelApp(nullptr);
+  });
+}
+
+// The search looks for "ann"; cells are changed while it goes on.
+TEST(Reentrance, ASearchEndsThoughItsFirstMatchDoesNotMatchAnyMore) {
+  const struct {
+    const char* name;
+    const char* cells;
+    const char* filter;  // of column A
+    const char* gone;    // the first match
+    const char* visible;
+  } kCases[] = {
+      {"several rows", "bob|ann|bob|ann|ann", "", "A2", "2 4 5"},
+      {"one other row", "bob|ann|bob|ann", "", "A2", "2 4"},
+      {"one other row, matched twice", "bob,x|ann,x|bob,x|ann,ann", "", "A2", "2 4"},
+      {"in one row", "bob,ann,ann,ann|bob,x,x,x", "", "B1", "1"},
+      {"areas", "Name|ann|no|ann|no|ann|ann", "<>no", "A4", "1 2 4 6 7"},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.name);
+    Session session(c.cells);
+    if (*c.filter != '\0') session.Filter(u"A1:A7", 1, ToUtf16(c.filter));
+    Script(session, [&](int64_t pass) {
+      if (pass == 4) session.sheet->Range(ToUtf16(c.gone))->SetValue(u"bob");
+    });
+    EXPECT_EQ(session.Search(u"ann"), "found");
+    EXPECT_EQ(session.VisibleRows(session.sheet->UsedRange()->RowsCount()), c.visible);
+    EXPECT_LT(session.pump.Passes(), 100);
+  }
+}
+
+// A runtime object over a sheet, the only one of its library, that can be destroyed.
+struct Mortal {
+  Mortal() { Connect(host.application); }
+  void Connect(const Ref<host::Application>& application) {
+    runtime->SetExcelApp(application);
+    runtime->SearchOptions->UseFilter = true;
+  }
+  testing::SampleHost host{kTable};
+  testing::TestLibrary library;
+  std::unique_ptr<clsVTRLKRuntime> runtime = std::make_unique<clsVTRLKRuntime>(library.shared, library.forms);
+};
+
+void CloseTheHost(Mortal& mortal) {
+  mortal.runtime->MenuRemove();
+  mortal.runtime->DoStop();
+  mortal.runtime->SetExcelApp(nullptr);
+}
+void DestroyTheRuntime(Mortal& mortal) { mortal.runtime.reset(); }
+void CloseTheBook(Mortal& mortal) { mortal.host.application->Close(mortal.host.book); }
+
+bool Search(clsVTRLKRuntime& runtime, std::u16string& error) { return runtime.Search(u"ann", error); }
+bool Unhide(clsVTRLKRuntime& runtime, std::u16string& error) { return runtime.Unhide(false, error); }
+
+TEST(Reentrance, TheHostOrTheRuntimeMayGoInTheMiddle) {
+  for (const auto end : {CloseTheHost, DestroyTheRuntime, CloseTheBook}) {
+    for (int64_t point = 1; point <= 10; ++point) {
+      for (const bool nested : {false, true}) {
+        Mortal mortal;
+        mortal.host.application->SetEnableAnimations(false);
+        std::u16string error;
+        mortal.library.pump.OnPass = [&](int64_t pass) {
+          if (nested && pass == point - 1) mortal.runtime->Search(u"bob", error);
+          if (pass == point) end(mortal);
+        };
+        mortal.runtime->Search(u"ann", error);
+        EXPECT_TRUE(mortal.host.application->ScreenUpdating() && mortal.host.application->EnableEvents() &&
+                    !mortal.host.application->EnableAnimations())
+            << point;
+      }
+    }
+  }
+}
+
+TEST(Reentrance, TheHostOrTheRuntimeMayGoInsideOfAnOperationOfTheHost) {
+  for (const auto end : {CloseTheHost, DestroyTheRuntime, CloseTheBook}) {
+    for (const auto operation : {Search, Unhide}) {
+      bool called = true;
+      for (int64_t number = 1; called; ++number) {
+        Mortal mortal;
+        mortal.runtime->Items->DefaultItem->DontSaveChanges = true;
+        CallingHost calling(number, [&] { end(mortal); });
+        mortal.Connect(calling.Wrap(Ref<host::Application>(mortal.host.application)));
+        std::u16string error;
+        operation(*mortal.runtime, error);
+        EXPECT_TRUE(mortal.host.application->ScreenUpdating() && mortal.host.application->EnableEvents())
+            << number;
+        called = calling.Called();
+        if (mortal.runtime) mortal.runtime->SetExcelApp(nullptr);
+      }
+    }
+  }
+}
+
+// A host that does not take flags.
+class StubbornHost final : public host::Forwarding {
+ public:
+  bool Refuses = false;
+  void OnCall(std::string_view operation) override {
+    if (!operation.ends_with('=') || !operation.starts_with("Application.")) return;
+    if (Refuses) throw host::Error(1004, u"The host is busy");
+  }
+};
+
+TEST(Reentrance, FlagsThatTheHostWouldNotTakeBackAreGivenBackLater) {
+  const std::function<void(Session&)> kOccasions[] = {
+      [](Session& s) { s.Search(u"ann"); },
+      [](Session& s) {
+        std::u16string error;
+        s.runtime.Unhide(false, error);
+      },
+      [](Session& s) { s.runtime.StopSearch(); },
+      [](Session& s) { s.runtime.Wait([passes = 0]() mutable { return ++passes < 2; }); },
+      [](Session& s) { s.runtime.DoStop(); },
+      [](Session& s) { s.runtime.SetExcelApp(nullptr); },
+  };
+  for (const bool user : {true, false}) {  // what the user has
+    for (std::size_t i = 0; i < std::size(kOccasions); ++i) {
+      AtEveryPoint([&](Session& session, int64_t point) {
+        SCOPED_TRACE("occasion " + std::to_string(i));
+        session.application->SetEnableEvents(user);
+        session.application->SetEnableAnimations(!user);
+        StubbornHost stubborn;
+        const auto host = stubborn.Wrap(Ref<host::Application>(session.application));
+        session.runtime.SetExcelApp(host);
+        Script(session, [&](int64_t pass) { stubborn.Refuses |= pass == point; });
+        session.Search(u"ann");
+        EXPECT_FALSE(session.application->EnableEvents());
+        EXPECT_FALSE(session.application->EnableAnimations());
+        session.Search(u"ann");  // which does not take them for the user's
+        session.pump.OnPass = nullptr;
+        stubborn.Refuses = false;
+        kOccasions[i](session);
+        EXPECT_TRUE(session.application->ScreenUpdating());
+        EXPECT_EQ(session.application->EnableEvents(), user);
+        EXPECT_EQ(session.application->EnableAnimations(), !user);
+        session.runtime.SetExcelApp(nullptr);
+        session.application->SetEnableEvents(true);
+        session.application->SetEnableAnimations(true);
+      });
+    }
+  }
 }
 
 TEST(Reentrance, StopSearchOutsideASearchDoesNotStopTheNext) {

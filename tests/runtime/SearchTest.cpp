@@ -41,6 +41,54 @@ TEST(Search, LeavesTheStoredProfileAlone) {
   EXPECT_EQ(session.Profile().ToString(), before);
 }
 
+TEST(Search, MovesWhatAProfileNamesBeyondTheSheetOntoIt) {
+  for (const auto& size : {standalone::SheetSize{}, standalone::kSmallSheet}) {
+    SCOPED_TRACE(size.rows);
+    Session session("");
+    session.sheet->SetSize(size);
+    session.sheet->Cells(size.rows, 2)->SetValue(u"doe");
+    auto& profile = session.Profile();
+    profile.SetStartRow(size.rows - 1);
+    profile.SetStartCol(1);
+    profile.SetEndRow(size.rows + 9);
+    profile.SetEndCol(size.columns + 9);
+    profile.SelectCol = size.columns + 1;
+    profile.SearchCols = u"B,XFD";
+    const auto stored = profile.ToString();
+    EXPECT_EQ(session.Search(u"doe"), "found");
+    EXPECT_EQ(session.application->ActiveCell()->Row(), size.rows);
+    EXPECT_EQ(session.application->ActiveCell()->Column(), size.columns);
+    EXPECT_TRUE(session.sheet->Cells(size.rows - 1, 1)->EntireRowHidden());
+    EXPECT_FALSE(session.sheet->Cells(size.rows, 1)->EntireRowHidden());
+
+    profile.SetStartRow(size.rows + 1);
+    profile.SetStartCol(size.columns + 1);
+    EXPECT_EQ(session.Search(u"doe"), "Text not found");
+    std::u16string error;
+    EXPECT_TRUE(session.runtime.Unhide(false, error));
+    EXPECT_EQ(error, u"");
+    EXPECT_EQ(session.application->ActiveCell()->Row(), size.rows);
+
+    profile.ToObject(stored);
+    profile.SearchCols = u"XFE";
+    EXPECT_EQ(session.Search(u"doe"), "Text not found");
+    profile.SearchCols = u"Ä";
+    EXPECT_EQ(session.Search(u"doe"), "Error: Method 'Range' of object '_Worksheet' failed");
+  }
+}
+
+TEST(Search, TellsOfRowsThatAreHiddenWhenTheHostRefusesABlock) {
+  Session session("x|y|x|y|x");
+  session.pump.OnPass = [&](int64_t pass) {
+    if (pass == 7) session.sheet->Protect({.contents = true});  // while rows are being hidden
+  };
+  EXPECT_TRUE(session.Search(u"x").starts_with("Error #397: Can not hide/unhide rows "))
+      << session.pump.Passes();
+  EXPECT_EQ(session.VisibleRows(5), "1 3 4 5");
+  EXPECT_TRUE(session.runtime.Items->RowsIsGrouped);
+  EXPECT_TRUE(session.FlagsRestored());
+}
+
 TEST(Search, SpeaksUpWithoutHostOrSheet) {
   Session session(kOrders);
   session.sheet->Select(u"B2");

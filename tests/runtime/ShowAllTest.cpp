@@ -32,6 +32,41 @@ TEST(Unhide, ShowsEveryRowThatNoFilterHides) {
   EXPECT_EQ(idle.VisibleRows(6), "1 2 3 4 5 6");
 }
 
+TEST(Unhide, ShowsTheRowsAroundAFilterToo) {
+  const struct {
+    const char* name;
+    host::AutoFilterArguments arguments;
+    standalone::Protection protection;
+    bool hidden;
+    bool done;
+    const char* visible;
+  } kCases[] = {
+      {"with a criterion", {.Field = 1, .Criteria1 = u"x"}, {}, true, true, "1 2 3 4 6 7 8"},
+      {"idle", {.Field = 1}, {}, true, true, "1 2 3 4 5 6 7 8"},
+      {"locked",
+       {.Field = 1, .Criteria1 = u"x"},
+       {.contents = true, .allow_filtering = true},
+       true,
+       false,
+       ""},
+      {"locked, nothing to show",
+       {.Field = 1, .Criteria1 = u"x"},
+       {.contents = true, .allow_filtering = true},
+       false,
+       true,
+       "1 2 3 4 6 7 8"},
+  };
+  for (const auto& c : kCases) {
+    Session session("a|b|City|x|y|x|c|d");
+    session.sheet->Range(u"A3:A6")->AutoFilter(c.arguments);
+    if (c.hidden) session.sheet->Range(u"1:8")->SetEntireRowHidden(true);
+    session.sheet->Protect(c.protection);
+    std::u16string error;
+    EXPECT_EQ(session.runtime.Unhide(false, error), c.done) << c.name;
+    EXPECT_EQ(session.VisibleRows(8), c.visible) << c.name;
+  }
+}
+
 TEST(Unhide, AppliesEveryKindOfFilterAgain) {
   using List = std::vector<std::u16string>;
   const struct {
@@ -58,6 +93,38 @@ TEST(Unhide, AppliesEveryKindOfFilterAgain) {
     std::u16string error;
     EXPECT_TRUE(session.runtime.Unhide(false, error)) << c.name;
     EXPECT_EQ(session.VisibleRows(6), c.visible) << c.name;
+  }
+}
+
+// Lists of values can hold groups of dates, which their criteria do not tell.
+TEST(Unhide, LeavesTheCriteriaOfListsAlone) {
+  class Watch final : public host::Forwarding {
+   public:
+    bool Criteria = false;
+    int32_t Error = 0;  // of ApplyFilter
+    void OnCall(std::string_view operation) override {
+      Criteria |= operation == "Range.AutoFilter";
+      if (operation == "AutoFilter.ApplyFilter" && Error != 0) throw host::Error(Error, u"No");
+    }
+  };
+  const struct {
+    int32_t error;
+    bool criteria, done;
+  } kCases[] = {{0, false, true}, {438, true, true}, {1004, false, false}};
+  for (const auto& c : kCases) {
+    Session session(kTable);
+    const std::vector<std::u16string> list{u"x"};
+    session.sheet->Range(u"A1:B6")->AutoFilter(
+        {.Field = 2, .Criteria1 = list, .Operator = host::xlFilterValues});
+    session.sheet->Range(u"2:6")->SetEntireRowHidden(true);
+    Watch watch;
+    watch.Error = c.error;
+    session.runtime.SetExcelApp(watch.Wrap(Ref<host::Application>(session.application)));
+    std::u16string error;
+    EXPECT_EQ(session.runtime.Unhide(false, error), c.done) << c.error;
+    EXPECT_EQ(watch.Criteria, c.criteria) << c.error;
+    EXPECT_EQ(session.VisibleRows(6), c.done ? "1 2 4" : "1") << c.error;
+    session.runtime.SetExcelApp(nullptr);
   }
 }
 
