@@ -62,13 +62,13 @@ void SetDefault(Call& call) {
   static_cast<Object*>(cell.pdispVal)->Core<standalone::Range>().SetValue(call.TextValue());
 }
 
-// Only the style A1 of the sheet itself is modelled.
+// Only the style A1 is modelled.
 void Address(Call& call) {
   const bool absolute_row = call.Bool(0, true);
   const bool absolute_column = call.Bool(1, true);
   constexpr int32_t kA1 = 1;
-  if (call.Int(2, kA1) != kA1 || call.Bool(3, false)) Fail(u"Application-defined or object-defined error");
-  auto address = RangeOf(call).Address();
+  if (call.Int(2, kA1) != kA1) Fail(u"Application-defined or object-defined error");
+  auto address = call.Bool(3, false) ? RangeOf(call).ExternalAddress() : RangeOf(call).Address();
   if (!absolute_row || !absolute_column) {
     std::u16string relative;
     for (std::size_t i = 0; i < address.size(); ++i) {

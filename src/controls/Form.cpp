@@ -32,7 +32,8 @@ void Form::Unload() noexcept {
 
 void Form::Show(bool modal) {
   modal_ = modal;
-  SetVisible(true);
+  if (!Visible()) return SetVisible(true);
+  Notify(Property::Visible);
 }
 
 void Form::Move(int32_t left, int32_t top) {

@@ -22,7 +22,8 @@ class Form : public Control, public RefCounted {
   // Runs Form_Unload, takes the form off the screen and lets go of its view. Only the first call counts.
   void Unload() noexcept;
 
-  // A modal form disables its owner; whoever shows it waits until it is hidden or unloaded.
+  // Comes to the front, also when it is shown already. A modal form disables its owner; whoever shows it
+  // waits until it is hidden or unloaded.
   void Show(bool modal = false);
   void Hide() { SetVisible(false); }
   bool Modal() const { return modal_; }

@@ -56,7 +56,9 @@ class ListView final : public Control {
   Slot<> ItemClick;
 
   void UserPicked(int32_t index) {
-    OnUser([&] { Select(index); });
+    OnUser([&] {
+      if (Enabled()) Select(index);
+    });
   }
 
  private:

@@ -27,7 +27,9 @@ class ToolBar final : public Control {
   Slot<std::u16string_view> ButtonClick;  // with the button's key
 
   void UserPressed(std::u16string_view key) {
-    OnUser([&] { ButtonClick.Raise(key); });
+    OnUser([&] {
+      if (Enabled()) ButtonClick.Raise(key);
+    });
   }
 
  private:

@@ -40,7 +40,9 @@ class TreeView final : public Control {
   Slot<const Node&> NodeClick;
 
   void UserPicked(int32_t index) {
-    OnUser([&] { Select(index); });
+    OnUser([&] {
+      if (Enabled()) Select(index);
+    });
   }
 
  private:

@@ -47,6 +47,7 @@ class ForwardingRange final : public Forwarder<Range> {
   Ref<Range> Areas(int32_t index) const override { return Wrap(Call("Range.Areas").Areas(index)); }
   std::u16string Address() const override { return Call("Range.Address").Address(); }
   std::u16string AddressLocal() const override { return Call("Range.AddressLocal").AddressLocal(); }
+  std::u16string ExternalAddress() const override { return Call("Range.Address").ExternalAddress(); }
   Ref<Range> Offset(int32_t rows, int32_t columns) const override {
     return Wrap(Call("Range.Offset").Offset(rows, columns));
   }

@@ -79,6 +79,8 @@ class Range : public RefCounted {
   // Absolute A1 address of all areas ("$B$3:$F$200,$H$1"), with the host's names and in the user's language.
   virtual std::u16string Address() const = 0;
   virtual std::u16string AddressLocal() const = 0;
+  // Address(External:=True), with the workbook and the sheet: "[Book1.xls]Sheet1!$A$1".
+  virtual std::u16string ExternalAddress() const = 0;
 
   // The range moved by so many rows and columns; fails beyond the sheet.
   virtual Ref<Range> Offset(int32_t rows, int32_t columns) const = 0;

@@ -36,6 +36,10 @@ std::u16string Range::Address() const {
   return text;
 }
 
+std::u16string Range::ExternalAddress() const {
+  return u"[" + sheet_->Book().Name() + u"]" + sheet_->Name() + u"!" + Address();
+}
+
 Ref<host::Range> Range::Offset(int32_t rows, int32_t columns) const {
   const SheetSize& size = sheet_->Size();
   std::vector<Rect> areas(Areas().begin(), Areas().end());

@@ -20,6 +20,7 @@ class Range final : public host::Range {
   Ref<host::Range> Areas(int32_t index) const override;
   std::u16string Address() const override;
   std::u16string AddressLocal() const override { return Address(); }
+  std::u16string ExternalAddress() const override;
   Ref<host::Range> Offset(int32_t rows, int32_t columns) const override;
   std::u16string Value() const override;
   void SetValue(std::u16string_view text) override;

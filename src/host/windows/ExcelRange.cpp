@@ -50,6 +50,11 @@ std::u16string ExcelRange::Address() const { return object_.Text(session_->Range
 
 std::u16string ExcelRange::AddressLocal() const { return object_.Text(session_->Range.AddressLocal); }
 
+std::u16string ExcelRange::ExternalAddress() const {
+  const auto address = object_.Get(session_->Range.Address, std::nullopt, std::nullopt, std::nullopt, true);
+  return std::u16string(automation::View(Converted(address, VT_BSTR).bstrVal));
+}
+
 Ref<host::Range> ExcelRange::Offset(int32_t rows, int32_t columns) const {
   return session_->NeedRange(object_.Object(session_->Range.Offset, rows, columns));
 }

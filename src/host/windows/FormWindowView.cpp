@@ -74,7 +74,11 @@ void FormWindow::ChangedForm(Property property) {
 void FormWindow::Show() {
   for (const auto& control : site_.controls) control->UpdateList();
   if (form_->Modal()) DisableOthers();
-  ::ShowWindow(site_.window, SW_SHOW);
+  if (::IsWindowVisible(site_.window) == 0) {
+    ::ShowWindow(site_.window, SW_SHOW);
+  } else if (::IsWindowEnabled(site_.window) != 0) {
+    ::SetActiveWindow(site_.window);
+  }
   if (!form_) return;
   if (controls::Control* active = form_->ActiveControl()) {
     if (NativeControl* native = site_.Find(*active)) native->Update(Property::Focus);
