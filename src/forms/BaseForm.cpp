@@ -26,9 +26,13 @@ int32_t LeadingNumber(std::u16string_view text) {
   return static_cast<int32_t>(negative ? -number : number);
 }
 
-// How far the interval [begin, begin + length) is from [low, low + extent); 0 when they overlap.
+// What of a form's title must show for it to be seen and moved, in twips.
+constexpr int32_t kTitle = 300;
+
+// How far the interval [begin, begin + length) is from showing enough of itself in [low, low + extent); 0
+// when it does.
 int64_t Distance(int64_t begin, int64_t length, int64_t low, int64_t extent) {
-  return std::max({int64_t{0}, low - (begin + length) + 1, begin - (low + extent) + 1});
+  return std::max({int64_t{0}, low + kTitle - (begin + length), begin + kTitle - (low + extent)});
 }
 
 // The start nearest to `begin` for which the interval lies within; its start shows when it is too long.
@@ -40,11 +44,11 @@ int32_t Within(int32_t begin, int32_t length, int32_t low, int32_t extent) {
 
 bool BaseForm::Open() {
   if (!shared_.Platform.Windows.Realise(*this)) return false;
-  evtLang_ =
-      shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) { evtLang_NewLangLoaded(); });
+  evtLang_ = shared_.Language->NewLangLoaded().Connect(
+      Handler([this](const std::u16string&) { evtLang_NewLangLoaded(); }));
   Arrange();
   Load();
-  return true;
+  return Loaded();
 }
 
 void BaseForm::Form_Unload() {
@@ -59,7 +63,16 @@ std::u16string BaseForm::Padded(std::u16string_view caption) {
   return padded;
 }
 
-host::Application& BaseForm::Host() const { return *Require(shared_.ExcelApp); }
+Ref<host::Application> BaseForm::Host() const { return Require(shared_.ExcelApp); }
+
+void BaseForm::ListenToSelection(Connection& connection, std::function<void()> action) noexcept {
+  Attempt([&] {
+    auto heard = Require(Host()->ActiveWorkbook())
+                     ->OnSheetSelectionChange(
+                         Handler([action = std::move(action)](host::Worksheet&, host::Range&) { action(); }));
+    if (Loaded()) connection = std::move(heard);
+  });
+}
 
 void BaseForm::Float() noexcept {
   Attempt([this] { SetOwner(HostMainWindow(shared_)); });
@@ -68,9 +81,10 @@ void BaseForm::Float() noexcept {
 bool BaseForm::RestorePosition(std::u16string_view value_name) {
   const auto stored = shared_.Registry.GetString(host::Hive::CurrentUser, kProductKey, value_name, u"");
   if (stored.empty()) return false;
-  const auto separator = std::min(stored.find(u';'), stored.size() - 1);
-  MoveOntoScreen(LeadingNumber(std::u16string_view(stored).substr(0, separator)),
-                 LeadingNumber(std::u16string_view(stored).substr(separator + 1)));
+  const std::u16string_view position = stored;
+  const auto separator = std::min(position.find(u';'), position.size());
+  MoveOntoScreen(LeadingNumber(position.substr(0, separator)),
+                 LeadingNumber(position.substr(std::min(separator + 1, position.size()))));
   return true;
 }
 
@@ -81,19 +95,17 @@ void BaseForm::StorePosition(std::u16string_view value_name) const {
 
 void BaseForm::CentreOverHost() noexcept {
   Attempt([this] {
-    const auto& host = Host();
+    const auto host = Host();
     const auto size = WindowSize();
     const auto centre = [](double begin, double length, int32_t own) {
       return static_cast<int32_t>((begin + length / 2) * kTwipsPerPoint) - own / 2;
     };
-    MoveOntoScreen(centre(host.Left(), host.Width(), size.width),
-                   centre(host.Top(), host.Height(), size.height));
+    MoveOntoScreen(centre(host->Left(), host->Width(), size.width),
+                   centre(host->Top(), host->Height(), size.height));
   });
 }
 
-// A form can be moved with the mouse as long as something of its title shows.
 void BaseForm::MoveOntoScreen(int32_t left, int32_t top) {
-  constexpr int32_t kTitle = 300;
   const auto size = WindowSize();
   const auto screens = shared_.Platform.Windows.Screens();
   const auto distance = [&](const controls::Rect& screen) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -41,9 +42,13 @@ class BaseForm : public controls::Form {
  public:
   // Makes the form's windows, hidden, and loads it; false where there are no windows. Once.
   bool Open();
-  // Hands the form the runtime object that it works for, which outlives it being loaded.
+  // Hands the form the runtime object that it works for, which outlives it being loaded. Afterwards the form
+  // may be unloaded, as after everything that calls the host.
   virtual void SetObjectRLKRuntime(clsVTRLKRuntime& runtime) { runtime_ = &runtime; }
   bool WorksFor(const clsVTRLKRuntime& runtime) const { return runtime_ == &runtime; }
+
+  // Floats above the host's main window; without one on its own. A host may have several: the one in front.
+  void Float() noexcept;
 
  protected:
   BaseForm(SharedState& shared, std::u16string_view name) : Form(name), shared_(shared) {}
@@ -58,23 +63,29 @@ class BaseForm : public controls::Form {
   }
   // With the blanks that keep a frame's border off the letters.
   static std::u16string Padded(std::u16string_view caption);
-  host::Application& Host() const;  // throws host::Error without a host
+  // The reference keeps the host alive that a call back may take away. Throws host::Error without a host.
+  Ref<host::Application> Host() const;
+  // Connects a handler for what others raise: the form lives until it has ended, and hears of nothing once it
+  // is unloaded.
+  template <class Action>
+  auto Handler(Action action) {
+    return [this, action](auto&&... arguments) { this->OnUser([&] { action(arguments...); }); };
+  }
+  // The selections made in the active workbook; keeps what it has listened to where there is none.
+  void ListenToSelection(Connection& connection, std::function<void()> action) noexcept;
 
-  // Floats above the host's main window; without one on its own.
-  void Float() noexcept;
-
-  // Positions in the registry: "left;top" in twips. Moves the form to a stored one, onto the nearest screen
-  // if that lies on none; false when nothing is stored under that name.
+  // Positions in the registry: "left;top" in twips. Moves the form to a stored one; false when nothing is
+  // stored under that name.
   bool RestorePosition(std::u16string_view value_name);
   void StorePosition(std::u16string_view value_name) const;
   void CentreOverHost() noexcept;
+  // Moves the form there, or as near as its title can be seen and reached on a screen.
+  void MoveOntoScreen(int32_t left, int32_t top);
 
   SharedState& shared_;
   clsVTRLKRuntime* runtime_ = nullptr;
 
  private:
-  void MoveOntoScreen(int32_t left, int32_t top);
-
   Connection evtLang_;
 };
 

@@ -4,15 +4,20 @@ namespace rowlark {
 
 template <class Form>
 Ref<Form> FormSet::Load(Ref<Form>& form, clsVTRLKRuntime& runtime) {
-  if (Loaded(form)) return form;
+  if (const auto loaded = Loaded(form)) {
+    loaded->Float();
+    return Loaded(loaded);
+  }
   form = MakeRef<Form>(shared_);
-  Ref<Form> loaded = form;
-  if (!loaded->Open()) return nullptr;
-  loaded->SetObjectRLKRuntime(runtime);
-  return loaded;
+  const Ref<Form> made = form;
+  if (!made->Open()) return nullptr;
+  made->SetObjectRLKRuntime(runtime);
+  return Loaded(made);
 }
 
+// While a cell is edited nothing is searched for.
 void FormSet::ShowSearch(clsVTRLKRuntime& runtime) {
+  if (Edit()) return ShowEdit(runtime);
   const auto form = Load(search_, runtime);
   if (!form) return;
   form->Show();
@@ -30,8 +35,16 @@ void FormSet::ShowOptions(clsVTRLKRuntime& runtime) {
   const bool filled = Options() != nullptr;
   const auto form = Load(options_, runtime);
   if (!form) return;
-  if (!filled) form->Init();
-  form->Show();
+  if (!filled) {
+    form->ProfileChanged = [this] {
+      if (const auto search = Search()) search->uProfileChanged();
+    };
+    form->HistoryCleared = [this] {
+      if (const auto search = Search()) search->uHistoryCleared();
+    };
+    form->Init();
+  }
+  if (form->Loaded()) form->Show();
 }
 
 void FormSet::ShowAbout(clsVTRLKRuntime& runtime) {

@@ -13,6 +13,13 @@ using controls::Layout;
 // Of the sheets that this form walks; those of later hosts have more.
 constexpr int32_t kLastColumn = 256;
 
+// "C7" of "[Book1.xls]Sheet1!$C$7".
+std::u16string CellOf(std::u16string address) {
+  address.erase(0, address.rfind(u'!') + 1);
+  std::erase(address, u'$');
+  return address;
+}
+
 }  // namespace
 
 frmEdit::frmEdit(SharedState& shared) : BaseForm(shared, u"frmEdit") {
@@ -22,7 +29,10 @@ frmEdit::frmEdit(SharedState& shared) : BaseForm(shared, u"frmEdit") {
   btnOK.Default = true;
   btnClose.Click = [this] { Unload(); };
   btnClose.Cancel = true;
-  Activate = [this] { box0.SetFocus(); };
+  Activate = [this] {
+    Follow();
+    box0.SetFocus();
+  };
   SetLayout(Layout::Column({Layout::Stack({lblBack, Layout(lblActiveCell, {60, 8})}),
                             Layout(box0, {200, 30}).High(), Layout::Row({Layout().Wide(), btnOK, btnClose})})
                 .Apart());
@@ -32,24 +42,29 @@ void frmEdit::Form_Load() {
   ApplyCaptions();
   if (!RestorePosition(u"EditFormPosSize") && !RestorePosition(u"SearchFormPosSize")) CentreOverHost();
   Float();
-  shared_.EditFormOpen = true;
+  shared_.EditFormOpen = Loaded();
 }
 
 void frmEdit::SetObjectRLKRuntime(clsVTRLKRuntime& runtime) {
   BaseForm::SetObjectRLKRuntime(runtime);
-  Attempt([this] {
-    evtBook_ =
-        Require(Host().ActiveWorkbook())->OnSheetSelectionChange([this](host::Worksheet&, host::Range&) {
-          ShowActiveCell();
-        });
-  });
+  // The host raises no events while a search moves the active cell.
+  evtRLRTM_ = runtime.SearchingEvent().Connect(Handler([this](bool searching) {
+    if (!searching) Follow();
+  }));
+  Listen();
   ShowActiveCell();
+}
+
+void frmEdit::Listen() noexcept {
+  ListenToSelection(evtBook_, [this] { ShowActiveCell(); });
 }
 
 void frmEdit::Form_Unload() {
   SetOwner(0);
-  StorePosition(u"EditFormPosSize");
+  if (runtime_ != nullptr) StorePosition(u"EditFormPosSize");
   evtBook_.Release();
+  evtRLRTM_.Release();
+  cell_ = nullptr;
   BaseForm::Form_Unload();
   shared_.EditFormOpen = false;
 }
@@ -64,20 +79,39 @@ void frmEdit::ApplyCaptions() {
 
 void frmEdit::ShowActiveCell() {
   Attempt([this] {
-    const auto cell = Require(Host().ActiveCell());
-    auto address = cell->Address();
-    auto value = cell->Value();
-    std::erase(address, u'$');
-    lblActiveCell.SetCaption(address);
+    const auto cell = Require(Host()->ActiveCell());
+    const auto address = cell->ExternalAddress();
+    const auto value = cell->Value();
+    if (!Loaded()) return;
+    cell_ = cell;
+    address_ = address;
+    shown_ = value;
+    lblActiveCell.SetCaption(CellOf(address));
     box0.SetText(value);
     box0.SelectAll();
   });
 }
 
+// A cell that is shown though another one is active is shown with its workbook and sheet.
+void frmEdit::Follow() {
+  Listen();
+  Attempt([this] {
+    const bool here = Require(Host()->ActiveCell())->ExternalAddress() == address_;
+    if (!Loaded()) return;
+    if (!here && !Edited()) return ShowActiveCell();
+    auto away = address_;
+    std::erase(away, u'$');
+    lblActiveCell.SetCaption(here ? CellOf(address_) : away);
+  });
+}
+
 // What the host does not take is not lost: the text stays, selected, to be corrected.
 void frmEdit::btnOK_Click() {
-  const bool written = Attempt([this] { Require(Host().ActiveCell())->SetValue(box0.Text()); });
+  const auto text = box0.Text();
+  const auto cell = cell_;
+  const bool written = !Edited() || Attempt([&] { Require(cell)->SetValue(text); });
   if (!Loaded()) return;
+  if (written && cell_ == cell) shown_ = text;
   if (written && runtime_->Items->EditAutoClose) return Unload();
   box0.SetFocus();
   if (written) return;
@@ -90,8 +124,9 @@ void frmEdit::box0_KeyDown(int32_t& key, int32_t shift) {
   const int32_t pressed = key;
   if (shift != controls::kNoShift || pressed < controls::kKeyLeft || pressed > controls::kKeyDown) return;
   key = 0;
+  Listen();
   Attempt([this, pressed] {
-    const auto cell = Require(Host().ActiveCell());
+    const auto cell = Require(Host()->ActiveCell());
     int32_t row = cell->Row();
     int32_t column = cell->Column();
     switch (pressed) {
@@ -105,7 +140,7 @@ void frmEdit::box0_KeyDown(int32_t& key, int32_t shift) {
         row = VisibleRow(row, column, pressed == controls::kKeyUp ? -1 : 1);
     }
     if (row == 0 || (row == cell->Row() && column == cell->Column())) return;
-    Require(Host().ActiveSheet())->Cells(row, column)->Activate();
+    Require(Host()->ActiveSheet())->Cells(row, column)->Activate();
   });
   if (Loaded()) ShowActiveCell();
 }
@@ -113,12 +148,12 @@ void frmEdit::box0_KeyDown(int32_t& key, int32_t shift) {
 // Up to the first row of the used range, or down to the row behind it. Hidden rows are passed over in blocks,
 // which grow while they are hidden and shrink where one is not, since there may be a million of them.
 int32_t frmEdit::VisibleRow(int32_t row, int32_t column, int32_t direction) const {
-  const auto sheet = Require(Host().ActiveSheet());
+  const auto sheet = Require(Host()->ActiveSheet());
   const auto used = sheet->UsedRange();
   const int32_t last = direction < 0 ? used->Row() : used->Row() + used->RowsCount();
   int32_t next = row + direction;
   int32_t block = 1;
-  while ((last - next) * direction >= 0 && !shared_.Terminating) {
+  while ((last - next) * direction >= 0 && Loaded() && !shared_.Terminating) {
     block = std::min(block, (last - next) * direction + 1);
     bool hidden = false;
     const bool known = Attempt([&] {

@@ -69,7 +69,10 @@ void frmOptions::ConnectCommonPages() {
   chk0_RecentsTemp.Click = [this] { History().IsTemporary = chk0_RecentsTemp.Value(); };
   chk2_EditCloseForm.Click = [this] { Items().EditAutoClose = chk2_EditCloseForm.Value(); };
   box0_RecentItems.Change = [this] { box0_RecentItems_Change(); };
-  btnRecentClear.Click = [this] { History().Clear(); };
+  btnRecentClear.Click = [this] {
+    History().Clear();
+    HistoryCleared.Raise();
+  };
   cbo0_LangFile.DropDownList = true;
   cbo0_LangFile.Click = [this] { cbo0_LangFile_Click(); };
   box0_LangInfo.ReadOnly = true;
@@ -82,20 +85,26 @@ void frmOptions::Form_Load() {
   for (const auto key : {kCommon, kBooks, kKeyboard, kEdit}) tvw0.AddNode(key);
   language_files_.SetSortMode(SortMode::Ascending);
   Float();
-  shared_.OptionsFormOpen = true;
+  shared_.OptionsFormOpen = Loaded();
+}
+
+std::shared_ptr<clsVTRLKItems> frmOptions::SharedItems() const {
+  if (runtime_ == nullptr) throw host::Error(91, u"Object variable or With block variable not set");
+  return runtime_->Items;
 }
 
 void frmOptions::SetObjectRLKRuntime(clsVTRLKRuntime& runtime) {
   BaseForm::SetObjectRLKRuntime(runtime);
   old_search_key_ = Items().HotKeySearch();
   old_show_all_key_ = Items().HotKeyUnhide();
-  const bool sheet = Attempt([this] { Require(Host().ActiveSheet()); });
+  const bool sheet = Attempt([this] { Require(Host()->ActiveSheet()); });
   for (auto* button : {&btn1_SelRange, &btn1_SelSearchCols, &btn1_SelCol}) button->SetEnabled(sheet);
 }
 
 void frmOptions::Init() {
   ApplyCaptions();
   FillBooks();
+  if (!Loaded()) return;
   FillOptions();
   FillLanguages();
   CentreOverHost();
@@ -103,32 +112,37 @@ void frmOptions::Init() {
 
 void frmOptions::Form_Unload() {
   if (picker_) picker_->Unload();
-  Attempt([this] { SaveConfiguration(); });
-  RegisterHotKeys();
+  if (runtime_ != nullptr) {
+    Attempt([this] { SaveConfiguration(); });
+    Attempt([this] { RegisterHotKeys(); });
+  }
   language_files_.Clear();
   BaseForm::Form_Unload();
   shared_.OptionsFormOpen = false;
 }
 
 void frmOptions::SaveConfiguration() {
-  if (Items().CfgSave(default_language_)) {
+  const auto items = SharedItems();
+  if (items->CfgSave(default_language_)) {
     if (default_language_) shared_.Language->SetLangFile(u"");
     return;
   }
   shared_.Platform.Windows.MsgBox(
       shared_.Language->GetText(u"Err.WriteCfg", u"Configuration write error in file\\n%1",
-                                Items().CfgFileName),
+                                items->CfgFileName),
       host::MsgBoxIcon::Critical, kProductTitle);
 }
 
 void frmOptions::RegisterHotKeys() {
   const auto on_key = [this](const std::u16string& key, std::optional<std::u16string_view> macro) {
-    if (!key.empty()) Attempt([&] { Host().OnKey(key, macro); });
+    if (!key.empty()) Attempt([&] { Host()->OnKey(key, macro); });
   };
+  const auto search_key = Items().HotKeySearch();
+  const auto show_all_key = Items().HotKeyUnhide();
   on_key(old_search_key_, std::nullopt);
   on_key(old_show_all_key_, std::nullopt);
-  on_key(Items().HotKeySearch(), u"VantrelRLK_ShowSearch");
-  on_key(Items().HotKeyUnhide(), u"VantrelRLK_Unhide");
+  on_key(search_key, u"VantrelRLK_ShowSearch");
+  on_key(show_all_key, u"VantrelRLK_Unhide");
 }
 
 void frmOptions::ApplyCaptions() {
@@ -249,7 +263,7 @@ void frmOptions::HotKey_KeyDown(controls::TextBox& box, HotKeySetter store, int3
 
 void frmOptions::FillLanguages() {
   const ScopedFlag loading(loading_);
-  auto& language = *shared_.Language;
+  const auto language = shared_.Language;
   const auto& files = shared_.Platform.Files;
   const auto complain = [&](std::u16string_view text) {
     shared_.Platform.Windows.MsgBox(text, host::MsgBoxIcon::Critical, kProductTitle);
@@ -257,10 +271,11 @@ void frmOptions::FillLanguages() {
   mclsVTDictionary found;
   language_files_.Clear();
   if (!Attempt([&] {
-        if (!files.IsPathExists(language.Path())) throw host::Error(76, u"Path not found");
-        files.DirScanFiles(language.Path(), found, false);
+        if (!files.IsPathExists(language->Path())) throw host::Error(76, u"Path not found");
+        files.DirScanFiles(language->Path(), found, false);
       })) {
     complain(Text(u"Err.LangFiles.Search", u"Language files not found!"));
+    if (!Loaded()) return;
   }
   cbo0_LangFile.Clear();
   cbo0_LangFile.AddItem(Text(u"Options.UI.DefaultItem", u"<Default>"));
@@ -277,11 +292,11 @@ void frmOptions::FillLanguages() {
       cbo0_LangFile.AddItem(value(u"LANGUAGE_NAME_ENG") + u" (" + value(u"LANGUAGE_NAME") + u")");
       const int32_t index = cbo0_LangFile.ListCount() - 1;
       language_files_.Add(u"itm_" + ToText(index), name);
-      if (Compare(name, language.LangFile(), CompareMode::Text) == 0) cbo0_LangFile.SetListIndex(index);
+      if (Compare(name, language->LangFile(), CompareMode::Text) == 0) cbo0_LangFile.SetListIndex(index);
     }
   } catch (...) {
-    complain(language.GetText(u"Err.LangFiles.Internal", u"Language files search error:\\n%1",
-                              CurrentDescription()));
+    complain(language->GetText(u"Err.LangFiles.Internal", u"Language files search error:\\n%1",
+                               CurrentDescription()));
   }
 }
 
@@ -291,27 +306,28 @@ void frmOptions::cbo0_LangFile_Click() {
   std::u16string author(kCompanyName);
   std::u16string mail(kProductMail);
   std::u16string web(kProductWebSite);
-  const auto* name =
+  const auto* entry =
       std::get_if<std::u16string>(&language_files_.Data(u"itm_" + ToText(cbo0_LangFile.ListIndex())));
-  if (!loading_) default_language_ = name == nullptr;
-  if (name != nullptr) {
-    auto& language = *shared_.Language;
-    const auto path = language.Path() + *name;
+  const auto name = entry != nullptr ? *entry : std::u16string();
+  if (!loading_) default_language_ = name.empty();
+  if (!name.empty()) {
+    const auto language = shared_.Language;
+    const auto path = language->Path() + name;
     Attempt([&] {
       if (!shared_.Platform.Files.IsFileExists(path)) return;
       mclsVTIniFile texts(shared_.Platform.Files);
       texts.SetSepComment(u";");
       texts.SetFullName(path);
-      file = *name;
+      file = name;
       author = texts.GetData(u"AUTHOR_NAME", u"").value_or(author);
       mail = texts.GetData(u"AUTHOR_MAIL", u"").value_or(mail);
       web = texts.GetData(u"AUTHOR_WWW", u"").value_or(web);
-      if (Compare(*name, language.LangFile(), CompareMode::Text) != 0) language.SetLangFile(*name);
+      if (Compare(name, language->LangFile(), CompareMode::Text) != 0) language->SetLangFile(name);
     });
   }
   box0_LangInfo.SetText(shared_.Language->GetText(
       u"Misc.LangInfo", u"File: %1\\nAuthor: %2\\nE-Mail: %3\\nWWW: %4", {file, author, mail, web}));
-  if (loading_) return;
+  if (loading_ || !Loaded()) return;
   ApplyCaptions();
   FillBooks();
   FillOptions();

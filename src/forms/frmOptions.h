@@ -33,6 +33,10 @@ class frmOptions final : public BaseForm {
   // The range selection form while it is open; otherwise null.
   Ref<frmSelectRange> Picker() const { return picker_; }
 
+  // What other forms show may be another one now: where a workbook is searched, and the history.
+  controls::Slot<> ProfileChanged;
+  controls::Slot<> HistoryCleared;
+
   controls::TreeView tvw0{*this, u"tvw0"};
   controls::Button btnClose{*this, u"btnClose"};
 
@@ -92,8 +96,10 @@ class frmOptions final : public BaseForm {
   void ApplyCaptions() override;
   void ConnectCommonPages();
   void ConnectBooksPage();
-  clsVTRLKItems& Items() const { return *runtime_->Items; }
-  clsVTRLKRecentItems& History() const { return *runtime_->Items->RecentItems; }
+  // The reference keeps them alive that a call back may replace. Throws once the form is unloaded.
+  std::shared_ptr<clsVTRLKItems> SharedItems() const;
+  clsVTRLKItems& Items() const { return *SharedItems(); }
+  clsVTRLKRecentItems& History() const { return *Items().RecentItems; }
 
   void tvw0_NodeClick(std::u16string_view key);
   void FillOptions();

@@ -48,10 +48,10 @@ void frmOptions::ConnectBooksPage() {
   btn1_SelSearchCols.Click = [this] { Pick(box1_SearchCols, true, &frmOptions::PickedSearchCols); };
   btn1_SelCol.Click = [this] { Pick(box1_Col, false, &frmOptions::PickedCol); };
   chk1_JumpFirstRow.Click = [this] {
-    if (!loading_) profile_->UnhideJumpFirstRow = chk1_JumpFirstRow.Value();
+    if (!loading_ && profile_) profile_->UnhideJumpFirstRow = chk1_JumpFirstRow.Value();
   };
   chk1_DontSaveChanges.Click = [this] {
-    if (!loading_) profile_->DontSaveChanges = chk1_DontSaveChanges.Value();
+    if (!loading_ && profile_) profile_->DontSaveChanges = chk1_DontSaveChanges.Value();
   };
 }
 
@@ -77,7 +77,8 @@ void frmOptions::FillBooks() {
   lvw0.AddColumn({u"NAME", 0});
   const auto add = [this](const std::u16string& text, int32_t tag) { lvw0.AddItem({text, u"EXCEL", tag}); };
   add(Text(u"Options.UI.Book.DefItem", u"<All workbooks>"), kDefaultProfile);
-  for (int32_t i = 0; i < Items().count(); ++i) add(Items().Item(i)->Name(), i);
+  const auto items = SharedItems();
+  for (int32_t i = 0; i < items->count(); ++i) add(items->Item(i)->Name(), i);
   lvw0.Tag.clear();
   lvw0.Select(0);
 }
@@ -85,7 +86,14 @@ void frmOptions::FillBooks() {
 void frmOptions::lvw0_ItemClick() {
   const auto* entry = lvw0.SelectedItem();
   if (!lvw0.Tag.empty() || entry == nullptr) return;
-  profile_ = entry->tag == kDefaultProfile ? Items().DefaultItem : Items().Item(entry->tag);
+  const auto items = SharedItems();
+  if (entry->tag == kDefaultProfile) {
+    profile_ = items->DefaultItem;
+  } else {
+    profile_ = items->Item(entry->tag);
+    // Others may have removed profiles since the list was filled.
+    if (!profile_ || profile_->Name() != entry->text) profile_ = items->ByName(entry->text);
+  }
   ShowProfile();
 }
 
@@ -93,59 +101,66 @@ void frmOptions::ShowProfile() {
   const ScopedFlag loading(loading_);
   for (auto* box : {&box1_Range, &box1_SearchCols, &box1_Col}) box->SetEnabled(profile_ != nullptr);
   for (auto* check : {&chk1_JumpFirstRow, &chk1_DontSaveChanges}) check->SetEnabled(profile_ != nullptr);
-  if (!profile_) return;
+  const auto profile = profile_;
+  if (!profile) return;
   std::u16string range;
   std::u16string column;
-  if (profile_->StartRow() > 0) {
-    range = profile_->SearchRange();
+  if (profile->StartRow() > 0) {
+    range = profile->SearchRange();
     Attempt([&] {
-      const auto sheet = Require(Host().ActiveSheet());
+      const auto sheet = Require(Host()->ActiveSheet());
       range = Relative(sheet
-                           ->Range(*sheet->Cells(profile_->StartRow(), profile_->StartCol()),
-                                   *sheet->Cells(profile_->EndRow(), profile_->EndCol()))
+                           ->Range(*sheet->Cells(profile->StartRow(), profile->StartCol()),
+                                   *sheet->Cells(profile->EndRow(), profile->EndCol()))
                            ->Address());
     });
   }
-  if (profile_->SelectCol > 0) Attempt([&] { column = ColumnLetters(profile_->SelectCol); });
-  box1_SearchCols.SetText(profile_->SearchCols);
+  if (profile->SelectCol > 0) Attempt([&] { column = ColumnLetters(profile->SelectCol); });
+  box1_SearchCols.SetText(profile->SearchCols);
   box1_Range.SetText(range);
   box1_Col.SetText(column);
-  chk1_JumpFirstRow.SetValue(profile_->UnhideJumpFirstRow);
-  chk1_DontSaveChanges.SetValue(profile_->DontSaveChanges);
+  chk1_JumpFirstRow.SetValue(profile->UnhideJumpFirstRow);
+  chk1_DontSaveChanges.SetValue(profile->DontSaveChanges);
   // Also where the text has stayed the same.
   for (auto* box : {&box1_Range, &box1_SearchCols, &box1_Col}) box->Change.Raise();
 }
 
 // A text that is no range means an automatic one.
 void frmOptions::WriteRange() {
-  profile_->SetStartRow(0);
-  profile_->SetEndCol(0);
-  profile_->SetStartCol(0);
-  profile_->SetEndRow(0);
-  if (box1_Range.Text().empty()) return;
-  Attempt([this] {
-    const auto range = Require(Host().ActiveSheet())->Range(box1_Range.Text());
-    const int32_t row = range->Row();
-    const int32_t column = range->Column();
-    const int32_t rows = range->RowsCount();
-    const int32_t columns = range->ColumnsCount();
-    profile_->SetStartRow(row);
-    profile_->SetStartCol(column);
-    profile_->SetEndCol(column + columns - 1);
-    profile_->SetEndRow(row + rows - 1);
-  });
+  const auto profile = profile_;
+  const auto text = box1_Range.Text();
+  profile->SetStartRow(0);
+  profile->SetEndCol(0);
+  profile->SetStartCol(0);
+  profile->SetEndRow(0);
+  if (!text.empty()) {
+    Attempt([&] {
+      const auto range = Require(Host()->ActiveSheet())->Range(text);
+      const int32_t row = range->Row();
+      const int32_t column = range->Column();
+      const int32_t rows = range->RowsCount();
+      const int32_t columns = range->ColumnsCount();
+      profile->SetStartRow(row);
+      profile->SetStartCol(column);
+      profile->SetEndCol(column + columns - 1);
+      profile->SetEndRow(row + rows - 1);
+    });
+  }
+  ProfileChanged.Raise();
 }
 
 void frmOptions::WriteSearchCols() { profile_->SearchCols = box1_SearchCols.Text(); }
 
 void frmOptions::WriteCol() {
-  profile_->SelectCol = 0;
-  if (box1_Col.Text().empty()) return;
-  Attempt([this] { profile_->SelectCol = ColumnNumber(box1_Col.Text()); });
+  const auto profile = profile_;
+  const auto letters = box1_Col.Text();
+  profile->SelectCol = 0;
+  if (letters.empty()) return;
+  Attempt([&] { profile->SelectCol = ColumnNumber(letters); });
 }
 
 void frmOptions::AddBook() {
-  const auto book = Require(Host().ActiveWorkbook());
+  const auto book = Require(Host()->ActiveWorkbook());
   const auto name = book->Name();
   const auto full_name = book->FullName();
   auto& windows = shared_.Platform.Windows;
@@ -160,14 +175,17 @@ void frmOptions::AddBook() {
                                             u"Do you want to add workbook [%1] in this list ?", name),
                   kProductTitle);
   if (!agreed || !Loaded()) return;
-  Items().Add(Items().DefaultItem->Clone(full_name));
+  const auto items = SharedItems();
+  const auto default_item = items->DefaultItem;
+  items->Add(default_item->Clone(full_name));
   FillBooks();
+  ProfileChanged.Raise();
 }
 
 void frmOptions::DeleteBook() {
   const auto* entry = lvw0.SelectedItem();
   if (entry == nullptr || entry->tag == kDefaultProfile) return;
-  const auto name = profile_->Name();
+  const auto name = entry->text;
   const bool agreed =
       shared_.Platform.Windows.Ask(shared_.Language->GetText(u"Options.UI.Book.DelQuestion",
                                                              u"Do you want to remove [%1] from list ?", name),
@@ -175,6 +193,7 @@ void frmOptions::DeleteBook() {
   if (!agreed || !Loaded()) return;
   Items().Remove(name);
   FillBooks();
+  ProfileChanged.Raise();
 }
 
 void frmOptions::ResetBook() {
@@ -182,7 +201,8 @@ void frmOptions::ResetBook() {
   for (auto* box : {&box1_Col, &box1_Range, &box1_SearchCols}) box->SetText(u"");
 }
 
-// The user selects on the sheet meanwhile. One pick at a time.
+// The user selects on the sheet meanwhile. One pick at a time, and for the profile that was shown when it
+// began.
 void frmOptions::Pick(controls::TextBox& field, bool multiple, PickedText text) {
   if (picker_) return;
   const auto picker = picker_ = MakeRef<frmSelectRange>(shared_);
@@ -190,15 +210,24 @@ void frmOptions::Pick(controls::TextBox& field, bool multiple, PickedText text) 
     picker_ = nullptr;
     return;
   }
+  const auto let_change = [this](bool enabled) {
+    for (auto* control : std::initializer_list<controls::Control*>{&tvw0, &lvw0, &tbr1_0}) {
+      control->SetEnabled(enabled);
+    }
+  };
+  let_change(false);
   picker->SetAllowMultipleSelection(multiple);
   picker->Show();
-  runtime_->Wait([&picker] { return picker->uVisible(); });
+  if (Loaded()) runtime_->Wait([&picker] { return picker->uVisible(); });
   const auto address = ToUpper(picker->box0.Text());
   picker->Unload();
   picker_ = nullptr;
+  let_change(true);
   if (!Loaded() || !picker->Accepted() || address.empty()) return;
   Attempt([&] {
-    field.SetText((this->*text)(address));
+    const auto picked = (this->*text)(address);
+    if (!Loaded()) return;
+    field.SetText(picked);
     field.SetFocus();
   });
 }
@@ -229,11 +258,11 @@ std::u16string frmOptions::PickedSearchCols(std::u16string_view address) const {
 }
 
 std::u16string frmOptions::ColumnLetters(int32_t column) const {
-  return Relative(Require(Host().ActiveSheet())->Cells(1, column)->Address(), true);
+  return Relative(Require(Host()->ActiveSheet())->Cells(1, column)->Address(), true);
 }
 
 int32_t frmOptions::ColumnNumber(std::u16string_view letters) const {
-  return Require(Host().ActiveSheet())->Range(std::u16string(letters) + u"1")->Column();
+  return Require(Host()->ActiveSheet())->Range(std::u16string(letters) + u"1")->Column();
 }
 
 }  // namespace rowlark

@@ -24,7 +24,10 @@ constexpr int32_t kModeCell = 2;
 frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch") {
   SetCaption(kProductTitle);
   Form::KeyDown = [this](int32_t& key, int32_t shift) { Form_KeyDown(key, shift); };
-  Activate = [this] { uActivateCboText(); };
+  Activate = [this] {
+    ShowFormCaption();
+    uActivateCboText();
+  };
   cboText.Change = [this] { cboText_Change(); };
   cboText.Click = [this] { cboText_Change(); };
   cboText.KeyDown = [this](int32_t& key, int32_t shift) { cboText_KeyDown(key, shift); };
@@ -72,18 +75,20 @@ void frmSearch::Form_Load() {
   tmr0.SetEnabled(false);
   tmr0.SetInterval(kTypingDelay);
   ApplyCaptions();  // which make the form as large as it is
-  if (!RestorePosition(u"SearchFormPosSize")) Move(kDesignPosition, kDesignPosition);
+  if (!RestorePosition(u"SearchFormPosSize")) MoveOntoScreen(kDesignPosition, kDesignPosition);
   Float();
   btnClose.Tag.clear();
   boxError.SetVisible(false);
-  shared_.SearchFormLoaded = true;
+  shared_.SearchFormLoaded = Loaded();
 }
 
 void frmSearch::SetObjectRLKRuntime(clsVTRLKRuntime& runtime) {
   const ScopedFlag loading(loading_);
   BaseForm::SetObjectRLKRuntime(runtime);
-  evtRLRTM_ = runtime.SearchingEvent().Connect([this](bool& searching) { evtRLRTM_Searching(searching); });
+  evtRLRTM_ =
+      runtime.SearchingEvent().Connect(Handler([this](bool searching) { evtRLRTM_Searching(searching); }));
   ApplyCaptions();
+  if (!Loaded()) return;
 
   const auto number = [this](std::u16string_view value, int32_t missing) {
     return shared_.Registry.GetLong(Hive::CurrentUser, kProductKey, value, missing);
@@ -107,19 +112,28 @@ void frmSearch::SetObjectRLKRuntime(clsVTRLKRuntime& runtime) {
 
   std::u16string text;
   if (runtime.Items->AutoDetectSearchText) {
-    Attempt([&] { text = Require(Host().ActiveCell())->Value(); });
+    Attempt([&] { text = Require(Host()->ActiveCell())->Value(); });
+    if (!Loaded()) return;
   }
   cboText.SetText(text);
   FillHistory();
   typed_ = text;
 }
 
+// A form that goes before it has been filled leaves nothing behind.
 void frmSearch::Form_Unload() {
-  auto& items = *runtime_->Items;
+  if (runtime_ != nullptr && !loading_) Finish();
+  evtRLRTM_.Release();
+  BaseForm::Form_Unload();
+  shared_.SearchFormLoaded = false;
+}
+
+void frmSearch::Finish() {
   if (runtime_->Searching()) {
     runtime_->StopSearch();
     runtime_->EndSearch();
   }
+  const auto items = runtime_->Items;
   Hide();
   SetOwner(0);
   StorePosition(u"SearchFormPosSize");
@@ -131,21 +145,26 @@ void frmSearch::Form_Unload() {
   store(u"SearchMatchCase", chkCase.Value() ? 1 : 0);
   store(u"SearchFilter", chkSearchAll.Value() ? 1 : 0);
   Attempt([&] {
-    std::u16string discarded;
-    if (items.UnhideOnEsc && items.RowsIsGrouped) runtime_->Unhide(false, discarded);
+    if (items->UnhideOnEsc && items->RowsIsGrouped) ShowAllRows();
   });
   Attempt([&] {
     const auto text = cboText.Text();
-    items.RecentItems->Add(text);
+    items->RecentItems->Add(text);
     cboText.AddItem(text, 0);
-    items.CfgSave(false);
+    items->CfgSave(false);
   });
   Attempt([&] {
-    if (ActiveProfile()->DontSaveChanges) Require(Host().ActiveWorkbook())->SetSaved(true);
+    if (ActiveProfile()->DontSaveChanges) Require(Host()->ActiveWorkbook())->SetSaved(true);
   });
-  evtRLRTM_.Release();
-  BaseForm::Form_Unload();
-  shared_.SearchFormLoaded = false;
+}
+
+// Showing all rows goes to the place that the profile asks for; who goes to a found cell wants to stay on it.
+void frmSearch::ShowAllRows() {
+  Ref<host::Range> found;
+  if (going_) Attempt([&] { found = Host()->ActiveCell(); });
+  std::u16string discarded;
+  Attempt([&] { runtime_->Unhide(false, discarded); });
+  if (found) found->Activate();
 }
 
 void frmSearch::ApplyCaptions() {
@@ -162,30 +181,35 @@ void frmSearch::ApplyCaptions() {
   btnUnhide.SetCaption(Text(u"Search.UI.Chk.BtnUnhide", u"&Show All"));
   btnOptions.SetCaption(Text(u"Search.UI.Chk.BtnOptions", u"&Options..."));
   btnClose.SetCaption(Text(u"Search.UI.Chk.BtnClose", u"&Close"));
-  if (runtime_ != nullptr) SetCaption(FormCaption());
   SetEditMode(edit_mode_);
+  ShowFormCaption();
 }
 
-std::u16string frmSearch::FormCaption() const {
+// Before the form has its runtime object, and when there is no such object any more, the caption stays.
+void frmSearch::ShowFormCaption() {
+  if (runtime_ == nullptr) return;
+  Attempt([this] {
+    const auto range = SearchedRange();
+    SetCaption(shared_.Language->GetText(u"Search.UI.FormCaption", u"Search - %1", range));
+  });
+}
+
+std::u16string frmSearch::SearchedRange() const {
+  const auto profile = ActiveProfile();
   bool filtered = false;
-  Attempt([&] { filtered = Require(Require(Host().ActiveWorkbook())->ActiveSheet())->AutoFilterMode(); });
-  std::u16string mode;
-  if (filtered) {
-    mode = Text(u"Search.UI.FormCaption.Mode1", u"[AutoFiltered range]");
-  } else if (const auto profile = ActiveProfile();
-             profile->UsingAutoRange || profile->SearchRange().empty()) {
-    mode = Text(u"Search.UI.FormCaption.Mode2", u"[entire sheet]");
-  } else {
-    mode = u"[" + profile->SearchRange() + u"]";
-  }
-  return shared_.Language->GetText(u"Search.UI.FormCaption", u"Search - %1", mode);
+  Attempt([&] { filtered = Require(Require(Host()->ActiveWorkbook())->ActiveSheet())->AutoFilterMode(); });
+  if (filtered) return Text(u"Search.UI.FormCaption.Mode1", u"[AutoFiltered range]");
+  // A copy forms its address on the sheet that is active now, and has none where a bound is open.
+  const auto range = profile->UsingAutoRange ? std::u16string() : profile->Clone()->SearchRange();
+  if (range.empty()) return Text(u"Search.UI.FormCaption.Mode2", u"[entire sheet]");
+  return u"[" + range + u"]";
 }
 
 std::shared_ptr<clsVTRLKItem> frmSearch::ActiveProfile() const {
-  const auto& items = *runtime_->Items;
+  const auto items = runtime_->Items;
   std::shared_ptr<clsVTRLKItem> profile;
-  Attempt([&] { profile = items.ByName(Require(Host().ActiveWorkbook())->Name()); });
-  return profile ? profile : items.DefaultItem;
+  Attempt([&] { profile = items->ByName(Require(Host()->ActiveWorkbook())->Name()); });
+  return profile ? profile : items->DefaultItem;
 }
 
 void frmSearch::SetEditMode(bool edit) {
@@ -197,6 +221,8 @@ void frmSearch::SetEditMode(bool edit) {
 
 // The newest text first.
 void frmSearch::FillHistory() {
+  if (runtime_ == nullptr) return;
+  const ScopedFlag loading(loading_);
   const auto& history = *runtime_->Items->RecentItems;
   const auto text = cboText.Text();
   cboText.Clear();
@@ -221,7 +247,12 @@ void frmSearch::RestartDelay() {
 
 void frmSearch::tmr0_Timer() {
   tmr0.SetEnabled(false);
-  if (!loading_) RunSearch();
+  if (loading_) return;
+  if (editing_) {
+    search_is_due_ = true;  // it would move the active cell away from the one that is edited
+  } else {
+    RunSearch();
+  }
 }
 
 bool frmSearch::RunSearch() {
@@ -240,8 +271,9 @@ bool frmSearch::Run(Operation operation) {
   std::u16string error = untouched;
   ShowError(u"");
   bool sheet = true;
-  Attempt([&] { sheet = Host().ActiveSheet() != nullptr; });
-  if (!sheet) return false;  // all workbooks have been closed
+  Attempt([&] { sheet = Host()->ActiveSheet() != nullptr; });
+  ShowFormCaption();
+  if (!sheet || !Loaded()) return false;  // all workbooks have been closed
   try {
     if (operation(error)) return Loaded();
     if (!Loaded()) return false;
@@ -335,16 +367,30 @@ void frmSearch::Options_Click() {
 }
 
 void frmSearch::btnMode_Click() {
-  if (tmr0.Enabled()) {  // what was typed last has not been searched for yet
+  while (tmr0.Enabled()) {  // what was typed last has not been searched for yet
     tmr0.SetEnabled(false);
     if (!RunSearch()) return;
   }
-  if (!edit_mode_) return Unload();
-  Hide();
-  Attempt([this] { runtime_->StartEdit(); });  // which waits until the edit form is closed
+  if (!runtime_->FinishSearch() || !Loaded()) return;
+  if (edit_mode_) return StartEdit();
+  going_ = true;
+  Unload();
+}
+
+void frmSearch::StartEdit() {
+  if (editing_) return;
+  {
+    const ScopedFlag editing(editing_);
+    Hide();
+    if (!Loaded()) return;
+    Attempt([this] { runtime_->StartEdit(); });  // which waits until the edit form is closed
+    if (!Loaded()) return;
+    Float();
+  }
   if (!Loaded()) return;
   Show();
   uActivateCboText();
+  if (std::exchange(search_is_due_, false)) RunSearch();
 }
 
 void frmSearch::btnUnhide_Click() {

@@ -24,6 +24,9 @@ class frmSearch final : public BaseForm {
 
   // Gives the text the focus and selects it.
   void uActivateCboText();
+  // What other forms have changed.
+  void uProfileChanged() { ShowFormCaption(); }
+  void uHistoryCleared() { FillHistory(); }
 
   controls::Frame fraTextCaption{*this, u"fraTextCaption"};
   controls::ComboBox cboText{*this, u"cboText"};
@@ -57,13 +60,17 @@ class frmSearch final : public BaseForm {
   void btnUnhide_Click();
   void tmr0_Timer();
 
-  std::u16string FormCaption() const;
+  void ShowFormCaption();
+  std::u16string SearchedRange() const;
   std::shared_ptr<clsVTRLKItem> ActiveProfile() const;
   void SetEditMode(bool edit);
   void FillHistory();
   void ApplyOptions();
   void RestartDelay();
   bool RunSearch();
+  void StartEdit();
+  void Finish();
+  void ShowAllRows();
   // Calls an operation of the runtime, which returns whether it succeeded and otherwise says why not. True
   // when it did, and the form is still there.
   template <class Operation>
@@ -74,6 +81,9 @@ class frmSearch final : public BaseForm {
   Connection evtRLRTM_;
   bool loading_ = false;
   bool edit_mode_ = false;
+  bool editing_ = false;        // hidden, until the edit form is closed
+  bool search_is_due_ = false;  // then
+  bool going_ = false;          // closing, to leave the user on the cell that was found
   std::u16string idle_caption_;
   std::u16string searching_caption_;
   std::u16string typed_;  // the text as it was before an entry of the history was picked

@@ -33,17 +33,12 @@ frmSelectRange::frmSelectRange(SharedState& shared) : BaseForm(shared, u"frmSele
 void frmSelectRange::Form_Load() {
   ApplyCaptions();
   const auto screens = shared_.Platform.Windows.Screens();
-  const int32_t width = screens.empty() ? 0 : screens.front().width;
-  Move(width / 2 - WindowSize().width / 2, kDesignTop);
-  Attempt([this] {
-    evtBook_ =
-        Require(Host().ActiveWorkbook())->OnSheetSelectionChange([this](host::Worksheet&, host::Range&) {
-          ShowSelection();
-        });
-  });
+  const auto screen = screens.empty() ? controls::Rect{} : screens.front();
+  MoveOntoScreen(screen.left + screen.width / 2 - WindowSize().width / 2, kDesignTop);
+  ListenToSelection(evtBook_, [this] { ShowSelection(); });
   ShowSelection();
   SetTopmost(true);
-  visible_ = true;
+  visible_ = Loaded();
   multiple_ = true;
 }
 
@@ -68,7 +63,7 @@ void frmSelectRange::SetAllowMultipleSelection(bool allow) {
 void frmSelectRange::ShowSelection() {
   std::u16string addresses;
   Attempt([&] {
-    const auto selection = Host().Selection();
+    const auto selection = Host()->Selection();
     const int32_t areas = !selection ? 0 : multiple_ ? selection->AreasCount() : 1;
     for (int32_t i = 1; i <= areas; ++i) {
       if (i > 1) addresses += u';';

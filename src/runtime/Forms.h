@@ -5,11 +5,13 @@ namespace rowlark {
 
 class clsVTRLKRuntime;
 
-// A form that is loaded already is shown again and given the focus, whichever runtime object loaded it.
+// A form that is loaded already is shown again, in front and with the focus, whichever runtime object loaded
+// it.
 class Forms {
  public:
   virtual ~Forms() = default;
 
+  // While a cell is edited, the edit form instead.
   virtual void ShowSearch(clsVTRLKRuntime& runtime) = 0;
   virtual void ShowEdit(clsVTRLKRuntime& runtime) = 0;
   virtual void ShowOptions(clsVTRLKRuntime& runtime) = 0;

@@ -77,6 +77,15 @@ bool clsVTRLKRuntime::EndSearch() {
   return searches->End(false);
 }
 
+// The run lives beneath us on the stack, also when it is done or another one has taken over.
+bool clsVTRLKRuntime::FinishSearch() {
+  const SearchRun* run = run_;
+  if (run == nullptr) return true;
+  if (run->OnStack()) return false;
+  Wait([this] { return searching_; });
+  return run->Result();
+}
+
 void clsVTRLKRuntime::DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem& objItem) {
   rowlark::DetectSearchRange(objSheet, objItem);
 }

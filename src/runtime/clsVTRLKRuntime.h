@@ -68,6 +68,10 @@ class clsVTRLKRuntime {
   // Stops the search under way and brings it to its end, whoever began it. False when that is not possible,
   // because this is called from inside an operation of the host.
   bool EndSearch();
+  // Lets the search under way come to its own end, whoever began it. True when there was none, or when it
+  // found rows; false also when it can not go on, because this is called from inside an operation of the
+  // host.
+  bool FinishSearch();
 
   // Completes the open bounds of a profile from the sheet. Throws host::Error.
   void DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem& objItem);

@@ -100,6 +100,89 @@ TEST(EditForm, WritesTheCellAndStaysOrCloses) {
   EXPECT_TRUE(desk.NoFormIsLeft());
 }
 
+TEST(EditForm, WritesToTheCellThatItShows) {
+  Desk desk;
+  desk.sheet->Select(u"A2");
+  const auto form = desk.Edit();
+  auto& box = form->box0;
+  const auto shows = [&] { return ToUtf8(form->lblActiveCell.Caption()) + " " + ToUtf8(box.Text()); };
+  const auto search = [&](const char16_t* text) {
+    std::u16string error;
+    EXPECT_TRUE(desk.runtime->Search(text, error)) << ToUtf8(error);
+  };
+  // A search, which raises no events.
+  search(u"bob");
+  EXPECT_EQ(shows(), "A3 bob");
+  box.UserTyped(u"typed", 5);
+  search(u"cid");
+  EXPECT_EQ(desk.ActiveCell(), "A5");
+  EXPECT_EQ(shows(), "[Book1.xls]Sheet1!A3 typed");
+  form->btnOK.UserClicked();
+  EXPECT_EQ(desk.sheet->Range(u"A3")->Value(), u"typed");
+  EXPECT_EQ(desk.sheet->Range(u"A5")->Value(), u"cid");
+
+  // Another sheet, and another workbook.
+  const auto second = desk.book->AddWorksheet();
+  second->SetCell(1, 1, u"second");
+  form->UserActivated();
+  EXPECT_EQ(shows(), "A1 second");
+  box.UserTyped(u"kept", 4);
+  const auto other = desk.application->AddWorkbook(u"C:\\Data\\Book2.xls");
+  auto* sheet = static_cast<standalone::Worksheet*>(other->ActiveSheet().get());
+  sheet->SetCell(2, 1, u"below");
+  form->UserActivated();
+  EXPECT_EQ(shows(), "[Book1.xls]Sheet2!A1 kept");
+  form->btnOK.UserClicked();
+  EXPECT_EQ(second->Range(u"A1")->Value(), u"kept");
+  EXPECT_EQ(sheet->Range(u"A1")->Value(), u"");
+  form->UserActivated();
+  EXPECT_EQ(shows(), "A1 ");
+  sheet->Select(u"A2");  // of the workbook that is active now
+  EXPECT_EQ(shows(), "A2 below");
+
+  // Moving with a key follows as well, and drops what was typed.
+  desk.application->Activate(desk.book);
+  box.UserTyped(u"dropped", 7);
+  PressKey(*form, controls::kKeyRight);
+  EXPECT_EQ(shows(), "B1 ");
+  second->Select(u"A1");
+  EXPECT_EQ(shows(), "A1 kept");
+
+  // A cell that is gone refuses what was typed.
+  box.UserTyped(u"late", 4);
+  desk.application->Close(desk.book);
+  form->btnOK.UserClicked();
+  EXPECT_EQ(shows(), "A1 late");
+  EXPECT_EQ(box.SelLength(), 4);
+  EXPECT_EQ(desk.windows.Beeps, 1);
+  EXPECT_EQ(sheet->Range(u"A2")->Value(), u"below");
+}
+
+// A cell may show something other than what it holds.
+TEST(EditForm, WritesNothingWhenTheTextIsUnchanged) {
+  Desk desk("old");
+  struct Watcher final : host::Forwarding {
+    int writes = 0;
+    void OnCall(std::string_view operation) override {
+      if (operation == "Range.Value=") ++writes;
+    }
+  } watcher;
+  desk.runtime->SetExcelApp(watcher.Wrap(Ref<host::Application>(desk.application)));
+  const auto form = desk.Edit();
+  form->btnOK.UserClicked();
+  EXPECT_EQ(watcher.writes, 0);
+  for (const auto* text : {u"new", u"new", u"old"}) {
+    form->box0.UserTyped(text, 0);
+    form->btnOK.UserClicked();
+  }
+  EXPECT_EQ(watcher.writes, 2);
+  desk.runtime->Items->EditAutoClose = true;
+  form->btnOK.UserClicked();
+  EXPECT_EQ(watcher.writes, 2);
+  EXPECT_TRUE(desk.NoFormIsLeft());
+  desk.runtime->SetExcelApp(nullptr);
+}
+
 TEST(EditForm, OpensWhereItWasOrWhereTheSearchFormWasOrOverTheHost) {
   Desk desk;
   auto form = desk.Edit();

@@ -42,6 +42,7 @@ TEST(HotKeys, EveryKeyHasItsNameOrNone) {
 TEST(OptionsForm, CapturesHotkeysAndRegistersThemWhenItCloses) {
   Desk desk;
   desk.application->OnKey(u"^f", u"VantrelRLK_ShowSearch");
+  desk.application->OnKey(u"+^f", u"VantrelRLK_Unhide");
   auto form = desk.Options(kKeyboardPage);
   auto& items = *desk.runtime->Items;
   EXPECT_EQ(form->box0_HKS.Text(), u"Ctrl + f");
@@ -291,13 +292,19 @@ TEST(OptionsForm, PicksOnTheSheet) {
                    },
                    [&, key] {
                      EXPECT_EQ(desk.windows.Forms.size(), 2U);
+                     form->tvw0.UserPicked(kCommonPage);
+                     form->lvw0.UserPicked(1);
+                     form->tbr1_0.UserPressed(u"DEL");
+                     EXPECT_TRUE(form->lvw0.Shown() && form->lvw0.Selected() == 0);
                      form->Picker()->UserKeyDown(key, 0);
                    }};
     button.UserClicked();
     EXPECT_FALSE(form->Picker());
   };
   constexpr int32_t kOk = controls::kKeyReturn;
+  form->tbr1_0.UserPressed(u"ADD");
   pick(form->btn1_SelRange, u"B2:C5,E5", kOk);
+  EXPECT_TRUE(form->lvw0.Enabled() && form->tvw0.Enabled() && form->tbr1_0.Enabled());
   EXPECT_EQ(form->box1_Range.Text(), u"B2:C5");
   EXPECT_EQ(form->ActiveControl(), &form->box1_Range);
   EXPECT_EQ(desk.runtime->Items->DefaultItem->EndRow(), 5);
@@ -338,11 +345,39 @@ TEST(OptionsForm, OffersNoPickWithoutASheet) {
 
 TEST(OptionsForm, IsGoneWhenTheLibraryEndsDuringAQuestion) {
   Desk desk;
+  auto& items = *desk.runtime->Items;
+  for (const auto* button : {u"ADD", u"DEL"}) {
+    const auto form = desk.Options(kBooksPage);
+    form->lvw0.UserPicked(1);
+    desk.windows.WhileMessage = [&] { desk.runtime->DoStop(); };
+    form->tbr1_0.UserPressed(button);
+    EXPECT_EQ(items.count(), button[0] == u'D' ? 1 : 0);
+    EXPECT_TRUE(desk.NoFormIsLeft());
+    desk.windows.WhileMessage = nullptr;
+    desk.shared.Terminating = false;
+    items.Add(items.DefaultItem->Clone(u"C:\\Data\\Book1.xls"));
+  }
+}
+
+// The list shows what there was when it was filled.
+TEST(OptionsForm, StandsProfilesThatOthersRemove) {
+  Desk desk;
+  auto& items = *desk.runtime->Items;
+  for (const auto* book : {u"C:\\a.xls", u"C:\\b.xls", u"C:\\c.xls"}) {
+    items.Add(items.DefaultItem->Clone(book));
+  }
   const auto form = desk.Options(kBooksPage);
-  desk.windows.WhileMessage = [&] { desk.runtime->DoStop(); };
-  form->tbr1_0.UserPressed(u"ADD");
-  EXPECT_EQ(desk.runtime->Items->count(), 0);
-  EXPECT_TRUE(desk.NoFormIsLeft());
+  items.Remove(u"a.xls");
+  form->lvw0.UserPicked(2);
+  form->box1_SearchCols.UserTyped(u"b", 1);
+  EXPECT_EQ(items.ByName(u"b.xls")->SearchCols, u"B");
+  EXPECT_EQ(items.ByName(u"c.xls")->SearchCols, u"");
+  form->lvw0.UserPicked(1);
+  EXPECT_FALSE(form->box1_Range.Enabled() || form->chk1_JumpFirstRow.Enabled());
+  form->tbr1_0.UserPressed(u"RESET");
+  form->tbr1_0.UserPressed(u"DEL");
+  EXPECT_EQ(items.count(), 2);
+  EXPECT_EQ(form->lvw0.Items().size(), 3U);
 }
 
 }  // namespace

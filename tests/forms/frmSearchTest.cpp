@@ -285,18 +285,26 @@ TEST(SearchForm, RemembersItsSwitches) {
 }
 
 TEST(SearchForm, ComesBackToItsPlaceOrOntoTheNearestScreen) {
+  constexpr int kRight = -1;  // at the right end of the second screen
+  constexpr int kBottom = -1;
   for (const auto& [stored, left, top] : {std::tuple(u"4320;2160", 4320, 2160),
                                           {u"30000;9000", 30000, 9000},  // on the second screen
                                           {u" -400 ;x", -400, 0},        // most of it can be seen
-                                          {u"4320", 432, 0},             // the last digit is taken for ";"
-                                          {u"99999999999;-7", 0, 0}}) {
+                                          {u"4320", 4320, 0},
+                                          {u"abc;2", 0, 2},
+                                          {u"44159;0", kRight, 0},  // hardly a pixel of it could be seen
+                                          {u"44170;0", kRight, 0},
+                                          {u"-9900;900", 0, 900},
+                                          {u"300;15601", 300, kBottom},
+                                          {u"99999999999;-7", kRight, 0}}) {
     Desk desk;
     desk.Store(u"SearchFormPosSize", stored);
     const auto form = desk.Search();
-    if (std::u16string_view(stored).starts_with(u'9')) {
-      EXPECT_EQ(form->Left() + form->WindowSize().width, 28800 + 15360);
-    } else {
-      EXPECT_EQ(form->Left(), left) << ToUtf8(stored);
+    const auto size = form->WindowSize();
+    EXPECT_EQ(form->Left(), left == kRight ? 28800 + 15360 - size.width : left) << ToUtf8(stored);
+    if (top == kBottom) {
+      EXPECT_EQ(form->Top(), 15600 - size.height);
+      continue;
     }
     EXPECT_EQ(form->Top(), top) << ToUtf8(stored);
     form->UserMoved(111, 222);
@@ -305,12 +313,16 @@ TEST(SearchForm, ComesBackToItsPlaceOrOntoTheNearestScreen) {
   }
 }
 
+// From the start on, and while the form is open.
 TEST(SearchForm, CaptionTellsWhatIsSearched) {
   Desk desk;
+  Ref<frmSearch> open;
   const auto caption = [&] {
     const auto form = desk.Search();
     const auto text = ToUtf8(form->Caption());
     form->UserClosed();
+    open = desk.Search();
+    EXPECT_EQ(ToUtf8(open->Caption()), text);
     return text;
   };
   EXPECT_EQ(caption(), "Search - [entire sheet]");
@@ -321,6 +333,29 @@ TEST(SearchForm, CaptionTellsWhatIsSearched) {
   item->SetEndCol(2);
   desk.runtime->Items->Add(item);
   EXPECT_EQ(caption(), "Search - [A2:B9]");
+  const auto options = desk.Options(1);
+  options->lvw0.UserPicked(1);
+  for (const auto& [typed, shown] : {std::pair(u"b3:c4", u"Search - [B3:C4]"),
+                                     {u"", u"Search - [entire sheet]"},
+                                     {u"b3:c4", u"Search - [B3:C4]"},
+                                     {u"b3:", u"Search - [entire sheet]"},
+                                     {u"b3:d4", u"Search - [B3:D4]"}}) {
+    options->box1_Range.UserTyped(typed, 0);
+    EXPECT_EQ(open->Caption(), shown);
+  }
+  item->SetEndRow(2'000'000);  // not on a sheet
+  EXPECT_EQ(caption(), "Search - [entire sheet]");
+  item->SetEndRow(4);
+  const auto other = desk.application->AddWorkbook(u"C:\\Data\\Book2.xls");
+  open->UserActivated();
+  EXPECT_EQ(open->Caption(), u"Search - [entire sheet]");
+  desk.application->Activate(desk.book);
+  Type(*open, u"ann");
+  desk.windows.Elapse(300);
+  EXPECT_EQ(open->Caption(), u"Search - [B3:D4]");
+  options->tbr1_0.UserPressed(u"DEL");
+  EXPECT_EQ(open->Caption(), u"Search - [entire sheet]");
+  desk.application->Close(other);
   desk.sheet->Range(u"A1:B8")->AutoFilter({1, host::Criterion(u"ann")});
   EXPECT_EQ(caption(), "Search - [AutoFiltered range]");
   desk.application->Close(desk.book);
@@ -342,8 +377,7 @@ TEST(SearchForm, StartsWithTheActiveCellsTextIfAsked) {
 
 TEST(SearchForm, EnterGoesToWhatWasTypedLast) {
   Desk desk;
-  desk.runtime->Items->UnhideOnEsc = false;
-  const auto form = desk.Search();
+  auto form = desk.Search();
   Type(*form, u"dax");
   PressKey(*form, controls::kKeyReturn);
   EXPECT_TRUE(form->Loaded() && form->boxError.Visible());
@@ -352,7 +386,91 @@ TEST(SearchForm, EnterGoesToWhatWasTypedLast) {
   PressKey(*form, controls::kKeyReturn);
   EXPECT_TRUE(desk.NoFormIsLeft());
   EXPECT_EQ(desk.ActiveCell(), "A7");
-  EXPECT_EQ(desk.Rows(), "7");  // hidden rows stay hidden
+  EXPECT_EQ(desk.Rows(), "1 2 3 4 5 6 7 8");
+
+  // The search is under way, or its text was typed during another one.
+  for (const bool retyped : {false, true}) {
+    form = desk.Search();
+    form->cboText.UserTyped(u"bob", 3);
+    desk.script = {[&] {
+                     if (retyped) form->cboText.UserTyped(u"cid", 3);
+                   },
+                   [&] { PressKey(*form, controls::kKeyReturn); }};
+    desk.windows.Elapse(300);
+    EXPECT_TRUE(desk.NoFormIsLeft());
+    EXPECT_EQ(desk.ActiveCell(), retyped ? "A5" : "A3");
+  }
+
+  form = desk.Search();
+  form->cboText.UserTyped(u"cid", 3);
+  desk.windows.Elapse(300);
+  PressKey(*form, controls::kKeyEscape);  // as Show All does it
+  EXPECT_EQ(desk.ActiveCell(), "A1");
+}
+
+TEST(SearchForm, StandsInFrontOfTheWindowThatIsInFront) {
+  Desk desk;
+  const auto form = desk.Search();
+  const auto options = desk.Options();
+  std::vector<std::string> log;
+  desk.windows.Log = [&](const std::string& what) { log.push_back(what); };
+  desk.application->SetWindow({7});
+  desk.Search();
+  desk.Options();
+  EXPECT_EQ(log, (std::vector<std::string>{"frmSearch owner 7", "frmSearch shown", "frmOptions owner 7",
+                                           "frmOptions shown"}));
+  log.clear();
+  PressKey(*form, u'E', kCtrl);
+  desk.script = {[&] {
+    desk.application->SetWindow({8});
+    desk.runtime->ShowSearch();  // shows the form that is waited for
+    EXPECT_TRUE(!form->Visible() && desk.forms.Edit()->Owner() == 8);
+    desk.forms.Edit()->UserClosed();
+  }};
+  form->btnMode.UserClicked();
+  EXPECT_EQ(form->Owner(), 8);
+  EXPECT_EQ(log, (std::vector<std::string>{"frmSearch hidden", "frmEdit at 7139;4215", "frmEdit owner 7",
+                                           "frmEdit shown", "frmEdit owner 8", "frmEdit shown",
+                                           "frmEdit owner 0", "frmEdit hidden", "frmEdit gone",
+                                           "frmSearch owner 8", "frmSearch shown"}));
+}
+
+// A search would move the active cell away from the one that is edited.
+TEST(SearchForm, SearchesOnlyWhenItIsBackFromAnEdit) {
+  Desk desk;
+  const auto form = desk.Search();
+  PressKey(*form, u'E', kCtrl);
+  Type(*form, u"bob");
+  desk.windows.Elapse(300);
+  desk.events.clear();
+  desk.script = {[&] { desk.runtime->Language().SetLangFile(u"german.lng"); },
+                 [&] { desk.windows.Elapse(1000); },
+                 [&] {
+                   EXPECT_EQ(desk.events, "");
+                   EXPECT_EQ(desk.ActiveCell(), "A3");
+                   form->cboText.UserTyped(u"dan", 3);
+                   desk.windows.Elapse(1000);
+                   desk.forms.Edit()->UserClosed();
+                 }};
+  form->btnMode.UserClicked();
+  EXPECT_EQ(desk.events, "TF");
+  EXPECT_EQ(desk.ActiveCell(), "A7");
+  EXPECT_EQ(desk.Rows(), "7");
+}
+
+TEST(SearchForm, HistoryFollowsClear) {
+  Desk desk;
+  desk.runtime->Items->RecentItems->Add(u"bob");
+  const auto form = desk.Search();
+  form->cboText.UserTyped(u"ann", 3);
+  desk.windows.Elapse(300);
+  desk.events.clear();
+  EXPECT_EQ(form->cboText.ListCount(), 1);
+  desk.Options()->btnRecentClear.UserClicked();
+  EXPECT_EQ(form->cboText.ListCount(), 0);
+  EXPECT_EQ(form->cboText.Text(), u"ann");
+  desk.windows.Elapse(300);
+  EXPECT_EQ(desk.events, "");
 }
 
 TEST(SearchForm, IsAwayWhileACellIsEdited) {
