@@ -253,6 +253,32 @@ TEST(Forms, SurviveEveryRefusal) {
   }
 }
 
+TEST(Forms, AnyMessageGivesTheHostItsFlagsBack) {
+  class BusyHost final : public host::Forwarding {
+   public:
+    bool Busy = false;
+    void OnCall(std::string_view) override {
+      if (Busy) throw host::Error(1004, u"The host is busy");
+    }
+  };
+  BusyHost busy;
+  Desk desk;
+  desk.Start(busy.Wrap(Ref<host::Application>(desk.application)));
+  const auto form = desk.Search();
+  Type(*form, u"ann");
+  desk.script = {[] {}, [&] { busy.Busy = true; }};
+  desk.windows.Elapse(300);
+  EXPECT_FALSE(desk.application->ScreenUpdating() || desk.application->EnableEvents());
+  PressKey(*form, controls::kKeyDown);
+  EXPECT_FALSE(desk.application->EnableEvents());
+  busy.Busy = false;
+  PressKey(*form, controls::kKeyDown);
+  EXPECT_TRUE(desk.application->ScreenUpdating() && desk.application->EnableEvents() &&
+              desk.application->EnableAnimations());
+  desk.runtime->DoStop();
+  desk.runtime.reset();
+}
+
 TEST(Forms, AreUnloadedInOrderWhenTheLibraryEndsOrTheirRuntimeGoes) {
   for (const bool stop : {true, false}) {
     Desk desk;
