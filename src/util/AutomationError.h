@@ -19,7 +19,7 @@ class AutomationError : public std::exception {
   AutomationError(int32_t number, std::u16string source, std::u16string description)
       : number_(number), source_(std::move(source)), description_(std::move(description)) {}
 
-  // The run-time errors; `source` names the member that raises them. Empty: the member that a client has called.
+  // The run-time errors; `source` names the member that raises them. Empty: the one that a client has called.
   static AutomationError InvalidCall(std::u16string source) {
     return {kInvalidCall, std::move(source), u"Invalid procedure call or argument"};
   }

@@ -422,8 +422,13 @@ TEST_F(Server, TellsOfANewLanguage) {
     point = nullptr;
     language = nullptr;
   };
+  Sink later;
+  DWORD unused = 0;
+  ASSERT_EQ(point->Advise(&later, &unused), S_OK);
   VARIANT_BOOL read = VARIANT_FALSE;
   EXPECT_EQ(items->ToObject(german.get(), &read), S_OK);
+  EXPECT_EQ(later.texts, "german.lng;");
+  EXPECT_EQ(later.references, 1U);
   EXPECT_EQ(sink.texts, "german.lng;english.lng;german.lng;english.lng;german.lng;");
   EXPECT_EQ(sink.references, 1U);
 }
