@@ -186,6 +186,11 @@ TEST_F(Server, LeavesArgumentsByValueToTheirCaller) {
     EXPECT_EQ(given[0].bstrVal, c.arguments[0].bstrVal);
     EXPECT_EQ(ToUtf8(automation::View(given[0].bstrVal)), "mine");
   }
+  constexpr DISPID kSearch = 8;
+  DISPPARAMS nowhere{nullptr, nullptr, 2, 0};
+  EXPECT_EQ(runtime_->Invoke(kSearch, IID_NULL, automation::kLocale, DISPATCH_METHOD, &nowhere, nullptr,
+                             nullptr, nullptr),
+            E_POINTER);
 }
 
 TEST_F(Server, NamesClassAndMemberAsTheSourceOfErrors) {
