@@ -142,7 +142,12 @@ class Gallery {
     Take(L"options-edit", options, page(3));
     Take(L"select-range", options, [page](HWND form) {
       page(1)(form);
-      ::PostMessageW(::FindWindowExW(form, nullptr, WC_BUTTONW, L"..."), BM_CLICK, 0, 0);
+      const auto has_picture = [](HWND button) {
+        return (::GetWindowLongPtrW(button, GWL_STYLE) & BS_ICON) != 0;
+      };
+      HWND pick = nullptr;
+      for (int number = 0; !has_picture(pick); ++number) pick = Child(form, WC_BUTTONW, number);
+      ::PostMessageW(pick, BM_CLICK, 0, 0);
     });
     Take(L"about", [this] { runtime_->About(); }, {});
   }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "controls/Control.h"
 
 namespace rowlark::controls {
@@ -10,6 +12,9 @@ class Button final : public Control {
 
   bool Default = false;  // pressed by Enter from any control that is no button
   bool Cancel = false;   // pressed by Escape
+  // Where the screen has pictures, the name of one that it shows in place of its caption; its tool tip then
+  // tells what it is to those who do not see it.
+  std::u16string Picture;
 };
 
 }  // namespace rowlark::controls

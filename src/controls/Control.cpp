@@ -1,8 +1,5 @@
 #include "controls/Control.h"
 
-#include <algorithm>
-#include <array>
-
 #include "controls/Form.h"
 #include "util/Text.h"
 #include "util/Utf.h"
@@ -58,11 +55,7 @@ void Control::SetVisible(bool visible) {
 
 bool Control::Shown() const { return visible_ && (Container == nullptr || Container->Shown()); }
 
-bool Control::Focusable() const {
-  constexpr std::array kInert = {ControlKind::Form,  ControlKind::Frame, ControlKind::Image,
-                                 ControlKind::Label, ControlKind::Timer, ControlKind::ToolBar};
-  return TabStop && enabled_ && Shown() && !std::ranges::count(kInert, Kind);
-}
+bool Control::Focusable() const { return TabStop && enabled_ && Shown() && TakesFocus(); }
 
 void Control::SetFocus() {
   const bool moved = form_->active_control_ != this;

@@ -63,10 +63,11 @@ class Control {
   bool Focusable() const;
   void SetFocus();
 
-  // Set by the form's layout: the frame around the control, its place in the tab order, and where it stands
-  // in the form's inner area (dialog units).
+  // Set by the form's layout: the frame around the control, its place in the tab order, which of the form's
+  // lines of text it stands in, and where it stands in the form's inner area (dialog units).
   Control* Container = nullptr;
   int32_t TabIndex = 0;
+  int32_t Line = 0;
   Rect Bounds;
 
   Slot<> Click;
@@ -102,6 +103,8 @@ class Control {
     action();
   }
   virtual void Focused() {}
+  // Of its kind.
+  virtual bool TakesFocus() const { return true; }
 
  private:
   void Message() noexcept;

@@ -1,5 +1,6 @@
 #include "controls/Form.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace rowlark::controls {
@@ -46,8 +47,9 @@ Size Form::WindowSize() const { return view_ != nullptr ? view_->WindowSize(clie
 
 void Form::Arrange() {
   const Size content = layout_.Measure(view_);
-  layout_.Place({kMargin, kMargin, content.width, content.height});
-  client_ = {content.width + 2 * kMargin, content.height + 2 * kMargin};
+  least_ = {content.width + 2 * kMargin, content.height + 2 * kMargin};
+  client_ = {std::max(least_.width, wanted_.width), std::max(least_.height, wanted_.height)};
+  layout_.Place({kMargin, kMargin, client_.width - 2 * kMargin, client_.height - 2 * kMargin});
   Notify(Property::Layout);
 }
 
@@ -58,6 +60,13 @@ void Form::UserActivated() {
 void Form::UserMoved(int32_t left, int32_t top) {
   left_ = left;
   top_ = top;
+}
+
+void Form::UserResized(Size client) {
+  OnUser([&] {
+    wanted_ = client;
+    Arrange();
+  });
 }
 
 template <class Key, class... Args>

@@ -42,8 +42,11 @@ class Form : public Control, public RefCounted {
   bool Topmost() const { return topmost_; }
   void SetTopmost(bool topmost) { Set(topmost_, topmost, Property::Topmost); }
 
-  // Size of the area with the controls, in dialog units.
+  // Size of the area with the controls, in dialog units, and what they need of it at least.
   Size ClientSize() const { return client_; }
+  Size LeastClientSize() const { return least_; }
+  // The user may give the form a larger size than it needs. Set before it is loaded.
+  bool Resizable = false;
   // Gives the controls their places, after texts have changed.
   void Arrange();
 
@@ -56,6 +59,7 @@ class Form : public Control, public RefCounted {
   // them is returned, 0 when they were swallowed.
   void UserActivated();
   void UserMoved(int32_t left, int32_t top);
+  void UserResized(Size client);
   int32_t UserKeyDown(int32_t key, int32_t shift);
   char16_t UserKeyPress(char16_t character);
   int32_t UserKeyUp(int32_t key, int32_t shift);
@@ -78,6 +82,7 @@ class Form : public Control, public RefCounted {
 
  private:
   friend class Control;
+  bool TakesFocus() const override { return false; }
 
   template <class Key, class... Args>
   Key Offer(Slot<Key&, Args...> Control::*slot, Key key, Args... args);
@@ -87,6 +92,8 @@ class Form : public Control, public RefCounted {
   View* view_ = nullptr;
   Layout layout_;
   Size client_;
+  Size least_;
+  Size wanted_;  // by the user
   int32_t left_ = 0;
   int32_t top_ = 0;
   intptr_t owner_ = 0;

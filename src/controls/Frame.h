@@ -9,6 +9,9 @@ namespace rowlark::controls {
 class Frame final : public Control {
  public:
   Frame(Form& form, std::u16string_view name) : Control(form, ControlKind::Frame, name) {}
+
+ private:
+  bool TakesFocus() const override { return false; }
 };
 
 }  // namespace rowlark::controls

@@ -13,6 +13,9 @@ class Image final : public Control {
       : Control(form, ControlKind::Image, name), Picture(picture) {}
 
   const std::u16string Picture;
+
+ private:
+  bool TakesFocus() const override { return false; }
 };
 
 }  // namespace rowlark::controls

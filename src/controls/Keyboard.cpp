@@ -126,6 +126,7 @@ void UseKey(Form& form, int32_t key, int32_t shift) {
       if (key == kKeyReturn || key == kKeySpace) control->UserClicked();
       break;
     case ControlKind::CheckBox:
+    case ControlKind::Label:
     case ControlKind::OptionButton:
       if (key == kKeySpace) control->UserClicked();
       break;

@@ -12,6 +12,7 @@ namespace rowlark::controls {
 namespace {
 
 constexpr Rect kInset{6, 11, 12, 17};  // of a frame: left, top, both sides, top and bottom
+constexpr int32_t kIndent = 12;        // as wide as the mark of a check box with its gap
 
 int32_t LineWidth(const View* view, std::u16string_view line) {
   return view != nullptr ? view->TextWidth(line) : 4 * static_cast<int32_t>(line.size());
@@ -74,32 +75,44 @@ Layout Layout::High() && {
   return std::move(*this);
 }
 
-void Layout::Order() const {
-  int32_t tab_index = 0;
-  Order(nullptr, tab_index);
+Layout Layout::Indented() && {
+  indented_ = true;
+  return std::move(*this);
 }
 
-void Layout::Order(Control* container, int32_t& tab_index) const {
+Layout Layout::WhileVisible() && {
+  while_visible_ = true;
+  return std::move(*this);
+}
+
+void Layout::Order() const {
+  Numbers next;
+  Order(nullptr, 0, next);
+}
+
+void Layout::Order(Control* container, int32_t line, Numbers& next) const {
   if (control_ != nullptr) {
     control_->Container = container;
-    control_->TabIndex = tab_index++;
+    control_->TabIndex = next.tab_index++;
+    control_->Line = line;
     if (shape_ != Shape::Control) container = control_;
   }
-  for (const auto& cell : cells_) cell.Order(container, tab_index);
+  for (std::size_t i = 0; i < cells_.size(); ++i) {
+    if (shape_ == Shape::Grid && i % columns_ == 0) line = ++next.line;
+    cells_[i].Order(container, line, next);
+  }
 }
 
 Size Layout::Measure(const View* view) {
-  if (shape_ == Shape::Control) return size_ = control_ == nullptr ? minimum_ : MeasureControl(view);
-  size_ = {};
-  if (shape_ == Shape::Stack) {
-    for (auto& cell : cells_) size_ = Max(size_, cell.Measure(view));
-  } else {
-    size_ = MeasureGrid(view);
+  size_ = shape_ == Shape::Grid ? MeasureGrid(view) : control_ != nullptr ? MeasureControl(view) : minimum_;
+  for (auto& cell : cells_) {
+    if (shape_ == Shape::Stack) size_ = Max(size_, cell.Measure(view));
   }
-  if (control_ != nullptr) {
+  if (shape_ != Shape::Control && control_ != nullptr) {
     size_ = Max({size_.width + kInset.width, size_.height + kInset.height},
                 {TextSize(view, PlainCaption(control_->Caption())).width + kInset.width, 0});
   }
+  if (indented_) size_.width += kIndent;
   return size_;
 }
 
@@ -156,39 +169,44 @@ void Layout::Stretch(std::vector<int32_t>& lengths, const std::vector<bool>& fla
 
 Size Layout::MeasureGrid(const View* view) {
   std::vector<int32_t> widths(columns_);
-  std::vector<int32_t> heights((cells_.size() + columns_ - 1) / columns_);
   for (std::size_t i = 0; i < cells_.size(); ++i) {
     const Size size = cells_[i].Measure(view);
-    widths[i % columns_] = std::max(widths[i % columns_], size.width);
-    heights[i / columns_] = std::max(heights[i / columns_], size.height);
+    if (!cells_[i].IsGone()) widths[i % columns_] = std::max(widths[i % columns_], size.width);
   }
-  return {Sum(widths), Sum(heights)};
+  return {Sum(widths), Sum(Heights())};
 }
 
-void Layout::Place(const Rect& area) const {
-  if (shape_ == Shape::Control) {
-    if (control_ != nullptr) control_->Bounds = area;
-    return;
+std::vector<int32_t> Layout::Heights() const {
+  std::vector<int32_t> heights((cells_.size() + columns_ - 1) / columns_, -gap_);
+  for (std::size_t i = 0; i < cells_.size(); ++i) {
+    int32_t& height = heights[i / columns_];
+    if (!cells_[i].IsGone()) height = std::max(height, cells_[i].size_.height);
   }
-  Rect inner = area;
+  return heights;
+}
+
+void Layout::Place(const Rect& whole) const {
+  Rect area = whole;
+  if (indented_) area = {area.left + kIndent, area.top, area.width - kIndent, area.height};
+  if (control_ != nullptr) control_->Bounds = area;
+  if (shape_ == Shape::Control) return;
   if (control_ != nullptr) {
-    control_->Bounds = area;
-    inner = {area.left + kInset.left, area.top + kInset.top, area.width - kInset.width,
-             area.height - kInset.height};
+    area = {area.left + kInset.left, area.top + kInset.top, area.width - kInset.width,
+            area.height - kInset.height};
   }
-  if (shape_ == Shape::Grid) return PlaceGrid(inner);
-  for (const auto& cell : cells_) cell.Place(inner);
+  if (shape_ == Shape::Grid) return PlaceGrid(area);
+  for (const auto& cell : cells_) cell.Place(area);
 }
 
 void Layout::PlaceGrid(const Rect& area) const {
   std::vector<int32_t> widths(columns_);
-  std::vector<int32_t> heights((cells_.size() + columns_ - 1) / columns_);
+  auto heights = Heights();
   std::vector<bool> wide(widths.size());
   std::vector<bool> high(heights.size());
   for (std::size_t i = 0; i < cells_.size(); ++i) {
     const auto& cell = cells_[i];
+    if (cell.IsGone()) continue;
     widths[i % columns_] = std::max(widths[i % columns_], cell.size_.width);
-    heights[i / columns_] = std::max(heights[i / columns_], cell.size_.height);
     if (cell.wide_) wide[i % columns_] = true;
     if (cell.high_) high[i / columns_] = true;
   }
@@ -207,10 +225,12 @@ void Layout::PlaceGrid(const Rect& area) const {
     const auto& cell = cells_[i];
     // What does not fill its row stands in the middle of it.
     const int32_t own = cell.FillsHeight() ? height : cell.size_.height;
-    cell.Place({place.left, place.top + (height - own) / 2, widths[column], own});
+    if (!cell.IsGone()) cell.Place({place.left, place.top + (height - own) / 2, widths[column], own});
     place.left += widths[column] + gap_;
   }
 }
+
+bool Layout::IsGone() const { return while_visible_ && !control_->Visible(); }
 
 bool Layout::FillsHeight() const {
   if (shape_ != Shape::Control || high_) return true;

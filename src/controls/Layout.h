@@ -29,6 +29,10 @@ class Layout {
   // Its column takes what width is left over, its row what height.
   Layout Wide() &&;
   Layout High() &&;
+  // It depends on what stands above it, and stands a little to the right.
+  Layout Indented() &&;
+  // Of a control: it takes room, and so does a row with nothing else, only while it is visible.
+  Layout WhileVisible() &&;
 
   // Tells the controls the frames around them and their tab order, which is the order of the layout.
   void Order() const;
@@ -40,7 +44,11 @@ class Layout {
  private:
   enum class Shape { Control, Grid, Stack };
 
-  void Order(Control* container, int32_t& tab_index) const;
+  struct Numbers {
+    int32_t tab_index = 0;
+    int32_t line = 0;
+  };
+  void Order(Control* container, int32_t line, Numbers& next) const;
   // The room that lengths take with the gaps between them.
   int32_t Sum(const std::vector<int32_t>& lengths) const;
   void Stretch(std::vector<int32_t>& lengths, const std::vector<bool>& flags, int32_t available) const;
@@ -48,12 +56,17 @@ class Layout {
   Size MeasureGrid(const View* view);
   void PlaceGrid(const Rect& area) const;
   bool FillsHeight() const;
+  bool IsGone() const;
+  // Of the rows of a grid. That of a row that is gone takes away the gap before it as well.
+  std::vector<int32_t> Heights() const;
 
   Shape shape_ = Shape::Control;
   Control* control_ = nullptr;  // or the frame around the cells
   Size minimum_;
   bool wide_ = false;
   bool high_ = false;
+  bool indented_ = false;
+  bool while_visible_ = false;
   std::size_t columns_ = 1;
   int32_t gap_ = 4;
   std::vector<Layout> cells_;

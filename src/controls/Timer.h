@@ -27,6 +27,8 @@ class Timer final : public Control {
   }
 
  private:
+  bool TakesFocus() const override { return false; }
+
   int32_t interval_ = 0;
 };
 

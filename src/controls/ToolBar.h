@@ -33,6 +33,8 @@ class ToolBar final : public Control {
   }
 
  private:
+  bool TakesFocus() const override { return false; }
+
   std::vector<Button> buttons_;
 };
 

@@ -42,9 +42,9 @@ frmAbout::frmAbout(SharedState& shared) : BaseForm(shared, u"frmAbout") {
     lblCopyrightMore.SetCaption(kCredits);
     Arrange();
   };
-  SetLayout(Layout::Row(
-                {Layout::Column({Layout(imgProduct, {32, 30}), Layout().High()}),
-                 Layout::Column({lblCaption1, lblCaption2, lblVersion, lblWWW, lblEMail, lblCopyrightMore})})
+  SetLayout(Layout::Row({Layout::Column({Layout(imgProduct, {32, 30}), Layout().High()}),
+                         Layout::Column({lblCaption1, lblCaption2, lblVersion, lblWWW, lblEMail,
+                                         Layout(lblCopyrightMore).WhileVisible()})})
                 .Apart());
 }
 

@@ -34,9 +34,10 @@ frmOptions::frmOptions(SharedState& shared) : BaseForm(shared, u"frmOptions") {
       fra0_Lang, Layout::Column({Layout::Row({lbl0_LangFileCaption, Layout(cbo0_LangFile, {130, 14}).Wide()}),
                                  lbl0_LangInfoCaption, Layout(box0_LangInfo, {170, 36}).High()}));
   const auto common = Layout::Framed(
-      fra0, Layout::Column({chk0_UnhideOnEsc, chk0_AutoDetectText, chk0_RecentsUse, chk0_RecentsTemp,
-                            Layout::Row({lbl0_RecentItemsCap, Layout(box0_RecentItems, {24, 14}),
-                                         Layout().Wide(), btnRecentClear}),
+      fra0, Layout::Column({chk0_UnhideOnEsc, chk0_AutoDetectText,
+                            Layout::Row({Layout(chk0_RecentsUse).Wide(), btnRecentClear}),
+                            Layout(chk0_RecentsTemp).Indented(),
+                            Layout::Row({lbl0_RecentItemsCap, Layout(box0_RecentItems, {24, 14})}).Indented(),
                             Layout(language).High()}));
   constexpr controls::Size kPickButton{15, 14};
   const auto books = Layout::Framed(
@@ -186,6 +187,10 @@ void frmOptions::ApplyCaptions() {
                       Text(u"Options.UI.Toolbar.Del.Tip", u"Delete selected workbook")},
                      {u"RESET", Text(u"Options.UI.Toolbar.Reset.Caption", u"Reset"),
                       Text(u"Options.UI.Toolbar.Reset.Tip", u"Reset selected workbook parameters")}});
+  btn1_SelRange.SetToolTip(Text(u"Options.UI.Book.PickRangeTip", u"Select the search range on the sheet"));
+  btn1_SelSearchCols.SetToolTip(
+      Text(u"Options.UI.Book.PickSearchColsTip", u"Select the columns to search on the sheet"));
+  btn1_SelCol.SetToolTip(Text(u"Options.UI.Book.PickColTip", u"Select the column to go to on the sheet"));
   const auto automatic = Text(u"Options.UI.Book.Auto", u"<auto>");
   for (auto* box : {&box1_RangeAuto, &box1_SearchColsAuto, &box1_ColAuto}) box->SetText(automatic);
   if (cbo0_LangFile.ListCount() > 0) cbo0_LangFile.SetList(0, Text(u"Options.UI.DefaultItem", u"<Default>"));

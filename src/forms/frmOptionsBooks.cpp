@@ -43,7 +43,10 @@ void frmOptions::ConnectBooksPage() {
   ConnectField(box1_Range, box1_RangeAuto, kRangeRule, &frmOptions::WriteRange);
   ConnectField(box1_SearchCols, box1_SearchColsAuto, kColumnsRule, &frmOptions::WriteSearchCols);
   ConnectField(box1_Col, box1_ColAuto, kColumnRule, &frmOptions::WriteCol);
-  for (auto* button : {&btn1_SelRange, &btn1_SelSearchCols, &btn1_SelCol}) button->SetCaption(u"...");
+  for (auto* button : {&btn1_SelRange, &btn1_SelSearchCols, &btn1_SelCol}) {
+    button->SetCaption(u"...");
+    button->Picture = u"pick";
+  }
   btn1_SelRange.Click = [this] { Pick(box1_Range, false, &frmOptions::PickedRange); };
   btn1_SelSearchCols.Click = [this] { Pick(box1_SearchCols, true, &frmOptions::PickedSearchCols); };
   btn1_SelCol.Click = [this] { Pick(box1_Col, false, &frmOptions::PickedCol); };

@@ -67,7 +67,7 @@ frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch") {
                                    Layout::Column({chkCase, chkSearchAll, chkEditMode}).Wide(),
                                    Layout::Grid(2, {btnMode, btnUnhide, btnOptions, btnClose})})
                           .Apart(),
-                      Layout(boxError, {0, 20}).High()})
+                      Layout(boxError, {0, 20}).High().WhileVisible()})
           .Apart());
 }
 
@@ -291,11 +291,13 @@ bool frmSearch::Run(Operation operation) {
 
 void frmSearch::ShowError(std::u16string_view text) {
   const bool failed = !text.empty();
+  const bool grows = boxError.Visible() != failed;
   boxError.SetText(text);
   boxError.SetVisible(failed);
   imgExclamationErr.SetToolTip(text);
   imgExclamationErr.SetVisible(failed);
   imgExclamationNormal.SetVisible(!failed);
+  if (grows) Arrange();  // or shrinks
 }
 
 void frmSearch::uActivateCboText() {

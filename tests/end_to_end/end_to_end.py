@@ -83,7 +83,7 @@ class AddInTest(WorkbenchTest):
 
     def pick_range(self, options, workbook=""):
         """Has the search range of the options picked on that workbook's sheet; its address."""
-        self.press("...", options)
+        self.press("Select the search range on the sheet", options)
         self.wait_for_window("Range select")
         self.activate(workbook)
         address = self.drag_over_cells()

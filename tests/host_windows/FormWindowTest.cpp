@@ -390,6 +390,167 @@ TEST_F(FormWindows, FollowTheResolution) {
   EXPECT_EQ(cut, "");
 }
 
+// What a window shows of itself on the screen.
+std::vector<COLORREF> Picture(HWND window) {
+  RECT area{};
+  ::GetClientRect(window, &area);
+  const HDC context = ::GetDC(window);
+  std::vector<COLORREF> pixels;
+  for (LONG y = 0; y < area.bottom; y += 2) {
+    for (LONG x = 0; x < area.right; x += 2) pixels.push_back(::GetPixel(context, x, y));
+  }
+  ::ReleaseDC(window, context);
+  return pixels;
+}
+
+TEST_F(FormWindows, AreDrawnAnewWhereTheirControlsMove) {
+  const auto form = Options(0);
+  form->btnClose.SetFocus();  // no caret blinks
+  const HWND window = WindowOf(*form);
+  RECT place{100, 100, 0, 0};
+  const std::function<void()> changes[] = {
+      [&] { shared.Language->SetLangFile(u"german.lng"); }, [&] { form->tvw0.UserPicked(1); },
+      [&] { shared.Language->SetLangFile(u"french.lng"); },
+      [&] { ::SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&place)); },
+      [&] { shared.Language->SetLangFile(u"english.lng"); }};
+  for (const auto& change : changes) {
+    change();
+    Pump();
+    const auto shown = Picture(window);
+    ::RedrawWindow(window, nullptr, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN | RDW_UPDATENOW);
+    Pump();
+    EXPECT_TRUE(shown == Picture(window)) << &change - changes;
+  }
+}
+
+TEST_F(FormWindows, HaveTextsOnTheBaseLinesOfTheirBoxes) {
+  const auto form = Options(1);
+  const HWND window = WindowOf(*form);
+  const auto top_of_text = [window](const wchar_t* caption) {
+    const HWND found = ::FindWindowExW(window, nullptr, nullptr, caption);
+    RECT area{};
+    ::GetWindowRect(found, &area);
+    if (::GetWindowLongPtrW(found, GWL_STYLE) & BS_CHECKBOX) {
+      LOGFONTW font{};
+      ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(found, WM_GETFONT, 0, 0)), sizeof font, &font);
+      SIZE ideal{};
+      ::SendMessageW(found, BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&ideal));
+      area.top += (area.bottom - area.top - ideal.cy) / 2;
+    }
+    return area.top;
+  };
+  const auto top_in_box = [](controls::TextBox& box) {
+    box.SetText(u"A1");
+    box.SetFocus();
+    const LRESULT place = ::SendMessageW(::GetFocus(), EM_POSFROMCHAR, 0, 0);
+    POINT top{0, static_cast<SHORT>(HIWORD(place))};
+    ::ClientToScreen(::GetFocus(), &top);
+    return top.y;
+  };
+  for (const WORD dpi : std::initializer_list<WORD>{96, 120, 144, 192}) {
+    RECT place{10, 10, 0, 0};
+    ::SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&place));
+    form->tvw0.UserPicked(1);
+    EXPECT_EQ(top_of_text(L"Search range:"), top_in_box(form->box1_Range)) << dpi;
+    EXPECT_EQ(top_of_text(L"GoTo column:"), top_in_box(form->box1_Col)) << dpi;
+    form->tvw0.UserPicked(0);
+    EXPECT_EQ(top_of_text(L"History max. items"), top_in_box(form->box0_RecentItems)) << dpi;
+    form->tvw0.UserPicked(2);
+    EXPECT_NEAR(top_of_text(L"Show All"), top_in_box(form->box0_HKU), 1) << dpi;
+  }
+}
+
+TEST_F(FormWindows, GrowAndShrinkWithWhatTheyShow) {
+  const auto form = Search();
+  const HWND search = WindowOf(*form);
+  const auto height = [](HWND window) {
+    RECT area{};
+    ::GetWindowRect(window, &area);
+    return area.bottom - area.top;
+  };
+  const auto before = height(search);
+  Type(u"nobody");
+  EXPECT_TRUE(PumpUntil([&] { return form->boxError.Visible(); }));
+  EXPECT_GT(height(search), before + 20);
+  Type(u"\b\b\b\b\b\b");
+  EXPECT_TRUE(PumpUntil([&] { return !form->boxError.Visible(); }));
+  EXPECT_EQ(height(search), before);
+
+  // The user gives the edit form another size, and never too small a one.
+  forms.ShowEdit(runtime);
+  Pump();
+  const HWND edit = WindowOf(*forms.Edit());
+  const HWND box = ::GetFocus();
+  RECT least{};
+  RECT least_box{};
+  ::GetWindowRect(edit, &least);
+  ::GetWindowRect(box, &least_box);
+  const auto resize = [edit](LONG width, LONG tall) {
+    ::SetWindowPos(edit, nullptr, 0, 0, width, tall, SWP_NOMOVE | SWP_NOZORDER);
+  };
+  const auto width_of = [](const RECT& area) { return area.right - area.left; };
+  resize(width_of(least) + 90, height(edit) + 60);
+  EXPECT_EQ(height(edit), least.bottom - least.top + 60);
+  RECT grown{};
+  ::GetWindowRect(box, &grown);
+  EXPECT_NEAR(width_of(grown), width_of(least_box) + 90, 3);
+  EXPECT_NEAR(grown.bottom - grown.top, least_box.bottom - least_box.top + 60, 3);
+  shared.Language->SetLangFile(u"german.lng");
+  EXPECT_NEAR(height(edit), least.bottom - least.top + 60, 3);
+  resize(10, 10);
+  ::GetWindowRect(edit, &grown);
+  EXPECT_LE(width_of(least), width_of(grown));
+  EXPECT_NEAR(height(edit), least.bottom - least.top, 3);
+  const LONG_PTR style = ::GetWindowLongPtrW(search, GWL_STYLE);
+  EXPECT_EQ(style & WS_THICKFRAME, 0);
+}
+
+TEST_F(FormWindows, CountEveryOneOfQuickClicks) {
+  const auto form = Search();
+  const HWND box = ::FindWindowExW(WindowOf(*form), nullptr, WC_BUTTONW, L"&Match case");
+  ASSERT_NE(box, nullptr);
+  const UINT presses[] = {WM_LBUTTONDOWN, WM_LBUTTONDBLCLK, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK};
+  bool expected = form->chkCase.Value();
+  for (const UINT press : presses) {
+    ::SendMessageW(box, press, MK_LBUTTON, MAKELPARAM(5, 5));
+    ::SendMessageW(box, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+    expected = !expected;
+    EXPECT_EQ(form->chkCase.Value(), expected);
+    EXPECT_EQ(::SendMessageW(box, BM_GETCHECK, 0, 0) == BST_CHECKED, expected);
+  }
+}
+
+TEST_F(FormWindows, ReachLinksByTheKeyboardAndNameButtonsWithPictures) {
+  shared.Language->SetLangFile(u"Russian.LNG");
+  const auto form = MakeRef<frmAbout>(shared);
+  ASSERT_TRUE(form->Open());
+  std::vector<const Control*> clicked;
+  for (auto* link : {&form->lblWWW, &form->lblEMail}) link->Click = [&, link] { clicked.push_back(link); };
+  form->Show();
+  Pump();
+  form->lblWWW.SetFocus();
+  for (int i = 0; i < 3; ++i) {
+    Press(VK_RETURN);  // means nothing to this form
+    Press(VK_SPACE);
+    Press(VK_TAB);
+  }
+  EXPECT_EQ(clicked, (std::vector<const Control*>{&form->lblWWW, &form->lblEMail}));
+  EXPECT_FALSE(form->lblCopyrightMore.Focusable());  // it has told
+  Press(VK_SPACE);
+  EXPECT_EQ(clicked.size(), 3U);
+  form->Unload();
+
+  shared.Language->SetLangFile(u"english.lng");
+  const HWND options = WindowOf(*Options(1));
+  for (const wchar_t* name :
+       {L"Select the search range on the sheet", L"Select the columns to search on the sheet",
+        L"Select the column to go to on the sheet"}) {
+    const HWND button = ::FindWindowExW(options, nullptr, WC_BUTTONW, name);
+    ASSERT_NE(button, nullptr);
+    EXPECT_NE(::SendMessageW(button, BM_GETIMAGE, IMAGE_ICON, 0), 0);
+  }
+}
+
 TEST_F(FormWindows, RememberWhereTheUserPutsThem) {
   auto form = Search();
   form->Move(3000, 2000);

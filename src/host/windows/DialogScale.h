@@ -19,6 +19,10 @@ class DialogScale {
 
   HFONT Font() const { return font_; }
   RECT Pixels(const controls::Rect& units) const;
+  // As many whole units as fit into so many pixels.
+  controls::Size Units(SIZE pixels) const {
+    return {static_cast<int32_t>(pixels.cx) * 4 / width_, static_cast<int32_t>(pixels.cy) * 8 / height_};
+  }
   int PixelsHigh(int32_t units) const { return ::MulDiv(units, height_, 8); }
   // Of a line of text, in dialog units; what a unit is begun counts whole.
   int32_t TextWidth(std::u16string_view text) const;

@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "controls/Button.h"
-#include "host/windows/NativeButtons.h"
 #include "host/windows/Wide.h"
 
 namespace rowlark::windows {
@@ -67,7 +66,7 @@ void FormWindow::Open(controls::Form& form, std::shared_ptr<FormDesk> desk) {
 }
 
 void FormWindow::Create() {
-  ::CreateWindowExW(kFormExtendedStyle, kClassName, Wide(form_->Caption()).c_str(), kFormStyle, 0, 0, 0, 0,
+  ::CreateWindowExW(kFormExtendedStyle, kClassName, Wide(form_->Caption()).c_str(), Style(), 0, 0, 0, 0,
                     nullptr, nullptr, desk_->Resources.Module(), this);
   if (site_.window == nullptr) {
     throw std::system_error(static_cast<int>(::GetLastError()), std::system_category());
@@ -210,7 +209,7 @@ LRESULT FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
         if (reinterpret_cast<WPARAM>(control) == first) static_cast<controls::Timer*>(control)->Expired();
       }
       return 0;
-    case NativeButton::kClicked:
+    case NativeControl::kClicked:
       for (controls::Control* control : form->Controls()) {
         if (reinterpret_cast<WPARAM>(control) == first) control->UserClicked();
       }
@@ -222,6 +221,15 @@ LRESULT FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
     case WM_MOVE:
       Moved();
       break;
+    case WM_SIZE:
+      if (first == SIZE_RESTORED) Resized({LOWORD(second), HIWORD(second)});
+      break;
+    case WM_GETMINMAXINFO: {
+      if (!form->Resizable || !site_.scale) break;
+      const SIZE least = OuterSize(form->LeastClientSize());
+      reinterpret_cast<MINMAXINFO*>(second)->ptMinTrackSize = {least.cx, least.cy};
+      return 0;
+    }
     case WM_DPICHANGED: {
       const auto& suggested = *reinterpret_cast<const RECT*>(second);
       ::SetWindowPos(window, nullptr, suggested.left, suggested.top, 0, 0,
@@ -286,6 +294,8 @@ bool FormWindow::UsesKey(MSG& message) {
     default:
       break;
   }
+  const bool is_down = message.message == WM_KEYDOWN;
+  if (key != 0 && form->Loaded() && is_down && focused != nullptr && focused->UseKey(key)) return true;
   return key == 0 || !form->Loaded() || ::IsDialogMessageW(site_.window, &message) != 0;
 }
 

@@ -84,7 +84,6 @@ class FormWindow final : public controls::View, public RefCounted {
   friend class FormDesk;
 
   static constexpr UINT kFillLists = WM_APP + 1;  // posted when lists have changed
-  static constexpr DWORD kFormStyle = WS_POPUP | WS_CAPTION | WS_SYSMENU;
   static constexpr DWORD kFormExtendedStyle = WS_EX_CONTROLPARENT | WS_EX_WINDOWEDGE;
 
   void Create();
@@ -99,7 +98,11 @@ class FormWindow final : public controls::View, public RefCounted {
   void Hide();
   void DisableOthers();
   static BOOL CALLBACK DisableOther(HWND window, LPARAM self) noexcept;
+  DWORD Style() const;
+  SIZE OuterSize(controls::Size client) const;
+  void AlignLines();
   void Moved();
+  void Resized(SIZE client);
   void Rescale(UINT dpi);
   void LayOut();
   void StartTimer(controls::Timer& timer);
@@ -113,6 +116,7 @@ class FormWindow final : public controls::View, public RefCounted {
   ToolTips tool_tips_;
   std::vector<HWND> disabled_;  // while the form is modal
   bool destroying_ = false;
+  bool sizing_ = false;  // the user does; the window has its size already
   bool list_update_is_posted_ = false;
 };
 

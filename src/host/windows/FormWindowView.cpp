@@ -107,13 +107,51 @@ BOOL CALLBACK FormWindow::DisableOther(HWND window, LPARAM self) noexcept try {
   return FALSE;
 }
 
+// Frames do not clip what stands in them and controls lie on the bare form, so what moves is drawn anew
+// together with everything around it.
 void FormWindow::LayOut() {
-  const controls::Size client = form_->ClientSize();
+  if (!sizing_) {
+    const SIZE outer = OuterSize(form_->ClientSize());
+    ++site_.updating;
+    ::SetWindowPos(site_.window, nullptr, 0, 0, outer.cx, outer.cy,
+                   SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    --site_.updating;
+  }
+  bool moved = false;
+  for (const auto& control : site_.controls) {
+    if (control->Place(site_.scale->Pixels(control->Model().Bounds))) moved = true;
+  }
+  if (!moved) return;
+  AlignLines();
+  ::RedrawWindow(site_.window, nullptr, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
+}
+
+// The texts of a line stand on the base line of its box, wherever in the box that is at this resolution.
+void FormWindow::AlignLines() {
+  for (const auto& leader : site_.controls) {
+    if (!leader->LeadsLine()) continue;
+    const auto top = leader->TopOfText();
+    for (const auto& control : site_.controls) {
+      if (control->Model().Line != leader->Model().Line || control->LeadsLine()) continue;
+      if (const auto own = control->TopOfText(); own && top) control->Shift(*top - *own);
+    }
+  }
+}
+
+void FormWindow::Resized(SIZE client) {
+  if (site_.updating > 0 || !form_->Resizable || ::IsWindowVisible(site_.window) == 0) return;
+  sizing_ = true;
+  form_->UserResized(site_.scale->Units(client));
+  sizing_ = false;
+}
+
+DWORD FormWindow::Style() const {
+  return WS_POPUP | WS_CAPTION | WS_SYSMENU | (form_->Resizable ? WS_THICKFRAME : 0);
+}
+
+SIZE FormWindow::OuterSize(controls::Size client) const {
   const RECT inner = site_.scale->Pixels({0, 0, client.width, client.height});
-  const SIZE outer =
-      desk_->Dpi.WindowSize({inner.right, inner.bottom}, kFormStyle, kFormExtendedStyle, site_.dpi);
-  ::SetWindowPos(site_.window, nullptr, 0, 0, outer.cx, outer.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-  for (const auto& control : site_.controls) control->Place(site_.scale->Pixels(control->Model().Bounds));
+  return desk_->Dpi.WindowSize({inner.right, inner.bottom}, Style(), kFormExtendedStyle, site_.dpi);
 }
 
 void FormWindow::Moved() {
@@ -128,7 +166,6 @@ void FormWindow::Rescale(UINT dpi) {
   const auto before = std::exchange(site_.scale, std::make_unique<DialogScale>(desk_->Dpi.MessageFont(dpi)));
   for (const auto& control : site_.controls) control->Rescale();
   form_->Arrange();
-  ::InvalidateRect(site_.window, nullptr, TRUE);
 }
 
 void FormWindow::StartTimer(controls::Timer& timer) {
@@ -148,9 +185,7 @@ int32_t FormWindow::TextWidth(std::u16string_view text) const noexcept try {
 
 controls::Size FormWindow::WindowSize(controls::Size client) const noexcept {
   const Dpi::Scope dpi(desk_->Dpi);
-  const RECT inner = site_.scale->Pixels({0, 0, client.width, client.height});
-  const SIZE outer =
-      desk_->Dpi.WindowSize({inner.right, inner.bottom}, kFormStyle, kFormExtendedStyle, site_.dpi);
+  const SIZE outer = OuterSize(client);
   return {Twips(outer.cx), Twips(outer.cy)};
 }
 

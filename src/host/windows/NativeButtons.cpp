@@ -1,5 +1,8 @@
 #include "host/windows/NativeButtons.h"
 
+#include <utility>
+
+#include "controls/Button.h"
 #include "controls/CheckBox.h"
 #include "controls/OptionButton.h"
 #include "host/windows/Wide.h"
@@ -9,6 +12,14 @@ namespace {
 
 using controls::ControlKind;
 using controls::Property;
+
+constexpr int kPicture = 16;  // at 96 pixels an inch
+
+// Empty for a button with a caption.
+std::u16string_view PictureOf(const controls::Control& model) {
+  if (model.Kind != ControlKind::Button) return {};
+  return static_cast<const controls::Button&>(model).Picture;
+}
 
 DWORD StyleOf(const controls::Control& model) {
   const DWORD tab_stop = model.TabStop ? WS_TABSTOP : 0;
@@ -20,7 +31,7 @@ DWORD StyleOf(const controls::Control& model) {
     case ControlKind::Frame:
       return BS_GROUPBOX | WS_GROUP;
     default:
-      return BS_PUSHBUTTON | BS_NOTIFY | tab_stop;
+      return (PictureOf(model).empty() ? BS_PUSHBUTTON : BS_PUSHBUTTON | BS_ICON) | BS_NOTIFY | tab_stop;
   }
 }
 
@@ -32,6 +43,13 @@ NativeButton::NativeButton(controls::Control& model, FormSite& site) : NativeCon
 
 void NativeButton::Command(WORD code, WORD) {
   if (code == BN_SETFOCUS) model_.UserFocused();
+  if (code == BN_DBLCLK) {
+    // The second of two quick clicks is a click as well.
+    POINT at{};
+    ::GetCursorPos(&at);
+    ::ScreenToClient(window_, &at);
+    Send(WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(at.x, at.y));
+  }
   if (code != BN_CLICKED) return;
   if (model_.Kind == ControlKind::Button) {
     ::PostMessageW(site_.window, kClicked, reinterpret_cast<WPARAM>(&model_), 0);
@@ -46,6 +64,11 @@ void NativeButton::Apply(Property property) {
     Send(BM_SETCHECK, Value() ? BST_CHECKED : BST_UNCHECKED);
     return;
   }
+  if (!PictureOf(model_).empty()) {
+    // The text is its name for those who do not see the picture.
+    if (property == Property::Caption) return;
+    if (property == Property::ToolTip) ::SetWindowTextW(window_, Wide(model_.ToolTip()).c_str());
+  }
   NativeControl::Apply(property);
   if (property != Property::Caption || model_.Kind != ControlKind::Frame) return;
   // The native frame does not erase what was left of a longer caption.
@@ -54,6 +77,20 @@ void NativeButton::Apply(Property property) {
   ::MapWindowPoints(nullptr, site_.window, reinterpret_cast<POINT*>(&strip), 2);
   strip.bottom = strip.top + site_.scale->PixelsHigh(9);
   ::RedrawWindow(site_.window, &strip, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN);
+}
+
+void NativeButton::Placed(SIZE) {
+  if (PictureOf(model_).empty()) return;
+  auto picture = site_.resources.LoadPicture(PictureOf(model_), site_.Pixels(kPicture));
+  Send(BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(picture.get()));
+  std::swap(picture_, picture);
+}
+
+std::optional<int> NativeButton::TextOffset() const {
+  if (model_.Kind != ControlKind::CheckBox && model_.Kind != ControlKind::OptionButton) return std::nullopt;
+  RECT area{};
+  ::GetClientRect(window_, &area);
+  return (static_cast<int>(area.bottom) - site_.scale->PixelsHigh(8)) / 2;
 }
 
 bool NativeButton::Value() const {

@@ -9,15 +9,15 @@ class NativeButton final : public NativeControl {
  public:
   NativeButton(controls::Control& model, FormSite& site);
 
-  // Posted to the form's window, with the control in wParam: the click of a push button, whose handler may
-  // take long and must not do so within the hook for keys.
-  static constexpr UINT kClicked = WM_APP;
-
   void Command(WORD code, WORD number) override;
 
  private:
   void Apply(controls::Property property) override;
+  void Placed(SIZE size) override;
+  std::optional<int> TextOffset() const override;
   bool Value() const;
+
+  Icon picture_;
 };
 
 }  // namespace rowlark::windows

@@ -97,13 +97,26 @@ void NativeControl::Rescale() {
   ApplyPictures();
 }
 
-void NativeControl::Place(const RECT& area) {
-  if (window_ == nullptr || ::EqualRect(&area, &area_) != 0) return;
+// Nothing is drawn here, and no pixels are taken along: they may be those of something that lay above.
+bool NativeControl::Place(const RECT& area) {
+  if (window_ == nullptr || ::EqualRect(&area, &area_) != 0) return false;
   const Updating updating(site_);
   area_ = area;
   ::SetWindowPos(window_, nullptr, area.left, area.top, area.right - area.left, area.bottom - area.top,
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW);
   Placed({area.right - area.left, area.bottom - area.top});
+  return true;
+}
+
+void NativeControl::Shift(int down) {
+  const Updating updating(site_);
+  ::SetWindowPos(window_, nullptr, area_.left, area_.top + down, 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW);
+}
+
+std::optional<int> NativeControl::TopOfText() const {
+  const auto offset = window_ != nullptr ? TextOffset() : std::nullopt;
+  return offset ? std::optional(static_cast<int>(area_.top) + *offset) : std::nullopt;
 }
 
 std::wstring TextOf(HWND window) {

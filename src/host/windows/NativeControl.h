@@ -6,6 +6,7 @@
 #include <commctrl.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,10 @@ class NativeControl {
   NativeControl& operator=(const NativeControl&) = delete;
   virtual ~NativeControl() = default;  // the window goes with that of the form
 
+  // Posted to the form's window, with the control in wParam: a click whose handler may take long and must not
+  // do so within the hook for keys.
+  static constexpr UINT kClicked = WM_APP;
+
   HWND Window() const { return window_; }
   bool HasFocus() const;
   controls::Control& Model() const { return model_; }
@@ -52,7 +57,11 @@ class NativeControl {
   bool ListIsDue() const { return list_is_due_; }
   // The form's font, its pictures and its place have changed.
   void Rescale();
-  void Place(const RECT& area);
+  // True when it stands elsewhere than before; the form's window then draws everything anew.
+  bool Place(const RECT& area);
+  void Shift(int down);
+  // Where its text begins, in the pixels of the form's inner area; nothing where that is of no interest.
+  std::optional<int> TopOfText() const;
 
   // Messages that the window sends to the form's: WM_COMMAND and WM_NOTIFY, which the user causes.
   virtual void Command(WORD, WORD) {}  // code, number
@@ -63,6 +72,10 @@ class NativeControl {
   virtual void Report() {}
   // A key means something to the control, whatever it means to the form.
   virtual bool TakesKey(WPARAM) const { return false; }
+  // Does what a key means to the control and its native window knows nothing of; true for such a key.
+  virtual bool UseKey(WPARAM) { return false; }
+  // Its text stands where it does, and other texts in its line beside it.
+  virtual bool LeadsLine() const { return false; }
 
  protected:
   // In the constructor.
@@ -72,6 +85,8 @@ class NativeControl {
   virtual void FillList() {}
   virtual void ApplyPictures() {}
   virtual void Placed(SIZE) {}
+  // Where the text begins in the window.
+  virtual std::optional<int> TextOffset() const { return std::nullopt; }
 
   LRESULT Send(UINT message, WPARAM first = 0, LPARAM second = 0) const {
     return ::SendMessageW(window_, message, first, second);

@@ -14,7 +14,7 @@ using controls::Property;
 NativeLabel::NativeLabel(controls::Control& model, FormSite& site)
     : NativeControl(model, site), is_link_(static_cast<const controls::Label&>(model).Link) {
   if (is_link_) {
-    Create(WC_LINK, 0);
+    Create(WC_LINK, WS_TABSTOP);
   } else {
     Create(WC_STATICW, SS_LEFT | SS_NOTIFY);
   }
@@ -25,17 +25,31 @@ void NativeLabel::Command(WORD code, WORD) {
 }
 
 LRESULT NativeLabel::Notify(const NMHDR& header) {
-  if (header.code == NM_CLICK || header.code == NM_RETURN) model_.UserClicked();
+  if (header.code == NM_CLICK) model_.UserClicked();
   return 0;
+}
+
+void NativeLabel::Report() {
+  if (HasFocus()) model_.UserFocused();
+}
+
+// Enter is the form's, as it is from any control that is no button.
+bool NativeLabel::UseKey(WPARAM key) {
+  if (key == VK_SPACE) ::PostMessageW(site_.window, kClicked, reinterpret_cast<WPARAM>(&model_), 0);
+  return key == VK_SPACE || key == VK_RETURN;
 }
 
 void NativeLabel::Apply(Property property) {
   const auto& label = static_cast<const controls::Label&>(model_);
   if (property == Property::Caption && is_link_ && label.Link) {
     ::SetWindowTextW(window_, (L"<a>" + Wide(label.Caption()) + L"</a>").c_str());
-  } else {
-    NativeControl::Apply(property);
+    return;
   }
+  NativeControl::Apply(property);
+  if (property != Property::Caption || !is_link_) return;
+  // It is a link no longer.
+  if (HasFocus()) ::SendMessageW(site_.window, WM_NEXTDLGCTL, 0, FALSE);
+  ::SetWindowLongPtrW(window_, GWL_STYLE, ::GetWindowLongPtrW(window_, GWL_STYLE) & ~WS_TABSTOP);
 }
 
 NativeImage::NativeImage(controls::Control& model, FormSite& site) : NativeControl(model, site) {

@@ -11,9 +11,12 @@ class NativeLabel final : public NativeControl {
 
   void Command(WORD code, WORD number) override;
   LRESULT Notify(const NMHDR& header) override;
+  void Report() override;
+  bool UseKey(WPARAM key) override;
 
  private:
   void Apply(controls::Property property) override;
+  std::optional<int> TextOffset() const override { return 0; }
 
   bool is_link_;  // the window can show links
 };

@@ -58,6 +58,15 @@ void NativeText::Report() {
   Input().UserSelected(is_back ? end : start, is_back ? start : end);
 }
 
+std::optional<int> NativeText::TextOffset() const {
+  RECT text{};
+  RECT window{};
+  ::SendMessageW(Editor(), EM_GETRECT, 0, reinterpret_cast<LPARAM>(&text));
+  ::MapWindowPoints(Editor(), nullptr, reinterpret_cast<POINT*>(&text), 2);
+  ::GetWindowRect(window_, &window);
+  return static_cast<int>(text.top - window.top);
+}
+
 void NativeText::Typed() {
   const auto native = TextOf(Editor());
   Input().UserTyped(ConvertsLines() ? WithoutReturns(native) : std::u16string(native.begin(), native.end()),
@@ -141,6 +150,14 @@ NativeComboBox::NativeComboBox(controls::Control& model, FormSite& site) : Nativ
   ::GetComboBoxInfo(window_, &info);
   if (!Box().DropDownList) editor_ = info.hwndItem;
   list_ = info.hwndList;
+}
+
+// An entry that can not be edited stands in the middle of its box.
+std::optional<int> NativeComboBox::TextOffset() const {
+  if (editor_ != nullptr) return NativeText::TextOffset();
+  RECT area{};
+  ::GetWindowRect(window_, &area);
+  return (static_cast<int>(area.bottom - area.top) - site_.scale->PixelsHigh(8)) / 2;
 }
 
 void NativeComboBox::Command(WORD code, WORD) {

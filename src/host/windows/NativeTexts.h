@@ -11,6 +11,7 @@ namespace rowlark::windows {
 class NativeText : public NativeControl {
  public:
   void Report() override;
+  bool LeadsLine() const override { return true; }
 
  protected:
   using NativeControl::NativeControl;
@@ -20,6 +21,7 @@ class NativeText : public NativeControl {
   virtual HWND Editor() const { return window_; }
   virtual bool ConvertsLines() const { return false; }
   void Apply(controls::Property property) override;
+  std::optional<int> TextOffset() const override;
   // The user has edited the text.
   void Typed();
 
@@ -65,6 +67,7 @@ class NativeComboBox final : public NativeText {
  private:
   controls::ComboBox& Box() const { return static_cast<controls::ComboBox&>(model_); }
   HWND Editor() const override { return editor_; }
+  std::optional<int> TextOffset() const override;
   void Apply(controls::Property property) override;
   void FillList() override;
   void Placed(SIZE size) override;
