@@ -142,11 +142,13 @@ class Gallery {
     Take(L"options-edit", options, page(3));
     Take(L"select-range", options, [page](HWND form) {
       page(1)(form);
-      const auto has_picture = [](HWND button) {
-        return (::GetWindowLongPtrW(button, GWL_STYLE) & BS_ICON) != 0;
-      };
+      // The first button that is not much wider than high.
+      RECT area{};
       HWND pick = nullptr;
-      for (int number = 0; !has_picture(pick); ++number) pick = Child(form, WC_BUTTONW, number);
+      for (int number = 0; pick == nullptr || area.right > 2 * area.bottom; ++number) {
+        pick = Child(form, WC_BUTTONW, number);
+        ::GetClientRect(pick, &area);
+      }
       ::PostMessageW(pick, BM_CLICK, 0, 0);
     });
     Take(L"about", [this] { runtime_->About(); }, {});

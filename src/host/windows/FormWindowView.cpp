@@ -123,7 +123,7 @@ void FormWindow::LayOut() {
   }
   if (!moved) return;
   AlignLines();
-  ::RedrawWindow(site_.window, nullptr, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_FRAME | RDW_ALLCHILDREN);
+  ::RedrawWindow(site_.window, nullptr, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
 // The texts of a line stand on the base line of its box, wherever in the box that is at this resolution.

@@ -1,7 +1,5 @@
 #include "host/windows/NativeButtons.h"
 
-#include <utility>
-
 #include "controls/Button.h"
 #include "controls/CheckBox.h"
 #include "controls/OptionButton.h"
@@ -31,7 +29,7 @@ DWORD StyleOf(const controls::Control& model) {
     case ControlKind::Frame:
       return BS_GROUPBOX | WS_GROUP;
     default:
-      return (PictureOf(model).empty() ? BS_PUSHBUTTON : BS_PUSHBUTTON | BS_ICON) | BS_NOTIFY | tab_stop;
+      return BS_PUSHBUTTON | BS_NOTIFY | tab_stop;
   }
 }
 
@@ -79,11 +77,26 @@ void NativeButton::Apply(Property property) {
   ::RedrawWindow(site_.window, &strip, nullptr, RDW_ERASE | RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
-void NativeButton::Placed(SIZE) {
-  if (PictureOf(model_).empty()) return;
-  auto picture = site_.resources.LoadPicture(PictureOf(model_), site_.Pixels(kPicture));
-  Send(BM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(picture.get()));
-  std::swap(picture_, picture);
+void NativeButton::ApplyPictures() {
+  picture_ = site_.resources.LoadPicture(PictureOf(model_), site_.Pixels(kPicture));
+}
+
+// The picture in place of the text, once the button itself has been drawn.
+LRESULT NativeButton::Notify(const NMHDR& header) {
+  if (header.code != NM_CUSTOMDRAW || !picture_) return CDRF_DODEFAULT;
+  const auto& draw = reinterpret_cast<const NMCUSTOMDRAW&>(header);
+  if (draw.dwDrawStage != CDDS_PREPAINT) return CDRF_DODEFAULT;
+  RECT area{};
+  ::GetClientRect(window_, &area);
+  const int size = site_.Pixels(kPicture);
+  const UINT state = model_.Enabled() ? DSS_NORMAL : DSS_DISABLED;
+  ::DrawStateW(draw.hdc, nullptr, nullptr, reinterpret_cast<LPARAM>(picture_.get()), 0,
+               (static_cast<int>(area.right) - size) / 2, (static_cast<int>(area.bottom) - size) / 2, size,
+               size, DST_ICON | state);
+  const bool shows_focus = HasFocus() && (Send(WM_QUERYUISTATE) & UISF_HIDEFOCUS) == 0;
+  ::InflateRect(&area, -3, -3);
+  if (shows_focus) ::DrawFocusRect(draw.hdc, &area);
+  return CDRF_SKIPDEFAULT;
 }
 
 std::optional<int> NativeButton::TextOffset() const {

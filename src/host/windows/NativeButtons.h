@@ -10,10 +10,11 @@ class NativeButton final : public NativeControl {
   NativeButton(controls::Control& model, FormSite& site);
 
   void Command(WORD code, WORD number) override;
+  LRESULT Notify(const NMHDR& header) override;
 
  private:
   void Apply(controls::Property property) override;
-  void Placed(SIZE size) override;
+  void ApplyPictures() override;
   std::optional<int> TextOffset() const override;
   bool Value() const;
 
