@@ -20,7 +20,7 @@ TEST(AboutForm, TellsAndCloses) {
     desk.script = {[&] {
                      const auto form = desk.forms.About();
                      EXPECT_TRUE(form->Modal() && form->Visible());
-                     EXPECT_EQ(form->lblVersion.Caption(), u"1.0.0");
+                     EXPECT_EQ(form->lblVersion.Caption(), ROWLARK_VERSION);
                      EXPECT_EQ(form->lblCopyrightMore.Visible(), credits);
                      form->lblCopyrightMore.UserClicked();
                      EXPECT_EQ(form->lblCopyrightMore.Caption().find(u"\r\n") != std::u16string::npos,
