@@ -2,9 +2,10 @@
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR ${ROWLARK_WINDOWS_CPU})
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ROWLARK_WINDOWS_CPU)
-set(CMAKE_C_COMPILER ${ROWLARK_WINDOWS_CPU}-w64-mingw32-gcc-posix)  # GoogleTest asks for one
-set(CMAKE_CXX_COMPILER ${ROWLARK_WINDOWS_CPU}-w64-mingw32-g++-posix)
-set(CMAKE_RC_COMPILER ${ROWLARK_WINDOWS_CPU}-w64-mingw32-windres)
+# The one with threads is set apart by a suffix where a system has two. GoogleTest asks for a C compiler.
+find_program(CMAKE_C_COMPILER NAMES ${ROWLARK_WINDOWS_CPU}-w64-mingw32-gcc-posix ${ROWLARK_WINDOWS_CPU}-w64-mingw32-gcc)
+find_program(CMAKE_CXX_COMPILER NAMES ${ROWLARK_WINDOWS_CPU}-w64-mingw32-g++-posix ${ROWLARK_WINDOWS_CPU}-w64-mingw32-g++)
+find_program(CMAKE_RC_COMPILER NAMES ${ROWLARK_WINDOWS_CPU}-w64-mingw32-windres)
 set(CMAKE_FIND_ROOT_PATH /usr/${ROWLARK_WINDOWS_CPU}-w64-mingw32)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -5,10 +5,10 @@
 #   scripts/bench.sh [ROWS...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/setup.sh
+scripts/setup.sh program windows benchmark
 export LC_ALL=C.UTF-8
 
-cmake --preset linux-release >/dev/null
+cmake --preset linux-release -DROWLARK_BENCHMARK=ON >/dev/null
 cmake --build --preset linux-release --target make_table bench_search
 bin=build/linux-release
 [ $# -gt 0 ] || set -- 10000 100000 1000000
@@ -56,6 +56,6 @@ for rows in "$@"; do
 done
 
 printf '\nThrough the Excel adapter\n'
-cmake --preset win64 >/dev/null
+cmake --preset win64 -DROWLARK_BENCHMARK=ON >/dev/null
 cmake --build --preset win64 --target bench_adapter
 cmake/wine.sh build/win64/wine build/win64/bench_adapter.exe

@@ -6,7 +6,7 @@ set -euo pipefail
 tables=()
 [ $# -eq 0 ] || mapfile -t tables < <(realpath "$@")
 cd "$(dirname "$0")/.."
-scripts/setup.sh
+scripts/setup.sh program windows
 
 build=$PWD/build/win64
 if [ -z "${DISPLAY:-}" ]; then
@@ -18,7 +18,6 @@ fi
 
 cmake --preset win64 >/dev/null
 cmake --build --preset win64 --target vtrlk_runtime workbench
-cp languages/*.lng "$build"
 # Its own prefix: a session of Wine that began without a display shows no windows.
 wine=(cmake/wine.sh "$build/wine-desktop")
 "${wine[@]}" regsvr32 /s "Z:$build/vtrlk_runtime.dll"

@@ -2,7 +2,7 @@
 # Sets up, builds the program (release) and opens the example table; without a terminal, searches it instead.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/setup.sh
+scripts/setup.sh program
 
 cmake --preset linux-release >/dev/null
 cmake --build --preset linux-release --target rowlark

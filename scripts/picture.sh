@@ -2,7 +2,7 @@
 # Sets up, builds the program (release) and draws the picture of it that the README shows.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/setup.sh
+scripts/setup.sh program tests
 
 cmake --preset linux-release >/dev/null
 cmake --build --preset linux-release --target rowlark rowlark_languages

@@ -3,13 +3,12 @@
 # and in German, under Wine on a virtual screen.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/setup.sh
+scripts/setup.sh program windows
 
 build=$PWD/build/win64
 if [ "${1:-}" != --on-this-screen ]; then
   cmake --preset win64 >/dev/null
   cmake --build --preset win64 --target vtrlk_runtime forms_gallery
-  cp languages/*.lng "$build"
   exec cmake/xvfb.sh scripts/screenshots.sh --on-this-screen
 fi
 

@@ -1,9 +1,13 @@
 #!/usr/bin/env bash
 # Installs the Debian packages of cmake/packages.txt that are missing; returns at once when none is.
+#   scripts/setup.sh PURPOSE...    of program, tests, windows, lint, benchmark
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-mapfile -t packages < <(grep -vE '^(#|$)' cmake/packages.txt)
+packages=()
+for purpose in "$@"; do
+  mapfile -t -O ${#packages[@]} packages < <(sed -n "/^\[$purpose\]/,/^$/{/^[a-z0-9]/p}" cmake/packages.txt)
+done
 missing=()
 for package in "${packages[@]}"; do
   status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)

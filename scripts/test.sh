@@ -1,14 +1,28 @@
 #!/usr/bin/env bash
-# Sets up, builds and runs every test: as a debug build, under the address and undefined-behaviour sanitizers, the fuzz
-# targets for half a minute each, and for 64-bit Windows. Last, builds all but the tests for 32-bit Windows.
+# Sets up and checks everything, and says what each part takes: lint of what changed last; the program as it is
+# released, searching the example and on a terminal; all tests for Linux under the address and undefined-behaviour
+# sanitizers; the fuzz targets; all tests for 64-bit Windows. Last, builds all but the tests for 32-bit Windows.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/setup.sh
+scripts/setup.sh program tests windows lint
 
-for preset in linux linux-asan fuzz win64; do
-  cmake --preset "$preset" >/dev/null
-  cmake --build --preset "$preset"
-  ctest --preset "$preset"
-done
-cmake --preset win32 >/dev/null
-cmake --build --preset win32
+part() {
+  local TIMEFORMAT="== $1: %0R s, of processors %0U s"
+  time "${@:2}"
+}
+
+release() {
+  scripts/demo.sh </dev/null
+  cmake --preset linux-release -DBUILD_TESTING=ON >/dev/null
+  ctest --preset linux-release
+}
+
+preset() {
+  cmake --preset "$1" >/dev/null
+  part "$1, build" cmake --build --preset "$1"
+  [ "$1" = win32 ] || part "$1, tests" ctest --preset "$1"
+}
+
+part lint scripts/lint.sh --changed
+part program release
+for name in linux-asan fuzz win64 win32; do preset "$name"; done
