@@ -63,6 +63,18 @@ bool Searches::End(bool superseded) {
   return true;
 }
 
+// The run lives beneath us on the stack, also when it is done or another one has taken over.
+bool Searches::Finish() {
+  const SearchRun* const run = run_;
+  if (run == nullptr) return true;
+  if (run->OnStack()) return false;
+  while (searching_ && !shared_.Terminating && !abandoned_) {
+    PumpMessages(shared_);
+    Wait();
+  }
+  return run->Result();
+}
+
 void Searches::Wait() {
   if (run_ != nullptr && !run_->OnStack()) {
     Advance(*run_);

@@ -28,6 +28,9 @@ class Searches {
   // Stops the run under way and brings it to its end; false when this comes from inside an operation of the
   // host that the run has called. Nobody will look at the rows of a superseded run.
   bool End(bool superseded);
+  // Brings the run under way to its own end; whether it found rows, true where there is none, false where it
+  // was stopped or can not be waited for.
+  bool Finish();
   // Waits for a moment: takes the run under way a step farther, or else waits for input.
   void Wait();
 

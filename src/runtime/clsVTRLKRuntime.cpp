@@ -77,13 +77,9 @@ bool clsVTRLKRuntime::EndSearch() {
   return searches->End(false);
 }
 
-// The run lives beneath us on the stack, also when it is done or another one has taken over.
 bool clsVTRLKRuntime::FinishSearch() {
-  const SearchRun* run = run_;
-  if (run == nullptr) return true;
-  if (run->OnStack()) return false;
-  Wait([this] { return searching_; });
-  return run->Result();
+  const auto searches = searches_;
+  return searches->Finish();
 }
 
 void clsVTRLKRuntime::DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem& objItem) {
