@@ -279,6 +279,55 @@ TEST(Forms, AnyMessageGivesTheHostItsFlagsBack) {
   desk.runtime.reset();
 }
 
+// A host that does something else first, once.
+struct CallingHost final : host::Forwarding {
+  int64_t call = 0;
+  std::function<void()> action;
+  void OnCall(std::string_view) override {
+    if (--call == 0) action();
+  }
+};
+
+// Whatever a host calls back for from the middle of an operation: forms that are on the stack end in order.
+TEST(Forms, StandEveryCallBack) {
+  const std::function<void(Desk&)> actions[] = {
+      [](Desk& desk) { desk.runtime->DoStop(); },
+      [](Desk& desk) { desk.forms.Unload(nullptr); },
+      [](Desk& desk) {
+        desk.forms.Unload(nullptr);
+        desk.runtime->ShowSearch();
+        desk.forms.ShowEdit(*desk.runtime);
+        desk.runtime->ShowOptions();
+      },
+      [](Desk& desk) {
+        desk.runtime->Items->Clear();
+        desk.runtime->Items->DefaultItem = desk.runtime->Items->DefaultItem->Clone();
+        if (const auto options = desk.forms.Options()) options->lvw0.UserPicked(0);
+      },
+      [](Desk& desk) {
+        const auto file = desk.runtime->Items->CfgFileName;
+        desk.runtime->Items = std::make_shared<clsVTRLKItems>(desk.shared);
+        desk.runtime->Items->CfgFileName = file;
+      },
+      [](Desk& desk) { desk.runtime->SetExcelApp(nullptr); }};
+  constexpr int64_t kStep = 7;  // shares no factor with the number of actions, so that each has its turns
+  for (int64_t call = 1;; call += kStep) {
+    SCOPED_TRACE("call " + std::to_string(call));
+    Desk desk;
+    CallingHost calling;
+    calling.call = call;
+    calling.action = [&] { actions[static_cast<std::size_t>(call) % std::size(actions)](desk); };
+    desk.runtime->SetExcelApp(calling.Wrap(Ref<host::Application>(desk.application)));
+    WholeSession(desk, [] {});
+    desk.runtime->DoStop();
+    EXPECT_TRUE(desk.NoFormIsLeft());
+    EXPECT_FALSE(desk.runtime->Searching());
+    desk.runtime->SetExcelApp(nullptr);
+    if (calling.call > 0) break;
+    ASSERT_LT(call, 5000);
+  }
+}
+
 TEST(Forms, AreUnloadedInOrderWhenTheLibraryEndsOrTheirRuntimeGoes) {
   for (const bool stop : {true, false}) {
     Desk desk;

@@ -409,10 +409,10 @@ TEST(SearchForm, EnterGoesToWhatWasTypedLast) {
 }
 
 TEST(SearchForm, StandsInFrontOfTheWindowThatIsInFront) {
+  std::vector<std::string> log;
   Desk desk;
   const auto form = desk.Search();
   const auto options = desk.Options();
-  std::vector<std::string> log;
   desk.windows.Log = [&](const std::string& what) { log.push_back(what); };
   desk.application->SetWindow({7});
   desk.Search();
