@@ -291,6 +291,10 @@ TEST(Configuration, IsSharedByTwoInstances) {
   first.shared.Language->SetLangFile(u"");
   ASSERT_TRUE(first.items.CfgSave(false));
   EXPECT_EQ(file_holds(), "S|aF dS new1F new2S |four five six |{F1} {F2} 3 ");
+  second.shared.Language->SetLangFile(u"polish.lng");
+  ASSERT_TRUE(second.items.CfgSave(false) &&
+              first.items.CfgSave(true));  // without a language, whoever named it
+  EXPECT_EQ(file_holds(), "S|aF dS new1F new2S |four five six |{F1} {F2} 3 ");
 
   // What a damaged file lacks has not been removed by anybody.
   folder.Write("rowlark.cfg", Bytes(file).substr(0, 250));
