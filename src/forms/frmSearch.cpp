@@ -74,11 +74,11 @@ frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch") {
 void frmSearch::Form_Load() {
   tmr0.SetEnabled(false);
   tmr0.SetInterval(kTypingDelay);
+  boxError.SetVisible(false);
   ApplyCaptions();  // which make the form as large as it is
   if (!RestorePosition(u"SearchFormPosSize")) MoveOntoScreen(kDesignPosition, kDesignPosition);
   Float();
   btnClose.Tag.clear();
-  boxError.SetVisible(false);
   shared_.SearchFormLoaded = Loaded();
 }
 
