@@ -27,7 +27,7 @@ if [ "${1:-}" = --changed ]; then
 fi
 
 # tidy PRESET ARGUMENTS...: over those of the wanted sources that the configuration compiles and none before it did.
-declare -A seen
+declare -A seen=()
 tidy() {
   local preset=$1 source some=()
   cmake --preset "$preset" -B "build/lint-$preset" -DBUILD_TESTING=OFF -DROWLARK_BENCHMARK=ON \
@@ -38,7 +38,8 @@ tidy() {
     seen[$source]=1
     [ ${#seen[@]} -gt "$most" ] || some+=("$source")
   done
-  printf '%s\0' "${some[@]}" | xargs -0 -r -P "$(nproc)" -n 2 clang-tidy --quiet -p "build/lint-$preset" \
+  [ ${#some[@]} -gt 0 ] || return 0
+  printf '%s\0' "${some[@]}" | xargs -0 -P "$(nproc)" -n 2 clang-tidy --quiet -p "build/lint-$preset" \
     --extra-arg=-Wno-unknown-warning-option "${@:2}"
 }
 
