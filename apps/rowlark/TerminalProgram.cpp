@@ -146,7 +146,7 @@ std::shared_ptr<clsVTRLKItem> TerminalProgram::DetectedProfile() {
   Attempted([&] {
     const auto stored = program_.Items().ByName(tables_.Active().Workbook()->Name());
     auto detected = (stored ? stored : program_.Items().DefaultItem)->Clone();
-    program_.Runtime().DetectSearchRange(*tables_.View().Sheet(), *detected);
+    program_.Runtime().DetectSearchRange(tables_.View().Sheet(), *detected);
     profile = detected;
   });
   return profile;
@@ -161,7 +161,7 @@ Highlight TerminalProgram::MakeHighlight() {
     const auto comma = std::min(letters.find(u','), letters.size());
     Attempted([&] {
       const auto cell = std::u16string(letters.substr(0, comma)) + u"1";
-      columns.push_back(tables_.View().Sheet()->Range(cell)->Column());
+      columns.push_back(tables_.View().Sheet().Range(cell)->Column());
     });
     letters.remove_prefix(std::min(comma + 1, letters.size()));
   }
@@ -298,7 +298,7 @@ void TerminalProgram::Draw(terminal::Canvas& canvas, const terminal::Rect& pictu
 
 // Counting goes through all rows, so it is done again only when rows were hidden or shown.
 std::u16string TerminalProgram::CountRows() {
-  const auto& sheet = *tables_.View().Sheet();
+  const auto& sheet = tables_.View().Sheet();
   const auto used = sheet.Text().Used().value_or(standalone::Rect{});
   const int32_t last = used.last_row;
   const int32_t all = last - used.first_row;

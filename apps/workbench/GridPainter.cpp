@@ -4,6 +4,7 @@
 #include <charconv>
 #include <string>
 
+#include "FilterArrow.h"
 #include "automation/Variant.h"
 #include "util/Text.h"
 #include "util/Utf.h"
@@ -12,6 +13,8 @@ namespace rowlark::workbench {
 namespace {
 
 using automation::Wide;
+using sheetview::SheetView;
+using sheetview::Strip;
 using standalone::Rect;
 
 // `share` percent of the one colour in the other.
@@ -45,13 +48,6 @@ struct Colours {
 
 constexpr LONG kTextMargin = 3;
 
-std::u16string ColumnName(int32_t column) {
-  std::u16string name;
-  for (; column > 0; column = (column - 1) / 26)
-    name.insert(name.begin(), static_cast<char16_t>(u'A' + (column - 1) % 26));
-  return name;
-}
-
 bool IsNumber(std::string_view text) {
   double number = 0;
   const auto end = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -60,7 +56,7 @@ bool IsNumber(std::string_view text) {
 
 class Painter {
  public:
-  Painter(HDC target, SIZE size, const GridView& view) : target_(target), size_(size), view_(view) {}
+  Painter(HDC target, SIZE size, const SheetView& view) : target_(target), size_(size), view_(view) {}
 
   void Paint() {
     Fill({0, 0, size_.cx, size_.cy}, colours_.header);
@@ -131,7 +127,7 @@ class Painter {
     if (!sheet_.AutoFilterMode()) return;
     const auto& [range, filters] = sheet_.Filter();
     for (const auto& column : columns_) {
-      const auto box = view_.FilterArrow(column.index);
+      const auto box = FilterArrow(view_, column.index);
       if (!box) continue;
       const RECT button{box->left + 1, box->top + 1, box->right - 2, box->bottom - 2};
       Fill(button, colours_.header);
@@ -178,7 +174,8 @@ class Painter {
 
   void ColumnHeaders() const {
     for (const auto& column : columns_) {
-      Header({column.start, 0, column.start + column.size, view_.HeaderHeight()}, ColumnName(column.index),
+      Header({column.start, 0, column.start + column.size, view_.HeaderHeight()},
+             standalone::ColumnLetters(column.index),
              Selected({1, column.index, standalone::kMaxRow, column.index}), colours_.header_text);
     }
     Header({0, 0, view_.HeaderWidth(), view_.HeaderHeight()}, u"", false, colours_.header_text);
@@ -186,7 +183,7 @@ class Painter {
 
   HDC target_;
   SIZE size_;
-  const GridView& view_;
+  const SheetView& view_;
   const standalone::Worksheet& sheet_ = view_.Sheet();
   const std::vector<Strip> rows_ = view_.Rows();
   const std::vector<Strip> columns_ = view_.Columns();
@@ -195,7 +192,7 @@ class Painter {
 
 }  // namespace
 
-void PaintGrid(HDC target, SIZE size, HFONT font, const GridView& view) {
+void PaintGrid(HDC target, SIZE size, HFONT font, const SheetView& view) {
   const auto old_font = SelectObject(target, font);
   Painter(target, size, view).Paint();
   SelectObject(target, old_font);

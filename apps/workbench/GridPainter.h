@@ -3,12 +3,12 @@
 
 #include <windows.h>
 
-#include "GridView.h"
+#include "sheetview/SheetView.h"
 
 namespace rowlark::workbench {
 
 // Draws headers, cells, selection and filter buttons onto `target`, a surface of that size; `font` is that of
 // all texts. Colours are the system's.
-void PaintGrid(HDC target, SIZE size, HFONT font, const GridView& view);
+void PaintGrid(HDC target, SIZE size, HFONT font, const sheetview::SheetView& view);
 
 }  // namespace rowlark::workbench

@@ -5,6 +5,7 @@
 
 #include <windowsx.h>
 
+#include "FilterArrow.h"
 #include "GridPainter.h"
 #include "automation/Variant.h"
 #include "util/Utf.h"
@@ -12,13 +13,24 @@
 namespace rowlark::workbench {
 namespace {
 
+using sheetview::Cell;
+using sheetview::Direction;
+using sheetview::LastUsed;
+using sheetview::SheetView;
+using sheetview::Span;
+using sheetview::StepRows;
 using standalone::kMaxColumn;
 using standalone::kMaxRow;
 using standalone::Rect;
-using Part = GridView::Part;
+using Part = SheetView::Part;
 
 constexpr UINT_PTR kDragTimer = 1;
 constexpr UINT kDragInterval = 40;  // milliseconds between steps of scrolling beyond the edge
+
+// What is selected by dragging there.
+Span SpanOf(Part part) {
+  return part == Part::RowHeader ? Span::Rows : part == Part::ColumnHeader ? Span::Columns : Span::Cells;
+}
 
 bool IsDown(int key) { return GetKeyState(key) < 0; }
 
@@ -51,7 +63,7 @@ GridWindow::GridWindow(HWND parent, Callbacks callbacks) : callbacks_(std::move(
   }
 }
 
-void GridWindow::Show(GridView* view) {
+void GridWindow::Show(SheetView* view) {
   view_ = view;
   Resize();
   Redraw();
@@ -67,7 +79,16 @@ void GridWindow::SetFont(HFONT font) {
   GetTextExtentPoint32W(screen, L"0", 1, &digit);
   SelectObject(screen, old);
   ReleaseDC(Hwnd(), screen);
-  metrics_ = {static_cast<int>(text.tmHeight + text.tmHeight / 3 + 1), static_cast<int>(digit.cx)};
+  const auto digits = [width = static_cast<int32_t>(digit.cx)](int32_t count) { return count * width; };
+  const auto row = static_cast<int32_t>(text.tmHeight + text.tmHeight / 3 + 1);
+  metrics_ = {.row_height = row,
+              .digit_width = digits(1),
+              .letters_height = row,
+              .least_width = digits(4),
+              .most_width = digits(40),
+              .empty_width = digits(9),
+              .text_margin = digits(2),
+              .head_margin = row};
   Resize();
 }
 
@@ -178,34 +199,27 @@ void GridWindow::Wheel(int delta, bool horizontal) {
 
 void GridWindow::ButtonDown(int x, int y, bool shift, bool control) {
   SetFocus(Hwnd());
-  auto& sheet = view_->Sheet();
-  const auto [part, place] = view_->HitTest(x, y);
-  if (part == Part::FilterArrow) {
-    const auto box = view_->FilterArrow(place.column);
-    POINT where{box->left, box->bottom};
+  auto& cursor = view_->Cursor();
+  auto [part, cell, exact] = view_->HitTest(x, y);
+  if (const auto arrow = FilterArrow(*view_, cell.column); arrow && Contains(*arrow, x, y)) {
+    POINT where{arrow->left, arrow->bottom};
     ClientToScreen(Hwnd(), &where);
-    return callbacks_.filter(place.column, where);
+    return callbacks_.filter(cell.column, where);
   }
   if (part == Part::Corner) {
-    SelectArea(sheet, {1, 1, kMaxRow, kMaxColumn}, place);
+    cursor.MoveTo(cell, Span::Sheet);
     return callbacks_.selected();
   }
   mouse_ = {x, y};
   dragged_ = part;
   SetCapture(Hwnd());
   SetTimer(Hwnd(), kDragTimer, kDragInterval, nullptr);
-  kept_.clear();
   if (shift) return DragSelection();
-  if (control) kept_ = sheet.Selection();
-  if (part == Part::RowHeader) {
-    SelectArea(sheet, {place.row, 1, place.row, kMaxColumn}, {place.row, view_->LeftColumn()}, kept_);
-  } else if (part == Part::ColumnHeader) {
-    SelectArea(sheet, {1, place.column, kMaxRow, place.column}, {view_->Rows().front().index, place.column},
-               kept_);
-  } else {
-    SelectArea(sheet, {place.row, place.column, place.row, place.column}, place, kept_);
-    view_->Reveal(place);
-  }
+  // Of a row or column the cell that shows first becomes the active one.
+  if (part == Part::RowHeader) cell.column = view_->LeftColumn();
+  if (part == Part::ColumnHeader) cell.row = view_->Rows().front().index;
+  cursor.MoveTo(cell, SpanOf(part), control);
+  if (part == Part::Cell) view_->Reveal(cell);
   callbacks_.selected();
 }
 
@@ -215,31 +229,19 @@ void GridWindow::Drag(int x, int y) {
 }
 
 void GridWindow::DragSelection() {
-  auto& sheet = view_->Sheet();
-  const Rect active = sheet.ActiveCell();
-  const auto place = view_->HitTest(static_cast<int>(mouse_.x), static_cast<int>(mouse_.y)).place;
-  Rect area = Join(active, {place.row, place.column, place.row, place.column});
-  if (dragged_ == Part::RowHeader) {
-    area.first_column = 1;
-    area.last_column = kMaxColumn;
-  } else if (dragged_ == Part::ColumnHeader) {
-    area.first_row = 1;
-    area.last_row = kMaxRow;
-  }
-  if (sheet.Selection().back() == area) return;
-  SelectArea(sheet, area, {active.first_row, active.first_column}, kept_);
-  callbacks_.selected();
+  const auto cell = view_->HitTest(static_cast<int>(mouse_.x), static_cast<int>(mouse_.y)).cell;
+  if (view_->Cursor().ExtendTo(cell, SpanOf(dragged_))) callbacks_.selected();
 }
 
-void GridWindow::Go(Place to, bool extend) {
-  auto& sheet = view_->Sheet();
+void GridWindow::Go(Cell to, bool extend) {
+  auto& cursor = view_->Cursor();
   if (extend) {
-    ExtendTo(sheet, to);
+    cursor.ExtendTo(to);
   } else {
-    MoveTo(sheet, to);
+    cursor.MoveTo(to);
   }
   // Of whole rows and columns the far end is of no interest.
-  const Rect& area = sheet.Selection().front();
+  const Rect& area = view_->Sheet().Selection().back();
   if (area.Rows() < kMaxRow) view_->RevealRow(to.row);
   if (area.Columns() < kMaxColumn) view_->RevealColumn(to.column);
   callbacks_.selected();
@@ -250,9 +252,9 @@ bool GridWindow::KeyDown(int32_t key) {
   auto& sheet = view_->Sheet();
   const bool control = IsDown(VK_CONTROL);
   const bool shift = IsDown(VK_SHIFT);
-  const Rect active = sheet.ActiveCell();
-  const Place cell{active.first_row, active.first_column};
-  const Place from = shift ? MovingCorner(sheet) : cell;
+  auto& cursor = view_->Cursor();
+  const Cell cell = cursor.Active();
+  const Cell from = shift ? cursor.MovingCorner() : cell;
   const auto go = [&](Direction direction) {
     Go(control ? StepToEdge(sheet, from, direction) : Step(sheet, from, direction), shift);
     return true;
@@ -291,7 +293,7 @@ bool GridWindow::KeyDown(int32_t key) {
       return true;
     case 'A':
       if (!control) return false;
-      SelectArea(sheet, {1, 1, kMaxRow, kMaxColumn}, cell);
+      cursor.MoveTo(cell, Span::Sheet);
       callbacks_.selected();
       return true;
     case VK_F2:

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <functional>
-#include <vector>
+#include <string_view>
 
-#include "GridView.h"
 #include "Window.h"
+#include "sheetview/SheetView.h"
 
 namespace rowlark::workbench {
 
@@ -24,12 +24,12 @@ class GridWindow final : public Window {
   // Throws std::runtime_error.
   GridWindow(HWND parent, Callbacks callbacks);
   // The view must outlive the window or be replaced; null shows nothing.
-  void Show(GridView* view);
+  void Show(sheetview::SheetView* view);
   void SetFont(HFONT font);
   // The sheet has changed.
   void Redraw();
   int TextWidth(std::string_view text) const;
-  const GridMetrics& Metrics() const { return metrics_; }
+  const sheetview::Metrics& Metrics() const { return metrics_; }
 
  private:
   bool OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) override;
@@ -43,16 +43,15 @@ class GridWindow final : public Window {
   void Drag(int x, int y);
   void DragSelection();
   bool KeyDown(int32_t key);
-  void Go(Place to, bool extend);
+  void Go(sheetview::Cell to, bool extend);
 
   Callbacks callbacks_;
-  GridView* view_ = nullptr;
+  sheetview::SheetView* view_ = nullptr;
   HFONT font_ = nullptr;
-  GridMetrics metrics_;
+  sheetview::Metrics metrics_;
   GdiPtr<HBITMAP> picture_;  // what was drawn last
   SIZE picture_size_{};
-  GridView::Part dragged_ = GridView::Part::Corner;  // Corner: nothing is dragged
-  std::vector<standalone::Rect> kept_;               // areas selected before the one that is dragged
+  sheetview::SheetView::Part dragged_ = sheetview::SheetView::Part::Corner;  // Corner: nothing is dragged
   POINT mouse_{};
   int wheel_ = 0;  // turns below one notch
 };

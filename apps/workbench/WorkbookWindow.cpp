@@ -176,9 +176,9 @@ standalone::Worksheet* WorkbookWindow::Sheet() const {
   return book_ ? dynamic_cast<standalone::Worksheet*>(book_->ActiveSheet().get()) : nullptr;
 }
 
-GridView& WorkbookWindow::ViewOf(standalone::Worksheet& sheet) {
+sheetview::SheetView& WorkbookWindow::ViewOf(standalone::Worksheet& sheet) {
   const auto measure = [this](std::string_view text) { return grid_->TextWidth(text); };
-  return views_.try_emplace(&sheet, Ref(&sheet), measure).first->second;
+  return views_.try_emplace(&sheet, Ref(&sheet), measure, sheetview::SheetView::Extent::Sheet).first->second;
 }
 
 void WorkbookWindow::Refresh() {
@@ -189,16 +189,12 @@ void WorkbookWindow::Refresh() {
   if (sheet != shown_) {
     shown_ = sheet;
     grid_->Show(sheet == nullptr ? nullptr : &ViewOf(*sheet));
-    shown_cell_ = sheet == nullptr ? Rect{} : sheet->ActiveCell();
   }
   if (sheet == nullptr) {
     for (const HWND field : {name_, value_, status_}) SetText(field, u"");
     return;
   }
-  if (const Rect cell = sheet->ActiveCell(); cell != shown_cell_) {
-    shown_cell_ = cell;
-    ViewOf(*sheet).Reveal({cell.first_row, cell.first_column});
-  }
+  if (auto& view = ViewOf(*sheet); view.Cursor().Follow()) view.Reveal(view.Cursor().Active());
   RefreshFields(*sheet);
   RefreshStatus(*sheet);
   grid_->Redraw();
@@ -321,7 +317,9 @@ bool WorkbookWindow::FieldKey(HWND field, WPARAM key) {
       sheet->Select(text);
     } else {
       sheet->SetCell(cell.first_row, cell.first_column, text);
-      MoveTo(*sheet, Step(*sheet, {cell.first_row, cell.first_column}, Direction::Down));
+      auto& view = ViewOf(*sheet);
+      view.Cursor().MoveTo(Step(*sheet, view.Cursor().Active(), sheetview::Direction::Down));
+      view.Reveal(view.Cursor().Active());
     }
   }
   Refresh();

@@ -5,11 +5,11 @@
 #include <string>
 #include <unordered_map>
 
-#include "GridView.h"
 #include "GridWindow.h"
 #include "MenuBar.h"
 #include "Window.h"
 #include "host/standalone/Application.h"
+#include "sheetview/SheetView.h"
 
 namespace rowlark::workbench {
 
@@ -43,7 +43,7 @@ class WorkbookWindow final : public Window {
 
   // The active sheet with cells and its view; null without one.
   standalone::Worksheet* Sheet() const;
-  GridView& ViewOf(standalone::Worksheet& sheet);
+  sheetview::SheetView& ViewOf(standalone::Worksheet& sheet);
 
   void Execute(UINT command);
   bool KeyPressed(int32_t key);
@@ -63,9 +63,8 @@ class WorkbookWindow final : public Window {
   HWND status_ = nullptr;
   GdiPtr<HFONT> font_;
 
-  std::unordered_map<const standalone::Worksheet*, GridView> views_;
+  std::unordered_map<const standalone::Worksheet*, sheetview::SheetView> views_;
   const standalone::Worksheet* shown_ = nullptr;
-  standalone::Rect shown_cell_;  // the active cell that was scrolled to last
 };
 
 }  // namespace rowlark::workbench

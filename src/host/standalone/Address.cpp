@@ -91,6 +91,12 @@ bool ParseAddress(std::u16string_view address, std::vector<Rect>& areas, const S
   }
 }
 
+std::u16string ColumnLetters(int32_t column) {
+  std::u16string text;
+  AppendColumn(text, column);
+  return text.substr(1);
+}
+
 void AppendAddress(std::u16string& text, const Rect& area, const SheetSize& size) {
   if (area.Rows() == size.rows) {
     AppendColumn(text, area.first_column);

@@ -61,6 +61,9 @@ std::optional<Rect> ParseArea(std::u16string_view address, const SheetSize& size
 // One or more areas joined by commas, into `areas`, which is emptied first; false for anything else.
 bool ParseAddress(std::u16string_view address, std::vector<Rect>& areas, const SheetSize& size = {});
 
+// "A" to "XFD".
+std::u16string ColumnLetters(int32_t column);
+
 // Absolute ("$B$3:$F$200"); whole columns and rows as "$A:$C" and "$1:$5".
 void AppendAddress(std::u16string& text, const Rect& area, const SheetSize& size = {});
 

@@ -219,6 +219,12 @@ void Worksheet::Select(std::u16string_view address) {
   Activate(areas);
 }
 
+void Worksheet::Select(std::vector<Rect> areas, Cell active) {
+  active_cell_ = {active.row, active.column, active.row, active.column};
+  selection_ = std::move(areas);
+  Book().RaiseSelectionChange(*this, *MakeRange(selection_));
+}
+
 void Worksheet::Activate(const std::vector<Rect>& areas) {
   const int32_t row = areas.front().first_row;
   const int32_t column = areas.front().first_column;

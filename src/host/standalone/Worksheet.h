@@ -71,6 +71,8 @@ class Worksheet final : public host::Worksheet {
 
   // What a user does with the mouse: selects cells and makes the first one active.
   void Select(std::u16string_view address);
+  // The same, but with another cell of these areas as the active one.
+  void Select(std::vector<Rect> areas, Cell active);
 
   // The part that ranges and filters need. Rows and columns lie on the sheet.
   Ref<host::Range> MakeRange(const Rect& area) const;
