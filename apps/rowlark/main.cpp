@@ -4,10 +4,13 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "Output.h"
 #include "SearchCommand.h"
@@ -23,6 +26,20 @@ using rowlark::Print;
 using rowlark::SearchArguments;
 
 constexpr int kFailed = 2;  // grep's status for trouble
+
+const std::map<std::string, rowlark::xeVT_SEARCH_WORDS>& Words() {
+  static const std::map<std::string, rowlark::xeVT_SEARCH_WORDS> kWords = {
+      {"all", rowlark::xcVT_SEARCH_WORDS_ALL},
+      {"any", rowlark::xcVT_SEARCH_WORDS_ANY},
+      {"cell", rowlark::xcVT_SEARCH_WORDS_CELL}};
+  return kWords;
+}
+
+const std::map<std::string, Print>& Forms() {
+  static const std::map<std::string, Print> kForms = {
+      {"csv", Print::Csv}, {"rows", Print::Rows}, {"json", Print::Json}};
+  return kForms;
+}
 
 constexpr const char* kExamples = R"(Examples:
   rowlark customers.csv orders.xlsx
@@ -70,156 +87,188 @@ int RunTerminal(const rowlark::TerminalArguments& arguments, const rowlark::Prog
   return rowlark::TerminalProgram(program, screen, pump, windows, help).Run(arguments);
 }
 
-int Run(int argc, char** argv) {
-  static const std::map<std::string, rowlark::xeVT_SEARCH_WORDS> kWords = {
-      {"all", rowlark::xcVT_SEARCH_WORDS_ALL},
-      {"any", rowlark::xcVT_SEARCH_WORDS_ANY},
-      {"cell", rowlark::xcVT_SEARCH_WORDS_CELL}};
-  static const std::map<std::string, Print> kPrint = {
-      {"csv", Print::Csv}, {"rows", Print::Rows}, {"json", Print::Json}};
+// The commands and what each of them was given.
+class CommandLine {
+ public:
+  CommandLine() : app_("Rowlark leaves visible only the rows of a table that match.", "rowlark") {
+    app_.set_version_flag("--version", "rowlark " ROWLARK_VERSION);
+    app_.require_subcommand(0, 1);
+    app_.footer(kExamples);
+    app_.add_option("FILE", table_.files, "tables to open in the terminal: CSV, TSV, .xlsx, .ods and others")
+        ->type_name("");
+    AddSeparator(app_);
+    AddCommon(app_);
+    AddSearch();
+    AddProfiles();
+    AddHistory();
+  }
 
-  SearchArguments arguments;
-  std::string words = "all";
-  std::string print = "csv";
-  std::string separator;
-  std::vector<std::string> filters;
+  // The exit status.
+  int Run(int argc, char** argv) {
+    try {
+      app_.parse(argc, argv);
+    } catch (const CLI::Success& help_or_version) {
+      return app_.exit(help_or_version);
+    } catch (const CLI::ParseError& error) {
+      throw std::runtime_error(error.what());
+    }
+    Take();
+    if (common_.config.empty() && rowlark::platform::ConfigurationFolder().empty()) {
+      std::fputs("rowlark: there is no home folder: settings are not kept\n", stderr);
+    }
+    if (app_.get_subcommands().empty()) return RunTerminal(table_, common_);
+    rowlark::Console console;
+    rowlark::Program program(common_, console.messages, console.windows, console.help);
+    rowlark::Output output(stdout);
+    const int status =
+        search_->parsed() ? rowlark::RunSearch(arguments_, program, output) : ChangeSettings(program, output);
+    output.Flush();
+    return status;
+  }
 
-  CLI::App app("Rowlark leaves visible only the rows of a table that match.", "rowlark");
-  app.set_version_flag("--version", "rowlark " ROWLARK_VERSION);
-  app.require_subcommand(0, 1);
-  app.footer(kExamples);
+ private:
+  using Settings = std::function<int(rowlark::Program& program, rowlark::Output& output)>;
 
-  rowlark::ProgramArguments common;
-  rowlark::TerminalArguments table;
-  app.add_option("FILE", table.files, "tables to open in the terminal: CSV, TSV, .xlsx, .ods and others")
-      ->type_name("");
-  const auto add_common = [&common](CLI::App& command) {
-    command.add_option("--config", common.config, "configuration file (default: the user's)")
+  void AddCommon(CLI::App& command) {
+    command.add_option("--config", common_.config, "configuration file (default: the user's)")
         ->type_name("FILE");
     command
-        .add_option("--language", common.language,
+        .add_option("--language", common_.language,
                     "language of the messages, like german, or default; remembered with the settings")
         ->type_name("NAME");
-  };
+  }
 
-  const auto add_separator = [&separator](CLI::App& command) {
+  void AddSeparator(CLI::App& command) {
     command
-        .add_option("--separator", separator,
+        .add_option("--separator", separator_,
                     "between cells: one character, or tab (default: found by itself)")
         ->type_name("CHARACTER")
         ->check(CheckSeparator);
-  };
-  add_separator(app);
-  add_common(app);
+  }
 
-  CLI::App& search = *app.add_subcommand("search", "Search a table and print the rows that match");
-  search.footer(kExamples);
-  search
-      .add_option(
-          "FILE", arguments.file,
-          "CSV in UTF-8, UTF-16 with a mark or Windows-1252; .xlsx, .ods, .fods, XML Spreadsheet 2003")
-      ->required()
-      ->type_name("");
-  search.add_option("TEXT", arguments.text, "what to look for")->required()->type_name("");
-  search
-      .add_option("--words", words,
-                  "all: the text inside a cell; any: any of its words; cell: the whole cell")
-      ->type_name("MODE")
-      ->check(CLI::IsMember(kWords))
-      ->capture_default_str();
-  search.add_flag("--match-case", arguments.match_case, "tell apart upper and lower case");
-  search.add_flag("--go-to", arguments.go_to, "hide nothing, print the address of the cell found");
-  search.add_option("--range", arguments.range, "cells to search, like A2:D500 (a filter brings its own)")
-      ->type_name("CELLS");
-  search.add_option("--columns", arguments.columns, "columns to search, like A,C")->type_name("LETTERS");
-  search.add_option("--jump", arguments.jump, "column of the cell to go to, like C")->type_name("LETTER");
-  search.add_option("--filter", filters, "filter the table first; row 1 is its header (repeatable)")
-      ->type_name("COLUMN=VALUE")
-      ->check(CheckFilter)
-      ->allow_extra_args(false);
-  add_separator(search);
-  search.add_option("--sheet", arguments.sheet, "sheet of a workbook, by its name (default: the first one)")
-      ->type_name("NAME");
-  search.add_option("--print", print, "csv: visible rows; rows: their numbers; json: all about the search")
-      ->type_name("FORM")
-      ->check(CLI::IsMember(kPrint))
-      ->capture_default_str();
-
-  add_common(search);
-
-  CLI::App& profiles = *app.add_subcommand("profiles", "Settings for the tables of a name");
-  profiles.require_subcommand(1);
-  rowlark::ProfileArguments profile;
-  const auto add_profile_command = [&](const char* name, const char* description) {
-    CLI::App* const command = profiles.add_subcommand(name, description);
-    add_common(*command);
-    return command;
-  };
-  const auto add_workbook = [&profile](CLI::App& command) {
-    command.add_option("NAME", profile.workbook, "name of the file, or default for all others")
+  void AddSearch() {
+    CLI::App& search = *app_.add_subcommand("search", "Search a table and print the rows that match");
+    search_ = &search;
+    search.footer(kExamples);
+    search
+        .add_option(
+            "FILE", arguments_.file,
+            "CSV in UTF-8, UTF-16 with a mark or Windows-1252; .xlsx, .ods, .fods, XML Spreadsheet 2003")
         ->required()
         ->type_name("");
-  };
-  CLI::App& list = *add_profile_command("list", "Name, range, columns and jump column of every profile");
-  CLI::App& show = *add_profile_command("show", "Print a profile");
-  add_workbook(show);
-  CLI::App& set = *add_profile_command("set", "Change a profile, or make one");
-  add_workbook(set);
-  set.add_option("--range", profile.range, "cells to search, like A2:D500, or auto")->type_name("CELLS");
-  set.add_option("--columns", profile.columns, "columns to search, like A,C, or all")->type_name("LETTERS");
-  set.add_option("--jump", profile.jump, "column of the cell to go to, like C, or auto")->type_name("LETTER");
-  set.add_option("--jump-first-row", profile.jump_first_row, "show all rows: go to the first one")
-      ->type_name("yes|no");
-  set.add_option("--dont-save", profile.dont_save, "hidden rows do not count as changes")
-      ->type_name("yes|no");
-  CLI::App& remove = *add_profile_command("remove", "Remove a profile");
-  add_workbook(remove);
+    search.add_option("TEXT", arguments_.text, "what to look for")->required()->type_name("");
+    search
+        .add_option("--words", words_,
+                    "all: the text inside a cell; any: any of its words; cell: the whole cell")
+        ->type_name("MODE")
+        ->check(CLI::IsMember(Words()))
+        ->capture_default_str();
+    search.add_flag("--match-case", arguments_.match_case, "tell apart upper and lower case");
+    search.add_flag("--go-to", arguments_.go_to, "hide nothing, print the address of the cell found");
+    search.add_option("--range", arguments_.range, "cells to search, like A2:D500 (a filter brings its own)")
+        ->type_name("CELLS");
+    search.add_option("--columns", arguments_.columns, "columns to search, like A,C")->type_name("LETTERS");
+    search.add_option("--jump", arguments_.jump, "column of the cell to go to, like C")->type_name("LETTER");
+    search.add_option("--filter", filters_, "filter the table first; row 1 is its header (repeatable)")
+        ->type_name("COLUMN=VALUE")
+        ->check(CheckFilter)
+        ->allow_extra_args(false);
+    AddSeparator(search);
+    search
+        .add_option("--sheet", arguments_.sheet, "sheet of a workbook, by its name (default: the first one)")
+        ->type_name("NAME");
+    search
+        .add_option("--print", print_, "csv: visible rows; rows: their numbers; json: all about the search")
+        ->type_name("FORM")
+        ->check(CLI::IsMember(Forms()))
+        ->capture_default_str();
+    AddCommon(search);
+  }
 
-  CLI::App& history = *app.add_subcommand("history", "The texts searched for");
-  history.require_subcommand(1);
-  CLI::App& list_history = *history.add_subcommand("list", "Print them, the newest first");
-  add_common(list_history);
-  CLI::App& clear_history = *history.add_subcommand("clear", "Forget them");
-  add_common(clear_history);
+  void AddProfiles() {
+    CLI::App& profiles = *app_.add_subcommand("profiles", "Settings for the tables of a name");
+    profiles.require_subcommand(1);
+    AddSettings(profiles, "list", "Name, range, columns and jump column of every profile",
+                rowlark::ListProfiles);
+    AddWorkbook(AddSettings(profiles, "show", "Print a profile",
+                            [this](rowlark::Program& program, rowlark::Output& output) {
+                              return rowlark::ShowProfile(profile_.workbook, program, output);
+                            }));
+    CLI::App& set = AddSettings(profiles, "set", "Change a profile, or make one",
+                                [this](rowlark::Program& program, rowlark::Output&) {
+                                  return rowlark::SetProfile(profile_, program);
+                                });
+    AddWorkbook(set);
+    set.add_option("--range", profile_.range, "cells to search, like A2:D500, or auto")->type_name("CELLS");
+    set.add_option("--columns", profile_.columns, "columns to search, like A,C, or all")
+        ->type_name("LETTERS");
+    set.add_option("--jump", profile_.jump, "column of the cell to go to, like C, or auto")
+        ->type_name("LETTER");
+    set.add_option("--jump-first-row", profile_.jump_first_row, "show all rows: go to the first one")
+        ->type_name("yes|no");
+    set.add_option("--dont-save", profile_.dont_save, "hidden rows do not count as changes")
+        ->type_name("yes|no");
+    AddWorkbook(AddSettings(profiles, "remove", "Remove a profile",
+                            [this](rowlark::Program& program, rowlark::Output&) {
+                              return rowlark::RemoveProfile(profile_.workbook, program);
+                            }));
+  }
 
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::Success& help_or_version) {
-    return app.exit(help_or_version);
-  } catch (const CLI::ParseError& error) {
-    throw std::runtime_error(error.what());
+  void AddHistory() {
+    CLI::App& history = *app_.add_subcommand("history", "The texts searched for");
+    history.require_subcommand(1);
+    AddSettings(history, "list", "Print them, the newest first", rowlark::ListHistory);
+    AddSettings(history, "clear", "Forget them",
+                [](rowlark::Program& program, rowlark::Output&) { return rowlark::ClearHistory(program); });
   }
-  arguments.words = kWords.at(words);
-  arguments.print = kPrint.at(print);
-  if (!separator.empty()) arguments.separator = separator == "tab" ? '\t' : separator[0];
-  table.separator = arguments.separator;
-  for (const std::string& filter : filters) {
-    const std::size_t at = filter.find('=');
-    arguments.filters.push_back({filter.substr(0, at), filter.substr(at + 1)});
+
+  // A command that works on the settings, with no table.
+  CLI::App& AddSettings(CLI::App& parent, const char* name, const char* description, Settings work) {
+    CLI::App& command = *parent.add_subcommand(name, description);
+    AddCommon(command);
+    settings_.emplace_back(&command, std::move(work));
+    return command;
   }
-  if (common.config.empty() && rowlark::platform::ConfigurationFolder().empty()) {
-    std::fputs("rowlark: there is no home folder: settings are not kept\n", stderr);
+
+  void AddWorkbook(CLI::App& command) {
+    command.add_option("NAME", profile_.workbook, "name of the file, or default for all others")
+        ->required()
+        ->type_name("");
   }
-  if (app.get_subcommands().empty()) return RunTerminal(table, common);
-  rowlark::Console console;
-  rowlark::Program program(common, console.messages, console.windows, console.help);
-  rowlark::Output output(stdout);
-  int status = 0;
-  if (search.parsed()) {
-    status = rowlark::RunSearch(arguments, program, output);
-  } else {
+
+  // What takes more than the parser to read.
+  void Take() {
+    arguments_.words = Words().at(words_);
+    arguments_.print = Forms().at(print_);
+    if (!separator_.empty()) arguments_.separator = separator_ == "tab" ? '\t' : separator_[0];
+    table_.separator = arguments_.separator;
+    for (const std::string& filter : filters_) {
+      const std::size_t at = filter.find('=');
+      arguments_.filters.push_back({filter.substr(0, at), filter.substr(at + 1)});
+    }
+  }
+
+  int ChangeSettings(rowlark::Program& program, rowlark::Output& output) const {
     program.OpenWorkbook("settings");  // addresses need a sheet
-    if (list.parsed()) status = rowlark::ListProfiles(program, output);
-    if (show.parsed()) status = rowlark::ShowProfile(profile.workbook, program, output);
-    if (set.parsed()) status = rowlark::SetProfile(profile, program);
-    if (remove.parsed()) status = rowlark::RemoveProfile(profile.workbook, program);
-    if (list_history.parsed()) status = rowlark::ListHistory(program, output);
-    if (clear_history.parsed()) status = rowlark::ClearHistory(program);
-    if (!program.Save()) status = kFailed;  // a new language, if nothing else
+    int status = 0;
+    for (const auto& [command, work] : settings_) {
+      if (command->parsed()) status = work(program, output);
+    }
+    return program.Save() ? status : kFailed;  // a new language, if nothing else
   }
-  output.Flush();
-  return status;
-}
+
+  CLI::App app_;
+  CLI::App* search_ = nullptr;
+  std::vector<std::pair<CLI::App*, Settings>> settings_;
+  rowlark::ProgramArguments common_;
+  rowlark::TerminalArguments table_;
+  SearchArguments arguments_;
+  rowlark::ProfileArguments profile_;
+  std::string words_ = "all";
+  std::string print_ = "csv";
+  std::string separator_;
+  std::vector<std::string> filters_;
+};
 
 int Fail(std::string_view reason) {
   std::fprintf(stderr, "rowlark: %.*s\n", static_cast<int>(reason.size()), reason.data());
@@ -230,7 +279,7 @@ int Fail(std::string_view reason) {
 
 int main(int argc, char** argv) {
   try {
-    return Run(argc, argv);
+    return CommandLine().Run(argc, argv);
   } catch (const rowlark::host::Error& error) {
     return Fail(rowlark::ToUtf8(error.Description()));
   } catch (const std::exception& error) {
