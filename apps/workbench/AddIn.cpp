@@ -27,7 +27,7 @@ struct Macro {
 constexpr std::u16string_view kShowSearch = u"VantrelRLK_ShowSearch";
 constexpr std::u16string_view kUnhide = u"VantrelRLK_Unhide";
 
-// Those that forward to one operation without arguments.
+// The macros that forward to one operation without arguments.
 constexpr Macro kMacros[] = {
     {kShowSearch, L"ShowSearch"},          {u"VantrelRLK_ShowOptions", L"ShowOptions"},
     {u"VantrelRLK_CallHelp", L"CallHelp"}, {u"VantrelRLK_CallTechSupport", L"CallTechSupport"},

@@ -9,7 +9,7 @@
 #include <ole2.h>
 #include <shellapi.h>
 
-#include "Program.h"
+#include "Workbench.h"
 #include "automation/Variant.h"
 
 namespace rowlark::workbench {
@@ -32,12 +32,12 @@ int Run() {
   const Apartment apartment;
   const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_BAR_CLASSES | ICC_STANDARD_CLASSES};
   InitCommonControlsEx(&classes);
-  Program program;
-  for (int i = 1; i < __argc; ++i) program.OpenFile(automation::Narrow(__wargv[i]));
-  if (__argc < 2) program.OpenExample();
-  program.Update();
-  program.StartAddIn();
-  return program.Run();
+  Workbench workbench;
+  for (int i = 1; i < __argc; ++i) workbench.OpenFile(automation::Narrow(__wargv[i]));
+  if (__argc < 2) workbench.OpenExample();
+  workbench.Update();
+  workbench.StartAddIn();
+  return workbench.Run();
 }
 
 }  // namespace

@@ -8,8 +8,8 @@
 #include <commctrl.h>
 
 #include "FilterMenu.h"
-#include "Program.h"
 #include "Resources.h"
+#include "Workbench.h"
 #include "Workbooks.h"
 #include "automation/Variant.h"
 #include "controls/Keys.h"
@@ -70,7 +70,7 @@ void SetText(HWND window, const std::u16string& text) {
 
 }  // namespace
 
-WorkbookWindow::WorkbookWindow(Program& program) : program_(program) {
+WorkbookWindow::WorkbookWindow(Workbench& workbench) : workbench_(workbench) {
   WNDCLASSEXW window_class{};
   window_class.lpszClassName = L"XLMAIN";
   window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
@@ -123,8 +123,8 @@ void WorkbookWindow::MakeChildren() {
                                           ShowFilterMenu(Hwnd(), *Sheet(), column, where);
                                           Refresh();
                                         },
-                                    .frozen = [this] { return !program_.Application().ScreenUpdating(); }});
-  menu_ = std::make_unique<MenuBar>(Hwnd(), program_.Application());
+                                    .frozen = [this] { return !workbench_.Application().ScreenUpdating(); }});
+  menu_ = std::make_unique<MenuBar>(Hwnd(), workbench_.Application());
   UseSystemFont();
 }
 
@@ -167,9 +167,9 @@ void WorkbookWindow::TellPlace() const {
   const HDC screen = GetDC(nullptr);
   const double points = 72.0 / GetDeviceCaps(screen, LOGPIXELSX);
   ReleaseDC(nullptr, screen);
-  program_.Application().SetWindow({reinterpret_cast<intptr_t>(Hwnd()), points * place.left,
-                                    points * place.top, points * (place.right - place.left),
-                                    points * (place.bottom - place.top)});
+  workbench_.Application().SetWindow({reinterpret_cast<intptr_t>(Hwnd()), points * place.left,
+                                      points * place.top, points * (place.right - place.left),
+                                      points * (place.bottom - place.top)});
 }
 
 standalone::Worksheet* WorkbookWindow::Sheet() const {
@@ -242,18 +242,18 @@ void WorkbookWindow::RefreshTitle() {
 
 void WorkbookWindow::Execute(UINT command) {
   auto* sheet = Sheet();
-  auto& application = program_.Application();
+  auto& application = workbench_.Application();
   switch (static_cast<Command>(command)) {
     case Command::FileNew:
       NewWorkbook(application);
       break;
     case Command::FileOpen:
-      program_.ChooseFile(Hwnd());
+      workbench_.ChooseFile(Hwnd());
       break;
     case Command::FileClose:
-      return program_.CloseWorkbook(*this);
+      return workbench_.CloseWorkbook(*this);
     case Command::FileExit:
-      return program_.Exit();
+      return workbench_.Exit();
     case Command::ViewProtected:
       if (sheet == nullptr) return;
       sheet->Protect({.contents = !sheet->ProtectScenarios(), .scenarios = !sheet->ProtectScenarios()});
@@ -270,12 +270,12 @@ void WorkbookWindow::Execute(UINT command) {
       break;
     default:
       if (const auto macro = menu_->Macro(command); !macro.empty()) {
-        program_.RunMacro(macro);
+        workbench_.RunMacro(macro);
       } else if (const auto chosen = FindWorkbook(application, menu_->WorkbookName(command))) {
         application.Activate(chosen);
       }
   }
-  program_.Update();
+  workbench_.Update();
 }
 
 bool WorkbookWindow::KeyPressed(int32_t key) {
@@ -283,7 +283,7 @@ bool WorkbookWindow::KeyPressed(int32_t key) {
   const int32_t held = HeldModifiers();
   const auto pressed = CaptureHotKey(key, held).code;
   std::u16string macro;
-  for (const auto& [code, name] : program_.Application().Keys()) {
+  for (const auto& [code, name] : workbench_.Application().Keys()) {
     if (SameKeys(code, pressed)) macro = name;
   }
   const auto shortcut = std::ranges::find_if(
@@ -295,7 +295,7 @@ bool WorkbookWindow::KeyPressed(int32_t key) {
   if (macro.empty()) {
     Execute(static_cast<UINT>(shortcut->command));
   } else {
-    program_.RunMacro(macro);
+    workbench_.RunMacro(macro);
   }
   return true;
 }
@@ -333,14 +333,14 @@ LRESULT CALLBACK WorkbookWindow::FieldProcedure(HWND field, UINT message, WPARAM
     if (message == WM_KEYDOWN && self->FieldKey(field, wparam)) return 0;
   } catch (...) {
     ReportFailure(field);
-    self->program_.Changed();
+    self->workbench_.Changed();
     return 0;
   }
   // Enter and Escape would sound the system's warning.
   if (message == WM_CHAR && (wparam == VK_RETURN || wparam == VK_ESCAPE)) return 0;
   const LRESULT result = DefSubclassProc(field, message, wparam, lparam);
   if (message == WM_SETFOCUS) SendMessageW(field, EM_SETSEL, 0, -1);
-  if (message == WM_KILLFOCUS) self->program_.Changed();
+  if (message == WM_KILLFOCUS) self->workbench_.Changed();
   return result;
 }
 
@@ -350,14 +350,14 @@ bool WorkbookWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESU
       MakeChildren();
       return true;
     case WM_ACTIVATE:
-      if (LOWORD(wparam) != WA_INACTIVE) program_.Activated(*this);
+      if (LOWORD(wparam) != WA_INACTIVE) workbench_.Activated(*this);
       return false;
     case WM_SIZE:
       if (wparam != SIZE_MINIMIZED) Layout();
-      if (program_.IsActive(*this)) TellPlace();
+      if (workbench_.IsActive(*this)) TellPlace();
       return true;
     case WM_MOVE:
-      if (program_.IsActive(*this)) TellPlace();
+      if (workbench_.IsActive(*this)) TellPlace();
       return true;
     case WM_SETFOCUS:
       SetFocus(grid_->Hwnd());
@@ -368,7 +368,7 @@ bool WorkbookWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESU
       Refresh();
       return false;
     case kUpdate:
-      program_.FollowChanges();
+      workbench_.FollowChanges();
       return true;
     case WM_INITMENUPOPUP:
       if (const auto* sheet = Sheet()) {
@@ -383,7 +383,7 @@ bool WorkbookWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESU
       result = SendMessageW(grid_->Hwnd(), message, wparam, lparam);
       return true;
     case WM_CLOSE:
-      program_.CloseWindow(*this);
+      workbench_.CloseWindow(*this);
       return true;
     default:
       return false;

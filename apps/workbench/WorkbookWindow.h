@@ -13,12 +13,12 @@
 
 namespace rowlark::workbench {
 
-class Program;
+class Workbench;
 
 class WorkbookWindow final : public Window {
  public:
   // The program outlives the window. Throws std::runtime_error.
-  explicit WorkbookWindow(Program& program);
+  explicit WorkbookWindow(Workbench& workbench);
 
   // The workbook that it shows; null: it is empty.
   const Ref<standalone::Workbook>& Book() const { return book_; }
@@ -54,7 +54,7 @@ class WorkbookWindow final : public Window {
   // Enter and Escape in the name box or the value field; true when the key was used.
   bool FieldKey(HWND field, WPARAM key);
 
-  Program& program_;
+  Workbench& workbench_;
   Ref<standalone::Workbook> book_;
   std::unique_ptr<MenuBar> menu_;
   std::unique_ptr<GridWindow> grid_;

@@ -19,7 +19,7 @@ namespace rowlark::workbench {
 Ref<standalone::Workbook> OpenWorkbook(standalone::Application& application, std::u16string_view file,
                                        std::optional<char> separator = std::nullopt, bool read_only = false);
 
-// The same for what has been read already, under a name of its own.
+// Opens what has been read already, under a name of its own.
 Ref<standalone::Workbook> AddWorkbook(standalone::Application& application, CsvFile& file,
                                       std::u16string_view full_name, bool read_only = false);
 

@@ -42,7 +42,7 @@ class CsvFile {
   // tab. Throws std::runtime_error("path: reason") when there is no readable text.
   static CsvFile Open(const std::filesystem::path& path, std::optional<char> separator = std::nullopt);
 
-  // The same for bytes at hand.
+  // As Open, for bytes at hand.
   static CsvFile Parse(const std::string& bytes, std::optional<char> separator = std::nullopt);
 
   // Hands the rows of one piece of the file (about a millisecond's work) to `sink`, in order. Throws

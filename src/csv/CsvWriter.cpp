@@ -158,7 +158,7 @@ void CsvRewriter::PutRaw(string_view part, bool is_end) {
   if (cut) writer_.RawByte(*cut);
 }
 
-// Those up to the next one that was changed, or as many as make a piece.
+// Copies the records up to the next one with an edited cell, or as many as make a piece.
 void CsvRewriter::CopyRecords() {
   const auto edit = edits_.lower_bound(row_);
   const std::size_t stop = edit == edits_.end() ? file_.RowCount() : std::min(edit->first, file_.RowCount());
@@ -167,7 +167,7 @@ void CsvRewriter::CopyRecords() {
   Copy(start, file_.RecordStart(row_));
 }
 
-// The records that were never handed out.
+// Copies a piece of the records behind those that were handed out.
 void CsvRewriter::CopyRest() {
   const std::size_t end = TextEnd();
   const std::size_t start = rest_;

@@ -20,7 +20,7 @@ struct CsvFormat {
   bool mark = true;  // begins with a byte order mark
 };
 
-// That of a file that was read; `as_utf8`: but in UTF-8 with a mark.
+// The format of a file that was read; `as_utf8`: but in UTF-8 with a mark.
 CsvFormat FormatOf(CsvFile& file, bool as_utf8);
 
 // A text that can not stand in a text file.

@@ -32,7 +32,7 @@ bool RecordReader::Next(std::vector<string_view>& cells, std::vector<string_view
   return false;
 }
 
-// Up to the next separator or line end.
+// The text up to the next separator or line end.
 string_view RecordReader::PlainText() {
   const char* const start = at_;
   at_ = FindDelimiter(at_);

@@ -24,7 +24,7 @@ class TextReader {
 
   // Opens the file and reads its first piece. Throws std::runtime_error("path: reason").
   explicit TextReader(const std::filesystem::path& path);
-  // The same for bytes at hand.
+  // As with a file, for bytes at hand.
   explicit TextReader(const std::string& bytes);
 
   // What has been read and not been dropped: the bytes as they are in the file, but UTF-16 as UTF-8. Reading

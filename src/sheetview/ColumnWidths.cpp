@@ -20,7 +20,7 @@ void ColumnWidths::Include(int32_t row, int32_t first_column, int32_t last_colum
   }
 }
 
-// Of some columns at once, since a row is read from its first cell on.
+// Measures some columns at once, since a row is read from its first cell on.
 void ColumnWidths::MeasureFirstRows(int32_t column, int32_t head) {
   constexpr int32_t kRows = 300;
   constexpr int32_t kColumns = 32;

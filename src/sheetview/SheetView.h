@@ -13,7 +13,7 @@
 
 namespace rowlark::sheetview {
 
-// In the screen's unit.
+// What a screen needs for rows and columns, in its unit.
 struct Metrics {
   int32_t row_height = 1;
   int32_t digit_width = 1;
@@ -98,7 +98,7 @@ class SheetView {
 
  private:
   bool IsTable() const { return extent_ == Extent::Table; }
-  // Those that scroll.
+  // The cells that scroll.
   standalone::Rect Body() const;
   void FillPage();
 

@@ -181,7 +181,7 @@ bool Document::Save(const SaveOptions& options, const Progress& progress) {
   if (!is_own && !options.overwrite && std::filesystem::exists(path, missing)) {
     throw SaveRefused(SaveRefused::Reason::FileExists, path.string() + ": The file exists");
   }
-  // From then on the places of the records are not those of the file that is open.
+  // Once the file has changed, the places of its records are not those that were read.
   keeps_records_ = keeps_records_ && !changed;
 
   standalone::Worksheet& sheet = ActiveSheet();

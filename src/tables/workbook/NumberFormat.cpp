@@ -40,7 +40,7 @@ struct Token {
   std::string text;
 };
 
-// Nothing where the format is beyond this.
+// The pieces of a format; nothing where it has any that are not shown (fractions, conditions).
 std::optional<std::vector<Token>> Split(string_view code) {
   using enum Token::Kind;
   std::vector<Token> tokens;

@@ -14,12 +14,12 @@
 
 namespace rowlark::workbench {
 
-class Program {
+class Workbench {
  public:
-  Program();
-  Program(const Program&) = delete;
-  Program& operator=(const Program&) = delete;
-  ~Program();
+  Workbench();
+  Workbench(const Workbench&) = delete;
+  Workbench& operator=(const Workbench&) = delete;
+  ~Workbench();
 
   // Failures are shown to the user.
   void OpenFile(std::u16string_view path) noexcept;
@@ -31,7 +31,7 @@ class Program {
 
   // Asks for an update behind the messages that wait; any number of calls makes one.
   void Changed();
-  // That update, unless the screen is to stay as it is.
+  // Makes the update that was posted, unless the screen is to stay as it is.
   void FollowChanges();
   // Gives each workbook a window, lets go the windows of closed ones (without any workbook one window stays,
   // empty), brings the window of the active workbook to the front, and refreshes all. Throws
@@ -46,7 +46,7 @@ class Program {
   void ChooseFile(HWND owner);
   // Closes the window with its workbook; the last window stays, empty.
   void CloseWorkbook(WorkbookWindow& window);
-  // The same, but with the last window the program ends.
+  // Closes the window and its workbook; with the last window the program ends.
   void CloseWindow(WorkbookWindow& window);
   void Exit();
 

@@ -1,4 +1,4 @@
-#include "Program.h"
+#include "Workbench.h"
 
 #include <algorithm>
 #include <functional>
@@ -37,22 +37,22 @@ bool IsAlive(const std::unique_ptr<WorkbookWindow>& window) { return window->Hwn
 
 }  // namespace
 
-Program::Program()
+Workbench::Workbench()
     : automation_(ExposeApplication(application_, nullptr, [this] { Changed(); })), add_in_(automation_) {
   RegisterActiveObject(automation_.get(), kApplicationClass, ACTIVEOBJECT_STRONG, &registration_);
 }
 
-Program::~Program() {
+Workbench::~Workbench() {
   if (registration_ != 0) RevokeActiveObject(registration_, nullptr);
 }
 
-void Program::OpenFile(std::u16string_view path) noexcept try {
+void Workbench::OpenFile(std::u16string_view path) noexcept try {
   OpenWorkbook(*application_, path);
 } catch (...) {
   ReportFailure(nullptr);
 }
 
-void Program::OpenExample() noexcept try {
+void Workbench::OpenExample() noexcept try {
   const HRSRC found = FindResourceW(nullptr, MAKEINTRESOURCEW(kExampleTable), RT_RCDATA);
   const auto* bytes = static_cast<const char*>(LockResource(LoadResource(nullptr, found)));
   auto table = CsvFile::Parse(std::string(bytes, SizeofResource(nullptr, found)));
@@ -61,11 +61,11 @@ void Program::OpenExample() noexcept try {
   ReportFailure(nullptr);
 }
 
-void Program::StartAddIn() noexcept try { add_in_.Open(); } catch (...) {
+void Workbench::StartAddIn() noexcept try { add_in_.Open(); } catch (...) {
   ReportFailure(active_->Hwnd());
 }
 
-int Program::Run() {
+int Workbench::Run() {
   MSG message;
   while (GetMessageW(&message, nullptr, 0, 0) > 0) {
     TranslateMessage(&message);
@@ -75,18 +75,18 @@ int Program::Run() {
   return static_cast<int>(message.wParam);
 }
 
-void Program::Changed() {
+void Workbench::Changed() {
   if (ended_ || update_pending_ || !application_->ScreenUpdating()) return;
   const auto window = std::ranges::find_if(windows_, IsAlive);
   update_pending_ = window != windows_.end() && (*window)->PostUpdate();
 }
 
-void Program::FollowChanges() {
+void Workbench::FollowChanges() {
   update_pending_ = false;
   if (application_->ScreenUpdating()) Update();
 }
 
-void Program::Update() {
+void Workbench::Update() {
   if (ended_) return;
   Arrange();
   update_pending_ = false;  // also of a message that went with its window
@@ -100,7 +100,7 @@ void Program::Update() {
   for (const auto& window : windows_) window->Refresh();
 }
 
-void Program::Arrange() {
+void Workbench::Arrange() {
   const Raise arranging(arranging_);
   const auto books = application_->Workbooks();
   for (const auto& window : windows_) {
@@ -123,14 +123,14 @@ void Program::Arrange() {
   }
 }
 
-void Program::Activated(WorkbookWindow& window) {
+void Workbench::Activated(WorkbookWindow& window) {
   if (arranging_) return;
   active_ = &window;
   if (IsOpen(window.Book())) application_->Activate(window.Book());
   window.TellPlace();
 }
 
-void Program::ChooseFile(HWND owner) {
+void Workbench::ChooseFile(HWND owner) {
   std::wstring path(32768, L'\0');
   OPENFILENAMEW dialog{};
   dialog.lStructSize = sizeof dialog;
@@ -149,7 +149,7 @@ void Program::ChooseFile(HWND owner) {
 }
 
 // A form of the window closes with it, and is to find its own workbook active.
-void Program::CloseWorkbook(WorkbookWindow& window) {
+void Workbench::CloseWorkbook(WorkbookWindow& window) {
   const Ref<standalone::Workbook> book = window.Book();
   if (IsOpen(book)) {
     application_->Activate(book);
@@ -162,7 +162,7 @@ void Program::CloseWorkbook(WorkbookWindow& window) {
   Update();
 }
 
-void Program::CloseWindow(WorkbookWindow& window) {
+void Workbench::CloseWindow(WorkbookWindow& window) {
   if (WindowCount() > 1) {
     CloseWorkbook(window);
   } else {
@@ -170,7 +170,7 @@ void Program::CloseWindow(WorkbookWindow& window) {
   }
 }
 
-void Program::Exit() {
+void Workbench::Exit() {
   add_in_.Close();
   ended_ = true;
   const Raise arranging(arranging_);
@@ -178,16 +178,16 @@ void Program::Exit() {
   PostQuitMessage(0);
 }
 
-bool Program::IsOpen(const Ref<standalone::Workbook>& book) const {
+bool Workbench::IsOpen(const Ref<standalone::Workbook>& book) const {
   const auto& books = application_->Workbooks();
   return std::ranges::find(books, book) != books.end();
 }
 
-std::size_t Program::WindowCount() const {
+std::size_t Workbench::WindowCount() const {
   return static_cast<std::size_t>(std::ranges::count_if(windows_, IsAlive));
 }
 
-WorkbookWindow* Program::WindowOf(const standalone::Workbook* book) const {
+WorkbookWindow* Workbench::WindowOf(const standalone::Workbook* book) const {
   const auto found = std::ranges::find_if(
       windows_, [book](const auto& window) { return IsAlive(window) && window->Book().get() == book; });
   return found == windows_.end() ? nullptr : found->get();
