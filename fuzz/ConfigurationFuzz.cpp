@@ -5,6 +5,7 @@
 
 #include "host/standalone/Headless.h"
 #include "settings/clsVTRLKItems.h"
+#include "util/Utf.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   rowlark::standalone::Headless none;
