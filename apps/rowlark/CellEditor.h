@@ -37,7 +37,7 @@ class CellEditor final : public controls::Form {
       box_.SetFocus();
       box_.SetCaret(box_.End());
     };
-    SetLayout(controls::Layout::Column({controls::Layout(box_, {280, 12})}));
+    SetLayout(controls::Layout::Column({controls::Layout(box_, {70})}));
   }
 
   // False where there are no windows.

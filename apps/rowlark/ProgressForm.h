@@ -19,7 +19,7 @@ class ProgressForm final : public controls::Form {
     stop_.Click = [this] { Unload(); };
     Activate = [this] { stop_.SetFocus(); };
     using controls::Layout;
-    SetLayout(Layout::Column({Layout(text_, {200, 8}), Layout::Row({Layout().Wide(), stop_})}));
+    SetLayout(Layout::Column({Layout(text_, {50}), Layout::Row({Layout().Wide(), stop_})}));
   }
 
   void Open(host::WindowSystem& windows, std::u16string_view text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 
 #include "controls/Control.h"
@@ -15,6 +16,15 @@ class Button final : public Control {
   // Where the screen has pictures, the name of one that it shows in place of its caption; its tool tip then
   // tells what it is to those who do not see it.
   std::u16string Picture;
+
+  Size Needs(const Ruler& ruler, Extent) const override {
+    const auto& metrics = ruler.metrics;
+    if (!Picture.empty() && metrics.picture_button != Size{}) return metrics.picture_button;
+    const Size text = ruler.TextSize(PlainCaption(Caption()));
+    const int32_t least = Picture.empty() ? metrics.least_button : 0;
+    return {std::max(least, text.width + metrics.button_edges.width),
+            text.height + metrics.button_edges.height};
+  }
 };
 
 }  // namespace rowlark::controls

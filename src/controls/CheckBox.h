@@ -20,6 +20,12 @@ class CheckBox final : public Control {
     });
   }
 
+  Size Needs(const Ruler& ruler, Extent) const override {
+    const Size text = ruler.TextSize(PlainCaption(Caption()));
+    const Size& edges = ruler.metrics.mark_edges;
+    return {text.width + edges.width, text.height + edges.height};
+  }
+
  private:
   bool value_ = false;
 };

@@ -57,6 +57,8 @@ bool Control::Shown() const { return visible_ && (Container == nullptr || Contai
 
 bool Control::Focusable() const { return TabStop && enabled_ && Shown() && TakesFocus(); }
 
+Size Control::Needs(const Ruler&, Extent) const { return {}; }
+
 void Control::SetFocus() {
   const bool moved = form_->active_control_ != this;
   form_->active_control_ = this;

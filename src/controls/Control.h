@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "controls/Keys.h"
+#include "controls/Metrics.h"
 #include "controls/Slot.h"
 #include "controls/View.h"
 
@@ -27,6 +28,14 @@ enum class ControlKind {
   Timer,
   ToolBar,
   TreeView,
+};
+
+// What a control takes where controls follow one another as words do.
+enum class Room {
+  Word,          // its own width
+  Rest,          // what is left of the line
+  LineOfItsOwn,  // its own width, at the beginning of a line
+  Lines,         // lines with nothing else
 };
 
 // A caption without the "&" that marks its accelerator ("&&" stands for itself), and the marked character in
@@ -51,7 +60,7 @@ class Control {
   const std::u16string& ToolTip() const { return tool_tip_; }
   void SetToolTip(std::u16string_view text) { Set(tool_tip_, text, Property::ToolTip); }
   bool Enabled() const { return enabled_; }
-  void SetEnabled(bool enabled) { Set(enabled_, enabled, Property::Enabled); }
+  virtual void SetEnabled(bool enabled) { Set(enabled_, enabled, Property::Enabled); }
   bool Visible() const { return visible_; }
   void SetVisible(bool visible);
   std::u16string Tag;  // the form's own remark
@@ -64,11 +73,15 @@ class Control {
   void SetFocus();
 
   // Set by the form's layout: the frame around the control, its place in the tab order, which of the form's
-  // lines of text it stands in, and where it stands in the form's inner area (dialog units).
+  // lines of text it stands in, and where it stands in the form's inner area, in the unit of its screen.
   Control* Container = nullptr;
   int32_t TabIndex = 0;
   int32_t Line = 0;
   Rect Bounds;
+
+  // How large it must be for its text, with at least that room for it; and what it takes of a line.
+  virtual Size Needs(const Ruler& ruler, Extent least) const;
+  virtual Room RoomInLine() const { return Room::Word; }
 
   Slot<> Click;
   Slot<> GotFocus;

@@ -6,9 +6,11 @@
 namespace rowlark::controls {
 namespace {
 
-constexpr int32_t kMargin = 7;
+constexpr Metrics kDialogUnits;
 
 }  // namespace
+
+const Metrics& View::MetricsOf(const Form&) const noexcept { return kDialogUnits; }
 
 void Form::SetLayout(Layout layout) {
   layout_ = std::move(layout);
@@ -46,11 +48,25 @@ void Form::Move(int32_t left, int32_t top) {
 Size Form::WindowSize() const { return view_ != nullptr ? view_->WindowSize(client_) : Size{}; }
 
 void Form::Arrange() {
-  const Size content = layout_.Measure(view_);
-  least_ = {content.width + 2 * kMargin, content.height + 2 * kMargin};
+  const Metrics& metrics = view_ != nullptr ? view_->MetricsOf(*this) : kDialogUnits;
+  const Ruler ruler{metrics, view_};
+  Size margin = metrics.margin;
+  Size content = layout_.Fit(ruler, metrics.widest - 2 * margin.width);
+  if (layout_.Folded()) {
+    margin = metrics.folded_margin;
+    content = layout_.Fit(ruler, metrics.widest - 2 * margin.width);
+  }
+  least_ = {content.width + 2 * margin.width, content.height + 2 * margin.height};
   client_ = {std::max(least_.width, wanted_.width), std::max(least_.height, wanted_.height)};
-  layout_.Place({kMargin, kMargin, client_.width - 2 * kMargin, client_.height - 2 * kMargin});
+  layout_.Place(metrics, {margin.width, margin.height, client_.width - 2 * margin.width,
+                          client_.height - 2 * margin.height});
   Notify(Property::Layout);
+}
+
+std::vector<Control*> Form::InTabOrder() const {
+  auto controls = controls_;
+  std::ranges::stable_sort(controls, {}, &Control::TabIndex);
+  return controls;
 }
 
 void Form::UserActivated() {

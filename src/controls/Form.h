@@ -15,6 +15,7 @@ namespace rowlark::controls {
 class Form : public Control, public RefCounted {
  public:
   const std::vector<Control*>& Controls() const { return controls_; }
+  std::vector<Control*> InTabOrder() const;
   // The one that has the focus; null before any had it.
   Control* ActiveControl() const { return active_control_; }
 
@@ -42,7 +43,7 @@ class Form : public Control, public RefCounted {
   bool Topmost() const { return topmost_; }
   void SetTopmost(bool topmost) { Set(topmost_, topmost, Property::Topmost); }
 
-  // Size of the area with the controls, in dialog units, and what they need of it at least.
+  // Size of the area with the controls, in the unit of its screen, and what they need of it at least.
   Size ClientSize() const { return client_; }
   Size LeastClientSize() const { return least_; }
   // The user may give the form a larger size than it needs. Set before it is loaded.

@@ -13,6 +13,13 @@ class Image final : public Control {
       : Control(form, ControlKind::Image, name), Picture(picture) {}
 
   const std::u16string Picture;
+  bool Large = false;
+  bool Alert = false;   // something is wrong
+  std::u16string Sign;  // what a screen without pictures shows instead
+
+  Size Needs(const Ruler& ruler, Extent) const override {
+    return Large ? ruler.metrics.large_picture : ruler.metrics.picture;
+  }
 
  private:
   bool TakesFocus() const override { return false; }

@@ -13,14 +13,8 @@
 namespace rowlark::controls {
 namespace {
 
-std::vector<Control*> InTabOrder(const Form& form) {
-  auto controls = form.Controls();
-  std::ranges::sort(controls, {}, &Control::TabIndex);
-  return controls;
-}
-
 void MoveFocus(Form& form, bool back) {
-  auto controls = InTabOrder(form);
+  auto controls = form.InTabOrder();
   if (back) std::ranges::reverse(controls);
   const auto current = std::ranges::find(controls, form.ActiveControl());
   if (current != controls.end()) std::rotate(controls.begin(), current + 1, controls.end());
@@ -38,7 +32,7 @@ void ClickIfAny(Form& form, bool Button::*role) {
 // Buttons and boxes are clicked; the accelerator of anything else belongs to what stands behind it.
 bool PressAccelerator(Form& form, int32_t key) {
   bool found = false;
-  for (Control* control : InTabOrder(form)) {
+  for (Control* control : form.InTabOrder()) {
     if (found && control->Focusable()) {
       control->UserFocused();
       return true;

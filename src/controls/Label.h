@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 #include "controls/Control.h"
 
 namespace rowlark::controls {
@@ -11,6 +13,14 @@ class Label final : public Control {
   Label(Form& form, std::u16string_view name) : Control(form, ControlKind::Label, name) {}
 
   bool Link = false;  // shown as something to click
+
+  Size Needs(const Ruler& ruler, Extent least) const override {
+    const Size text = ruler.TextSize(PlainCaption(Caption()));
+    const Size& edges = ruler.metrics.label_edges;
+    return {std::max(least.characters * ruler.metrics.character, text.width + edges.width),
+            text.height + edges.height};
+  }
+  Room RoomInLine() const override { return Room::LineOfItsOwn; }
 
  private:
   bool TakesFocus() const override { return Link; }

@@ -53,6 +53,11 @@ class ListView final : public Control {
     return selected_ < 0 ? nullptr : &items_[static_cast<std::size_t>(selected_)];
   }
 
+  Size Needs(const Ruler& ruler, Extent least) const override {
+    return {least.characters * ruler.metrics.character, least.lines * ruler.metrics.entry};
+  }
+  Room RoomInLine() const override { return Room::Lines; }
+
   Slot<> ItemClick;
 
   void UserPicked(int32_t index) {

@@ -14,6 +14,12 @@ class OptionButton final : public Control {
   void SetValue(bool selected);
   void UserClicked() override;
 
+  Size Needs(const Ruler& ruler, Extent) const override {
+    const Size text = ruler.TextSize(PlainCaption(Caption()));
+    const Size& edges = ruler.metrics.mark_edges;
+    return {text.width + edges.width, text.height + edges.height};
+  }
+
  private:
   bool value_ = false;
 };

@@ -1,6 +1,16 @@
 #include "controls/TextInput.h"
 
+#include <algorithm>
+
 namespace rowlark::controls {
+
+Size TextInput::Needs(const Ruler& ruler, Extent least) const {
+  constexpr int32_t kLeast = 10;  // characters
+  const auto& metrics = ruler.metrics;
+  return {std::max(least.characters > 0 ? least.characters : kLeast, 1) * metrics.character +
+              metrics.box_edges.width,
+          least.lines * metrics.line + metrics.box_edges.height};
+}
 
 void TextInput::SetText(std::u16string_view text) {
   if (text == text_) return;

@@ -29,6 +29,9 @@ class TextInput : public Control {
 
   bool ReadOnly = false;
 
+  Size Needs(const Ruler& ruler, Extent least) const override;
+  Room RoomInLine() const override { return Room::Rest; }
+
   Slot<> Change;
 
   // The user has edited the text, or moved the selection.

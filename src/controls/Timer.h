@@ -9,11 +9,13 @@ namespace rowlark::controls {
 // Ticks every so many milliseconds while it is enabled; enabling it begins a new interval.
 class Timer final : public Control {
  public:
-  Timer(Form& form, std::u16string_view name) : Control(form, ControlKind::Timer, name) { SetEnabled(false); }
+  Timer(Form& form, std::u16string_view name) : Control(form, ControlKind::Timer, name) {
+    Timer::SetEnabled(false);
+  }
 
   int32_t Interval() const { return interval_; }
   void SetInterval(int32_t milliseconds) { interval_ = milliseconds; }
-  void SetEnabled(bool enabled) {
+  void SetEnabled(bool enabled) override {
     Control::SetEnabled(enabled);
     Notify(Property::Timer);
   }

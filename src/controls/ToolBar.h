@@ -24,6 +24,15 @@ class ToolBar final : public Control {
     Notify(Property::List);
   }
 
+  Size Needs(const Ruler& ruler, Extent) const override {
+    Size size{0, ruler.metrics.line + ruler.metrics.tool_edges.height};
+    for (const auto& button : buttons_) {
+      size.width += ruler.TextWidth(button.caption) + ruler.metrics.tool_edges.width;
+    }
+    return size;
+  }
+  Room RoomInLine() const override { return Room::LineOfItsOwn; }
+
   Slot<std::u16string_view> ButtonClick;  // with the button's key
 
   void UserPressed(std::u16string_view key) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -36,6 +37,16 @@ class TreeView final : public Control {
     Set(selected_, index, Property::ListIndex);
     NodeClick.Raise(nodes_[static_cast<std::size_t>(index)]);
   }
+
+  Size Needs(const Ruler& ruler, Extent least) const override {
+    Size size{least.characters * ruler.metrics.character,
+              static_cast<int32_t>(nodes_.size()) * ruler.metrics.entry};
+    for (const auto& node : nodes_) {
+      size.width = std::max(size.width, ruler.TextWidth(node.text) + ruler.metrics.tree_edges.width);
+    }
+    return size;
+  }
+  Room RoomInLine() const override { return Room::Lines; }
 
   Slot<const Node&> NodeClick;
 

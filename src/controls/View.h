@@ -8,6 +8,7 @@ namespace rowlark::controls {
 
 class Control;
 class Form;
+struct Metrics;
 
 struct Size {
   int32_t width = 0;
@@ -51,10 +52,13 @@ class View {
   // The form is being unloaded: its window goes, and nothing of it may be reported any more.
   virtual void Released(Form& form) noexcept = 0;
 
-  // Width of a line of text in the forms' font, in horizontal dialog units.
+  // The unit of bounds is the screen's own: a dialog unit, unless its metrics say otherwise.
+  virtual const Metrics& MetricsOf(const Form& form) const noexcept;
+
+  // Width of a line of text in the forms' font.
   virtual int32_t TextWidth(std::u16string_view text) const noexcept = 0;
 
-  // Outer size, in twips, of a window whose inner area has that size in dialog units.
+  // Outer size, in twips, of a window whose inner area has that size.
   virtual Size WindowSize(Size client) const noexcept = 0;
 };
 

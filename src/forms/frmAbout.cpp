@@ -28,6 +28,7 @@ frmAbout::frmAbout(SharedState& shared) : BaseForm(shared, u"frmAbout") {
     if (character == controls::kKeyReturn || character == controls::kKeyEscape) character = 0;
   };
   Click = [this] { Unload(); };
+  imgProduct.Large = true;
   lblWWW.Link = lblEMail.Link = lblCopyrightMore.Link = true;
   lblWWW.SetCaption(kProductWebSite);
   lblEMail.SetCaption(kProductMail);
@@ -42,7 +43,7 @@ frmAbout::frmAbout(SharedState& shared) : BaseForm(shared, u"frmAbout") {
     lblCopyrightMore.SetCaption(kCredits);
     Arrange();
   };
-  SetLayout(Layout::Row({Layout::Column({Layout(imgProduct, {32, 30}), Layout().High()}),
+  SetLayout(Layout::Row({Layout::Column({imgProduct, Layout().High()}),
                          Layout::Column({lblCaption1, lblCaption2, lblVersion, lblWWW, lblEMail,
                                          Layout(lblCopyrightMore).WhileVisible()})})
                 .Apart());

@@ -34,8 +34,8 @@ frmEdit::frmEdit(SharedState& shared) : BaseForm(shared, u"frmEdit") {
     Follow();
     box0.SetFocus();
   };
-  SetLayout(Layout::Column({Layout::Stack({lblBack, Layout(lblActiveCell, {60, 8})}),
-                            Layout(box0, {200, 30}).High(), Layout::Row({Layout().Wide(), btnOK, btnClose})})
+  SetLayout(Layout::Column({Layout::Stack({lblBack, Layout(lblActiveCell, {15})}),
+                            Layout(box0, {50, 3}).High(), Layout::Row({Layout().Wide(), btnOK, btnClose})})
                 .Apart());
 }
 

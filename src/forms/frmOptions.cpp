@@ -31,36 +31,33 @@ frmOptions::frmOptions(SharedState& shared) : BaseForm(shared, u"frmOptions") {
     return Layout::Stack({box, automatic}).Wide();
   };
   const auto language = Layout::Framed(
-      fra0_Lang, Layout::Column({Layout::Row({lbl0_LangFileCaption, Layout(cbo0_LangFile, {130, 14}).Wide()}),
-                                 lbl0_LangInfoCaption, Layout(box0_LangInfo, {170, 36}).High()}));
+      fra0_Lang, Layout::Column({Layout::Row({lbl0_LangFileCaption, Layout(cbo0_LangFile, {32}).Wide()}),
+                                 lbl0_LangInfoCaption, Layout(box0_LangInfo, {42, 4}).High()}));
   const auto common = Layout::Framed(
       fra0, Layout::Column({chk0_UnhideOnEsc, chk0_AutoDetectText,
                             Layout::Row({Layout(chk0_RecentsUse).Wide(), btnRecentClear}),
                             Layout(chk0_RecentsTemp).Indented(),
-                            Layout::Row({lbl0_RecentItemsCap, Layout(box0_RecentItems, {24, 14})}).Indented(),
+                            Layout::Row({lbl0_RecentItemsCap, Layout(box0_RecentItems, {6})}).Indented(),
                             Layout(language).High()}));
-  constexpr controls::Size kPickButton{15, 14};
   const auto books = Layout::Framed(
-      fra1,
-      Layout::Column(
-          {tbr1_0, Layout(lvw0, {180, 50}).High(),
-           Layout::Grid(3, {lbl1_Range, field(box1_Range, box1_RangeAuto), Layout(btn1_SelRange, kPickButton),
-                            lbl1_SearchCols, field(box1_SearchCols, box1_SearchColsAuto),
-                            Layout(btn1_SelSearchCols, kPickButton), lbl1_Col, field(box1_Col, box1_ColAuto),
-                            Layout(btn1_SelCol, kPickButton)}),
-           chk1_JumpFirstRow, chk1_DontSaveChanges}));
+      fra1, Layout::Column(
+                {tbr1_0, Layout(lvw0, {45, 4}).High(),
+                 Layout::Grid(3, {lbl1_Range, field(box1_Range, box1_RangeAuto), btn1_SelRange,
+                                  lbl1_SearchCols, field(box1_SearchCols, box1_SearchColsAuto),
+                                  btn1_SelSearchCols, lbl1_Col, field(box1_Col, box1_ColAuto), btn1_SelCol}),
+                 chk1_JumpFirstRow, chk1_DontSaveChanges}));
   const auto keyboard = Layout::Framed(
-      fra3, Layout::Column({Layout::Framed(fra0_Keyboard, Layout::Grid(2, {chk0_HotKeySearch,
-                                                                           Layout(box0_HKS, {90, 14}).Wide(),
-                                                                           chk0_HotKeyUnhide, box0_HKU})),
+      fra3, Layout::Column({Layout::Framed(fra0_Keyboard,
+                                           Layout::Grid(2, {chk0_HotKeySearch, Layout(box0_HKS, {22}).Wide(),
+                                                            chk0_HotKeyUnhide, box0_HKU})),
                             Layout().High()}));
   const auto edit = Layout::Framed(fra2, Layout::Column({chk2_EditCloseForm, Layout().High()}));
-  SetLayout(Layout::Column(
-                {Layout::Row({Layout(tvw0, {70, 0}), Layout::Stack({common, books, keyboard, edit}).Wide()})
-                     .Apart()
-                     .High(),
-                 Layout::Row({Layout().Wide(), btnClose})})
-                .Apart());
+  SetLayout(
+      Layout::Column({Layout::Row({Layout(tvw0, {18}), Layout::Stack({common, books, keyboard, edit}).Wide()})
+                          .Apart()
+                          .High(),
+                      Layout::Row({Layout().Wide(), btnClose})})
+          .Apart());
 }
 
 void frmOptions::ConnectCommonPages() {

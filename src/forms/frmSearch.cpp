@@ -52,6 +52,8 @@ frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch") {
   imgExclamationNormal.Click = [this] { uActivateCboText(); };
   imgExclamationErr.Click = [this] { uActivateCboText(); };
   imgExclamationErr.SetVisible(false);
+  imgExclamationErr.Alert = true;
+  imgExclamationErr.Sign = u"!";
   tmr0.Tick = [this] { tmr0_Timer(); };
   boxError.ReadOnly = true;
   boxError.MultiLine = true;
@@ -60,14 +62,13 @@ frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch") {
 
   SetLayout(
       Layout::Column({Layout::Framed(fraTextCaption,
-                                     Layout::Row({Layout(cboText, {180, 14}).Wide(),
-                                                  Layout::Stack({Layout(imgExclamationNormal, {12, 12}),
-                                                                 Layout(imgExclamationErr, {12, 12})})})),
+                                     Layout::Row({Layout(cboText, {45}).Wide(),
+                                                  Layout::Stack({imgExclamationNormal, imgExclamationErr})})),
                       Layout::Row({Layout::Column({optWordsAll, optWordsCell, optWordsAny}).Wide(),
                                    Layout::Column({chkCase, chkSearchAll, chkEditMode}).Wide(),
                                    Layout::Grid(2, {btnMode, btnUnhide, btnOptions, btnClose})})
                           .Apart(),
-                      Layout(boxError, {0, 20}).High().WhileVisible()})
+                      Layout(boxError, {0, 2}).High().WhileVisible()})
           .Apart());
 }
 

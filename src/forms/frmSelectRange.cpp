@@ -27,7 +27,7 @@ frmSelectRange::frmSelectRange(SharedState& shared) : BaseForm(shared, u"frmSele
   box0.Change = [this] { ApplyRule(box0, kAddressRule); };
   btn0.SetCaption(u"OK");
   btn0.Click = [this] { End(true); };
-  SetLayout(Layout::Row({Layout(box0, {180, 14}).Wide(), btn0}));
+  SetLayout(Layout::Row({Layout(box0, {45}).Wide(), btn0}));
 }
 
 void frmSelectRange::Form_Load() {

@@ -31,7 +31,7 @@ struct Sample final : Form, View {
     label.SetCaption(u"a long label");
     SetLayout(Layout::Column(
         {Layout::Row({Layout::Framed(left, Layout::Column({a, b})), Layout::Framed(right, c).Wide()}),
-         Layout::Row({label, Layout(box).Wide(), combo}), Layout(list, {100, 20}).High()}));
+         Layout::Row({label, Layout(box).Wide(), combo}), Layout(list, {25, 2}).High()}));
     Attach(*this);
     Load();
     Show();

@@ -136,10 +136,10 @@ class Forms(Session):
         self.assert_shows(terminal, """
 ─ Search - [entire sheet] ────────────────────────────────────────────────── × ─
   ┌ Find what: ──────────────────────────────────────────────────────────┐
-  │                                                                ▾     │
+  │                                                                  ▾   │
   └──────────────────────────────────────────────────────────────────────┘
-  (•) Any part of cells   [ ] Match case       [   Goto    ] [ Show All ]
-  ( ) Entire cells only   [x] AutoFilter mode  [Options... ] [  Close   ]
+  (•) Any part of cells   [ ] Match case        [   Goto    ] [ Show All ]
+  ( ) Entire cells only   [x] AutoFilter mode   [Options... ] [  Close   ]
   ( ) Any of words        [ ] Edit mode""", 14)
         terminal.resize(40, 12)
         self.assert_shows(terminal, """
@@ -159,11 +159,11 @@ class Forms(Session):
         terminal = self.start().wait("6 of 6 rows").press("F10").wait("Technical Support").press("o")
         terminal.wait("[x] Show All after Search form closed").press("Down").wait("<All workbooks>")
         self.assert_shows(terminal, """
-┌ Options ───────────────────────────────────────────────────────────────── × ┐
-│  Common                 ┌ Books ─────────────────────────────────────────┐  │
-│  Excel workbooks        │ Add   Del   Reset                              │  │
-│  Keyboard               │  <All workbooks>                               │  │
-│  Edit mode              │                                                │  │""", 3)
+  ┌ Options ───────────────────────────────────────────────────────────── × ┐
+  │  Common             ┌ Books ──────────────────────────────────────────┐ │
+  │  Excel workbooks    │ Add   Del   Reset                               │ │
+  │  Keyboard           │  <All workbooks>                                │ │
+  │  Edit mode          │                                                 │ │""", 3)
         terminal.press("M-a").wait("Do you want to add workbook [t.csv] in this list ?").press("Enter")
         terminal.wait("t.csv    ").press("Down").wait("Form 'Search'")
         row, column = terminal.find("Ctrl + f")
@@ -177,7 +177,7 @@ class Forms(Session):
 
     def test_picks_a_range_with_the_cell_cursor(self):
         terminal = self.start().wait("6 of 6 rows").press("F10", "o").wait("Options ─").press("Down")
-        row, column = terminal.wait("Search range:").find("[... ]")
+        row, column = terminal.wait("Search range:").find("[ ... ]")
         terminal.mouse(column + 1, row).wait("─ Range select ─").press("Down", "S-Down", "S-Right").wait(" A2:B3 ")
         terminal.press("Enter").wait("Search range:       A2:B3").press("Tab", "Esc").wait_gone("Options ─")
         terminal.press("8").wait("Text not found")

@@ -70,9 +70,8 @@ ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t 
     if (entry != accelerators_.end()) Choose(static_cast<int32_t>(entry - accelerators_.begin()));
   };
   Activate = [this] { list_.SetFocus(); };
-  constexpr int32_t kLine = 12;
-  SetLayout(Layout::Column(
-      {Layout(list_, {4 * (width + 3), kLine * std::min(rows, static_cast<int32_t>(entries.size()))})}));
+  SetLayout(
+      Layout::Column({Layout(list_, {width + 3, std::min(rows, static_cast<int32_t>(entries.size()))})}));
   Attach(view);
   Arrange();
   Load();

@@ -7,6 +7,7 @@
 #include "controls/Button.h"
 #include "controls/CheckBox.h"
 #include "controls/ComboBox.h"
+#include "controls/Frame.h"
 #include "controls/Image.h"
 #include "controls/Label.h"
 #include "controls/ListView.h"
@@ -45,8 +46,8 @@ Entries EntriesOf(const Control& control) {
 
 class Painter {
  public:
-  Painter(Canvas& canvas, const controls::Form& form, const Arrangement& arrangement, bool active)
-      : canvas_(canvas), focus_(active ? form.ActiveControl() : nullptr), boxes_(arrangement.boxes) {}
+  Painter(Canvas& canvas, const controls::Form& form, bool active)
+      : canvas_(canvas), focus_(active ? form.ActiveControl() : nullptr) {}
 
   void Paint(const Control& control, const Rect& area) const {
     const bool focused = &control == focus_;
@@ -64,19 +65,20 @@ class Painter {
       case ControlKind::ComboBox:
       case ControlKind::TextBox:
         return PaintInput(static_cast<const controls::TextInput&>(control), area, focused);
-      case ControlKind::Frame:
-        if (boxes_) canvas_.Box(area, Style::Dim);
-        WriteCaption(canvas_, boxes_ ? Point{at.x + 1, at.y} : at, control.Caption(), Style::Title,
+      case ControlKind::Frame: {
+        const bool bordered = static_cast<const controls::Frame&>(control).Bordered;
+        if (bordered) canvas_.Box(area, Style::Dim);
+        WriteCaption(canvas_, bordered ? Point{at.x + 1, at.y} : at, control.Caption(), Style::Title,
                      area.width);
         return;
-      case ControlKind::Image:
-        // That nothing is wrong needs no picture.
-        if (static_cast<const controls::Image&>(control).Picture == u"exclamation-error") {
-          canvas_.Write(at, u"!", Style::Error);
-        }
+      }
+      case ControlKind::Image: {
+        const auto& image = static_cast<const controls::Image&>(control);
+        canvas_.Write(at, image.Sign, image.Alert ? Style::Error : Style::Normal);
         return;
+      }
       case ControlKind::Label:
-        return PaintLabel(static_cast<const controls::Label&>(control), area);
+        return PaintLabel(static_cast<const controls::Label&>(control), area, focused);
       case ControlKind::ListView:
       case ControlKind::TreeView:
         return PaintEntries(EntriesOf(control), area, focused);
@@ -111,8 +113,9 @@ class Painter {
 
   void PaintInput(const controls::TextInput& input, const Rect& area, bool focused) const {
     const bool read_only = input.ReadOnly;
-    const bool wrong = input.Name == u"boxError";
-    const Style style = wrong ? Style::Error : !input.Enabled() || read_only ? Style::Dim : Style::Field;
+    const bool alert =
+        input.Kind == ControlKind::TextBox && static_cast<const controls::TextBox&>(input).Alert;
+    const Style style = alert ? Style::Error : !input.Enabled() || read_only ? Style::Dim : Style::Field;
     if (!read_only) canvas_.Fill(area, U' ', style);
     Rect text = area;
     if (input.Kind == ControlKind::ComboBox) {
@@ -127,8 +130,11 @@ class Painter {
     TextPane(input, {text.width, text.height}).Draw(canvas_, {text.left, text.top}, style, focused);
   }
 
-  void PaintLabel(const controls::Label& label, const Rect& area) const {
-    const Style style = label.Link ? Style::Link : label.Enabled() ? Style::Normal : Style::Dim;
+  void PaintLabel(const controls::Label& label, const Rect& area, bool focused) const {
+    const Style style = focused           ? Style::Focus
+                        : label.Link      ? Style::Link
+                        : label.Enabled() ? Style::Normal
+                                          : Style::Dim;
     std::u16string_view rest = label.Caption();
     for (int32_t y = area.top; !rest.empty(); ++y) {
       const auto end = std::min(rest.find(u"\r\n"), rest.size());
@@ -153,14 +159,15 @@ class Painter {
 
   Canvas& canvas_;
   const Control* focus_;
-  bool boxes_;
 };
 
 }  // namespace
 
-void Paint(Canvas& canvas, const controls::Form& form, const Arrangement& arrangement, bool active) {
-  const Painter painter(canvas, form, arrangement, active);
-  for (const auto& [control, area] : arrangement.places) painter.Paint(*control, area);
+void Paint(Canvas& canvas, const controls::Form& form, bool active) {
+  const Painter painter(canvas, form, active);
+  for (const Control* control : form.InTabOrder()) {
+    if (control->Shown() && control->Kind != ControlKind::Timer) painter.Paint(*control, control->Bounds);
+  }
 }
 
 int32_t WriteCaption(Canvas& canvas, Point at, std::u16string_view caption, Style style, int32_t width) {

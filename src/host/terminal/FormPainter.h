@@ -5,13 +5,12 @@
 #include <string_view>
 
 #include "controls/Form.h"
-#include "host/terminal/Arrangement.h"
 #include "host/terminal/Canvas.h"
 
 namespace rowlark::terminal {
 
 // Draws the form's inner area. `active`: the keyboard is the form's.
-void Paint(Canvas& canvas, const controls::Form& form, const Arrangement& arrangement, bool active);
+void Paint(Canvas& canvas, const controls::Form& form, bool active);
 
 // Writes a caption with its accelerator marked; the cells that it took.
 int32_t WriteCaption(Canvas& canvas, Point at, std::u16string_view caption, Style style, int32_t width);

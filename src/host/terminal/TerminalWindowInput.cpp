@@ -73,7 +73,7 @@ bool TerminalWindowSystem::MoveFocus(Form& form, const KeyPress& press) {
   const Control* control = form.ActiveControl();
   if (control == nullptr || press.shift != controls::kNoShift) return false;
   const bool moves = control->Kind == ControlKind::Button || control->Kind == ControlKind::CheckBox ||
-                     control->Kind == ControlKind::OptionButton;
+                     control->Kind == ControlKind::OptionButton || control->Kind == ControlKind::Label;
   const bool back = press.key == controls::kKeyLeft || press.key == controls::kKeyUp;
   if (!moves || (!back && press.key != controls::kKeyRight && press.key != controls::kKeyDown)) return false;
   PressKey(form, controls::kKeyTab, back ? controls::kShift : controls::kNoShift);
@@ -86,15 +86,14 @@ bool TerminalWindowSystem::OpenList(Form& form) {
   if (control == nullptr || control->Kind != ControlKind::ComboBox || !control->Enabled()) return false;
   auto& box = static_cast<controls::ComboBox&>(*control);
   const auto* window = Find(form);
-  if (window->arrangement.places.empty()) Draw();  // the key came before the form was seen
-  const Rect* area = window->arrangement.Of(control);
-  if (box.ListCount() == 0 || area == nullptr) return false;
+  if (window->frame == Rect{}) Draw();  // the key came before the form was seen
+  if (box.ListCount() == 0 || !box.Shown()) return false;
   std::vector<ListForm::Entry> entries;
   entries.reserve(static_cast<std::size_t>(box.ListCount()));
   for (int32_t i = 0; i < box.ListCount(); ++i) entries.push_back({box.List(i)});
   const Rect& inner = window->inner;
-  const int32_t chosen =
-      ChooseFrom(entries, box.ListIndex(), {inner.left + area->left, inner.top + area->top - window->scroll});
+  const int32_t chosen = ChooseFrom(
+      entries, box.ListIndex(), {inner.left + box.Bounds.left, inner.top + box.Bounds.top - window->scroll});
   if (form.Loaded()) box.UserPicked(chosen);
   return true;
 }
@@ -154,12 +153,14 @@ void TerminalWindowSystem::UseMouse(Window& window, const MouseAction& action) {
     return form->UserClosed();
   }
   const Point at{action.at.x - window.inner.left, action.at.y - window.inner.top + window.scroll};
-  const auto& places = window.arrangement.places;
-  const auto place = std::find_if(places.rbegin(), places.rend(), [at](const Arrangement::Place& p) {
-    return p.control->Kind != ControlKind::Frame && Contains(p.area, at);
+  const auto controls = form->InTabOrder();
+  const auto hit = std::find_if(controls.rbegin(), controls.rend(), [at](const Control* c) {
+    return c->Shown() && c->Kind != ControlKind::Frame && c->Kind != ControlKind::Timer &&
+           Contains(c->Bounds, at);
   });
-  if (place == places.rend()) return form->UserClicked();
-  auto [control, area] = *place;
+  if (hit == controls.rend()) return form->UserClicked();
+  Control* control = *hit;
+  const Rect area = control->Bounds;
   if (control->Focusable()) control->UserFocused();
   control->UserPressedMouse();
   if (!form->Loaded()) return;

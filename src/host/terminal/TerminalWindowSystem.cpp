@@ -21,11 +21,39 @@ using controls::Property;
 constexpr int32_t kMostEntries = 12;  // of a list that show at a time
 constexpr int32_t kLeastPicture = 4;  // rows of the desktop that docked forms leave
 
+// Of a terminal in which forms may be so many cells wide.
+controls::Metrics CellMetrics(int32_t widest, int32_t folded_margin) {
+  return {.character = 1,
+          .line = 1,
+          .entry = 1,
+          .label_edges = {1, 0},
+          .box_edges = {0, 0},
+          .button_edges = {4, 0},
+          .mark_edges = {4, 0},
+          .tree_edges = {3, 0},
+          .tool_edges = {3, 0},
+          .least_button = 12,
+          .picture_button = {},
+          .picture = {1, 1},
+          .large_picture = {0, 0},
+          .gap = {1, 0},
+          .wide_gap = {3, 0},
+          .frame = {2, 1, 4, 2},
+          .heading = 1,
+          .indent = 4,
+          .margin = {1, 0},
+          .folded_margin = {folded_margin, 0},
+          .widest = widest,
+          .roomy = false};
+}
+
 }  // namespace
 
 TerminalWindowSystem::TerminalWindowSystem(Screen& screen, TerminalMessagePump& pump,
                                            std::set<std::u16string> docked)
     : screen_(screen), pump_(pump), docked_(std::move(docked)) {
+  docked_metrics_ = CellMetrics(screen_.Size().width - 2, 0);
+  floating_metrics_ = CellMetrics(screen_.Size().width - 2, 1);
   pump_.OnInput = [this](const Input& input) { UseInput(input); };
   pump_.OnDraw = [this] { Draw(); };
 }
@@ -37,7 +65,7 @@ bool TerminalWindowSystem::Realise(Form& form) noexcept {
 }
 
 void TerminalWindowSystem::Changed(Control& control, Property property) noexcept {
-  pump_.Invalidate();
+  if (!arranging_) pump_.Invalidate();
   Form& form = control.Parent();
   if (property == Property::Timer) {
     auto& timer = static_cast<controls::Timer&>(control);
@@ -161,8 +189,10 @@ void TerminalWindowSystem::Place(Window& window, const Rect& room) {
   const Form& form = *window.form;
   const bool docked = IsDocked(form);
   const bool list = window.beside != Point{};
-  window.arrangement = Arrange(form, room.width - 2, docked ? 0 : 1);
-  const Size size = window.arrangement.size;
+  arranging_ = true;
+  window.form->Arrange();
+  arranging_ = false;
+  const Size size = form.ClientSize();
   const int32_t title = docked ? 1 : 2;  // and the lower border of a floating one
   const int32_t height = std::min(size.height + title, room.height);
   const int32_t width = docked ? room.width : std::min(size.width + 2, room.width);
@@ -176,11 +206,12 @@ void TerminalWindowSystem::Place(Window& window, const Rect& room) {
   window.frame = {at.x, at.y, width, height};
   window.inner = {at.x + 1, at.y + 1, width - 2, height - title};
   // What has the keyboard shows.
-  const Rect* focus = window.arrangement.Of(form.ActiveControl());
+  const Control* focus = form.ActiveControl();
   window.scroll = std::clamp(window.scroll, 0, std::max(0, size.height - window.inner.height));
-  if (focus == nullptr) return;
-  window.scroll = std::max(window.scroll, focus->top + focus->height - window.inner.height);
-  window.scroll = std::min(window.scroll, focus->top);
+  if (focus == nullptr || !focus->Shown()) return;
+  const Rect& area = focus->Bounds;
+  window.scroll = std::max(window.scroll, area.top + area.height - window.inner.height);
+  window.scroll = std::min(window.scroll, area.top);
 }
 
 void TerminalWindowSystem::DrawWindow(Canvas& canvas, Window& window, bool active) {
@@ -198,15 +229,15 @@ void TerminalWindowSystem::DrawWindow(Canvas& canvas, Window& window, bool activ
   }
   if (window.beside == Point{})
     canvas.Write({frame.left + frame.width - 4, frame.top}, u" × ", Style::Normal);
-  Canvas inner(
-      {window.arrangement.size.width, std::max(window.arrangement.size.height, window.inner.height)});
-  Paint(inner, form, window.arrangement, active);
+  const Size size = form.ClientSize();
+  Canvas inner({size.width, std::max(size.height, window.inner.height)});
+  Paint(inner, form, active);
   if (active) canvas.Cursor.reset();
   canvas.Copy(inner, window.inner, window.scroll);
   // There is more above or below.
   const int32_t right = frame.left + frame.width - 1;
   if (window.scroll > 0) canvas.Write({right, window.inner.top}, u"▲", Style::Dim);
-  if (window.scroll + window.inner.height < window.arrangement.size.height) {
+  if (window.scroll + window.inner.height < size.height) {
     canvas.Write({right, window.inner.top + window.inner.height - 1}, u"▼", Style::Dim);
   }
 }
@@ -214,6 +245,8 @@ void TerminalWindowSystem::DrawWindow(Canvas& canvas, Window& window, bool activ
 void TerminalWindowSystem::Draw() {
   Canvas canvas(screen_.Size());
   const Size size = canvas.Size();
+  docked_metrics_ = CellMetrics(size.width - 2, 0);
+  floating_metrics_ = CellMetrics(size.width - 2, 1);
   const int32_t status = desktop_->StatusRows(size.height);
   const Window* active = Active();
   // While something is to be selected, the form that waits for it does not lie above the picture.

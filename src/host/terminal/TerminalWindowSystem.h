@@ -11,7 +11,6 @@
 
 #include "controls/Form.h"
 #include "host/WindowSystem.h"
-#include "host/terminal/Arrangement.h"
 #include "host/terminal/Desktop.h"
 #include "host/terminal/Dialogs.h"
 #include "host/terminal/TerminalMessagePump.h"
@@ -52,7 +51,6 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
  private:
   struct Window {
     controls::Form* form;
-    Arrangement arrangement{};
     Rect frame{};  // on the screen
     Rect inner{};
     int32_t scroll = 0;  // rows of the inner area above the screen
@@ -61,7 +59,10 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
 
   void Changed(controls::Control& control, controls::Property property) noexcept override;
   void Released(controls::Form& form) noexcept override;
-  int32_t TextWidth(std::u16string_view text) const noexcept override { return TextUnits(text); }
+  const controls::Metrics& MetricsOf(const controls::Form& form) const noexcept override {
+    return IsDocked(form) ? docked_metrics_ : floating_metrics_;
+  }
+  int32_t TextWidth(std::u16string_view text) const noexcept override { return WidthOf(text); }
   Size WindowSize(Size client) const noexcept override;
 
   bool IsDocked(const controls::Form& form) const { return docked_.contains(form.Name); }
@@ -91,6 +92,9 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
   bool desktop_focus_ = false;     // the keyboard is the desktop's though there are forms
   bool mouse_in_desktop_ = false;  // its button went down there
   bool ending_ = false;
+  bool arranging_ = false;  // for what is being drawn
+  controls::Metrics docked_metrics_;
+  controls::Metrics floating_metrics_;
 };
 
 }  // namespace rowlark::terminal
