@@ -135,12 +135,12 @@ class Forms(Session):
         terminal = self.start().wait("6 of 6 rows").press("C-f")
         self.assert_shows(terminal, """
 ─ Search - [entire sheet] ────────────────────────────────────────────────── × ─
-  ┌ Find what: ──────────────────────────────────────────────────────────┐
-  │                                                                  ▾   │
-  └──────────────────────────────────────────────────────────────────────┘
-  (•) Any part of cells   [ ] Match case        [   Goto    ] [ Show All ]
-  ( ) Entire cells only   [x] AutoFilter mode   [Options... ] [  Close   ]
-  ( ) Any of words        [ ] Edit mode""", 14)
+  ┌ Find what: ───────────────────────────────────────────────────────────┐
+  │                                                                   ▾   │
+  └───────────────────────────────────────────────────────────────────────┘
+  (•) Any part of cells   [ ] Match case        [    Goto    ] [ Show All ]
+  ( ) Entire cells only   [x] AutoFilter mode   [ Options... ] [  Close   ]
+  ( ) Any of words        [ ] Edit mode""", 15)
         terminal.resize(40, 12)
         self.assert_shows(terminal, """
 ─ Search - [entire sheet] ────────── × ─
@@ -151,19 +151,19 @@ class Forms(Session):
  [ ] Edit mode [ Goto ] [ Show All ]
  [ Options... ] [ Close ]""", 4)
         terminal.press("M-m").wait("[x] Match case")
-        terminal.resize(80, 24).wait(lambda t: t.lines()[14].startswith("─ Search"))
-        terminal.mouse(26, 18).wait("[ ] Match case")
-        terminal.mouse(76, 14).wait_gone("Search -")
+        terminal.resize(80, 24).wait(lambda t: t.lines()[15].startswith("─ Search"))
+        terminal.mouse(26, 19).wait("[ ] Match case")
+        terminal.mouse(76, 15).wait_gone("Search -")
 
     def test_options_language_and_hotkeys(self):
         terminal = self.start().wait("6 of 6 rows").press("F10").wait("Technical Support").press("o")
         terminal.wait("[x] Show All after Search form closed").press("Down").wait("<All workbooks>")
         self.assert_shows(terminal, """
   ┌ Options ───────────────────────────────────────────────────────────── × ┐
-  │  Common             ┌ Books ──────────────────────────────────────────┐ │
-  │  Excel workbooks    │ Add   Del   Reset                               │ │
-  │  Keyboard           │  <All workbooks>                                │ │
-  │  Edit mode          │                                                 │ │""", 3)
+  │  Common              ┌ Books ─────────────────────────────────────────┐ │
+  │  Excel workbooks     │ Add   Del   Reset                              │ │
+  │  Keyboard            │  <All workbooks>                               │ │
+  │  Edit mode           │                                                │ │""", 3)
         terminal.press("M-a").wait("Do you want to add workbook [t.csv] in this list ?").press("Enter")
         terminal.wait("t.csv    ").press("Down").wait("Form 'Search'")
         row, column = terminal.find("Ctrl + f")
