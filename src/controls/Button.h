@@ -11,6 +11,8 @@ class Button final : public Control {
  public:
   Button(Form& form, std::u16string_view name) : Control(form, ControlKind::Button, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   bool Default = false;  // pressed by Enter from any control that is no button
   bool Cancel = false;   // pressed by Escape
   // Where the screen has pictures, the name of one that it shows in place of its caption; its tool tip then

@@ -9,6 +9,8 @@ class CheckBox final : public Control {
  public:
   CheckBox(Form& form, std::u16string_view name) : Control(form, ControlKind::CheckBox, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   bool Value() const { return value_; }
   void SetValue(bool checked) {
     if (Set(value_, checked, Property::Value)) Click.Raise();

@@ -14,6 +14,8 @@ class ComboBox final : public TextInput {
  public:
   ComboBox(Form& form, std::u16string_view name) : TextInput(form, ControlKind::ComboBox, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   bool DropDownList = false;  // the text is one of the entries and can not be edited
 
   int32_t ListCount() const { return static_cast<int32_t>(list_.size()); }

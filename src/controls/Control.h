@@ -11,6 +11,7 @@
 #include "controls/Metrics.h"
 #include "controls/Slot.h"
 #include "controls/View.h"
+#include "controls/Visitor.h"
 
 namespace rowlark::controls {
 
@@ -90,6 +91,8 @@ class Control {
   Slot<int32_t&, int32_t> KeyDown;  // key code, modifiers
   Slot<char16_t&> KeyPress;
   Slot<int32_t&, int32_t> KeyUp;
+
+  virtual void Accept(Visitor& visitor) = 0;
 
   virtual void UserClicked();
   void UserFocused();

@@ -51,6 +51,9 @@ class Form : public Control, public RefCounted {
   // Gives the controls their places, after texts have changed.
   void Arrange();
 
+  // It is none of the kinds.
+  void Accept(Visitor&) override {}
+
   // The window system that shows the form from now on.
   void Attach(View& view) { view_ = &view; }
 

@@ -10,6 +10,8 @@ class Frame final : public Control {
  public:
   Frame(Form& form, std::u16string_view name) : Control(form, ControlKind::Frame, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   bool Bordered = true;  // set by the form's layout: there is room for the border
 
  private:

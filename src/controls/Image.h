@@ -12,6 +12,8 @@ class Image final : public Control {
   Image(Form& form, std::u16string_view name, std::u16string_view picture)
       : Control(form, ControlKind::Image, name), Picture(picture) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   const std::u16string Picture;
   bool Large = false;
   bool Alert = false;   // something is wrong

@@ -4,8 +4,11 @@
 #include <vector>
 
 #include "controls/Button.h"
+#include "controls/CheckBox.h"
 #include "controls/ComboBox.h"
+#include "controls/Label.h"
 #include "controls/ListView.h"
+#include "controls/OptionButton.h"
 #include "controls/TextBox.h"
 #include "controls/TreeView.h"
 #include "util/Text.h"
@@ -102,6 +105,64 @@ bool Edit(TextInput& input, int32_t key, int32_t shift) {
   }
 }
 
+// What a key does in the control with the focus.
+class KeyUser final : public Visitor {
+ public:
+  KeyUser(int32_t key, int32_t shift)
+      : key_(key),
+        shift_(shift),
+        step_(key == kKeyDown ? 1
+              : key == kKeyUp ? -1
+                              : 0) {}
+
+  void Visit(Button& button) override {
+    if (key_ == kKeyReturn || key_ == kKeySpace) button.UserClicked();
+  }
+  void Visit(CheckBox& box) override { Space(box); }
+  void Visit(OptionButton& button) override { Space(button); }
+  void Visit(Label& link) override { Space(link); }
+  void Visit(ComboBox& box) override {
+    if (step_ != 0) {
+      box.UserPicked(box.ListIndex() + step_);
+    } else if (!box.DropDownList) {
+      Edit(box, key_, shift_);
+    }
+  }
+  void Visit(TextBox& box) override { Edit(box, key_, shift_); }
+  void Visit(ListView& list) override {
+    if (step_ != 0) list.UserPicked(list.Selected() + step_);
+  }
+  void Visit(TreeView& tree) override {
+    if (step_ != 0) tree.UserPicked(tree.Selected() + step_);
+  }
+
+ private:
+  void Space(Control& control) const {
+    if (key_ == kKeySpace) control.UserClicked();
+  }
+
+  int32_t key_;
+  int32_t shift_;
+  int32_t step_;  // in a list
+};
+
+// What a character does there.
+class CharacterUser final : public Visitor {
+ public:
+  explicit CharacterUser(char16_t character) : character_(character) {}
+  void Visit(TextBox& box) override { Insert(box); }
+  void Visit(ComboBox& box) override {
+    if (!box.DropDownList) Insert(box);
+  }
+
+ private:
+  void Insert(TextInput& input) const {
+    Replace(input, input.SelStart(), input.SelLength(), std::u16string_view(&character_, 1));
+  }
+
+  char16_t character_;
+};
+
 void UseKey(Form& form, int32_t key, int32_t shift) {
   Control* control = form.ActiveControl();
   if ((shift & kAlt) != 0) {
@@ -113,46 +174,14 @@ void UseKey(Form& form, int32_t key, int32_t shift) {
   if (key == kKeyReturn && (control == nullptr || control->Kind != ControlKind::Button)) {
     return ClickIfAny(form, &Button::Default);
   }
-  if (control == nullptr) return;
-  const int32_t step = key == kKeyDown ? 1 : key == kKeyUp ? -1 : 0;
-  switch (control->Kind) {
-    case ControlKind::Button:
-      if (key == kKeyReturn || key == kKeySpace) control->UserClicked();
-      break;
-    case ControlKind::CheckBox:
-    case ControlKind::Label:
-    case ControlKind::OptionButton:
-      if (key == kKeySpace) control->UserClicked();
-      break;
-    case ControlKind::ComboBox:
-      if (auto& box = static_cast<ComboBox&>(*control); step != 0) {
-        box.UserPicked(box.ListIndex() + step);
-      } else if (!box.DropDownList) {
-        Edit(box, key, shift);
-      }
-      break;
-    case ControlKind::TextBox:
-      Edit(static_cast<TextBox&>(*control), key, shift);
-      break;
-    case ControlKind::ListView:
-      if (auto& list = static_cast<ListView&>(*control); step != 0) list.UserPicked(list.Selected() + step);
-      break;
-    case ControlKind::TreeView:
-      if (auto& tree = static_cast<TreeView&>(*control); step != 0) tree.UserPicked(tree.Selected() + step);
-      break;
-    default:
-      break;
-  }
+  KeyUser user(key, shift);
+  if (control != nullptr) control->Accept(user);
 }
 
 void UseCharacter(Form& form, char16_t character) {
-  Control* control = form.ActiveControl();
-  if (control == nullptr || character < u' ' || character == 127) return;
-  const bool text = control->Kind == ControlKind::TextBox || (control->Kind == ControlKind::ComboBox &&
-                                                              !static_cast<ComboBox*>(control)->DropDownList);
-  if (!text) return;
-  auto& input = static_cast<TextInput&>(*control);
-  Replace(input, input.SelStart(), input.SelLength(), std::u16string_view(&character, 1));
+  if (form.ActiveControl() == nullptr || character < u' ' || character == 127) return;
+  CharacterUser user(character);
+  form.ActiveControl()->Accept(user);
 }
 
 }  // namespace

@@ -12,6 +12,8 @@ class Label final : public Control {
  public:
   Label(Form& form, std::u16string_view name) : Control(form, ControlKind::Label, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   bool Link = false;  // shown as something to click
 
   Size Needs(const Ruler& ruler, Extent least) const override {

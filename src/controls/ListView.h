@@ -24,6 +24,8 @@ class ListView final : public Control {
 
   ListView(Form& form, std::u16string_view name) : Control(form, ControlKind::ListView, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   const std::vector<Column>& Columns() const { return columns_; }
   const std::vector<Item>& Items() const { return items_; }
   void AddColumn(Column column) {

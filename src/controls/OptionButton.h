@@ -10,6 +10,8 @@ class OptionButton final : public Control {
  public:
   OptionButton(Form& form, std::u16string_view name) : Control(form, ControlKind::OptionButton, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   bool Value() const { return value_; }
   void SetValue(bool selected);
   void UserClicked() override;

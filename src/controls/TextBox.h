@@ -10,6 +10,8 @@ class TextBox final : public TextInput {
  public:
   TextBox(Form& form, std::u16string_view name) : TextInput(form, ControlKind::TextBox, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   bool MultiLine = false;
   bool Alert = false;  // stands out, since it tells what went wrong
   // What can only be read is read whole.

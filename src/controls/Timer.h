@@ -13,6 +13,8 @@ class Timer final : public Control {
     Timer::SetEnabled(false);
   }
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   int32_t Interval() const { return interval_; }
   void SetInterval(int32_t milliseconds) { interval_ = milliseconds; }
   void SetEnabled(bool enabled) override {

@@ -18,6 +18,8 @@ class ToolBar final : public Control {
 
   ToolBar(Form& form, std::u16string_view name) : Control(form, ControlKind::ToolBar, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   const std::vector<Button>& Buttons() const { return buttons_; }
   void SetButtons(std::vector<Button> buttons) {
     buttons_ = std::move(buttons);

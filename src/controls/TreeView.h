@@ -20,6 +20,8 @@ class TreeView final : public Control {
 
   TreeView(Form& form, std::u16string_view name) : Control(form, ControlKind::TreeView, name) {}
 
+  void Accept(Visitor& visitor) override { visitor.Visit(*this); }
+
   const std::vector<Node>& Nodes() const { return nodes_; }
   void AddNode(std::u16string_view key) {
     nodes_.push_back({std::u16string(key), {}});

@@ -13,6 +13,7 @@
 #include "controls/ListView.h"
 #include "controls/OptionButton.h"
 #include "controls/TextBox.h"
+#include "controls/Timer.h"
 
 namespace rowlark::controls {
 namespace {
@@ -24,6 +25,7 @@ struct Sample final : Form, View {
   ComboBox combo{*this, u"combo"};
   ListView list{*this, u"list"};
   Label label{*this, u"label"};
+  Timer timer{*this, u"timer"};
   std::map<Control*, Property> told;
   bool released = false;
 
@@ -66,6 +68,21 @@ TEST(Controls, AreTakenAlongWithTheirFrame) {
   form->a.SetEnabled(false);
   form->a.UserClicked();
   EXPECT_EQ(clicks, 0);
+}
+
+TEST(Controls, TimersStartHoweverTheyAreEnabled) {
+  const auto form = MakeRef<Sample>();
+  Control& timer = form->timer;
+  int ticks = 0;
+  form->timer.Tick = [&] { ++ticks; };
+  form->timer.Expired();
+  for (const bool enabled : {true, true, false}) {
+    form->told.clear();
+    timer.SetEnabled(enabled);
+    EXPECT_EQ(form->told[&timer], Property::Timer);
+    form->timer.Expired();
+  }
+  EXPECT_EQ(ticks, 2);
 }
 
 TEST(Controls, TextsTellWhatChangedThem) {

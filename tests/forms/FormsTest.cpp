@@ -26,7 +26,11 @@ TEST(AboutForm, TellsAndCloses) {
                      EXPECT_EQ(form->lblCopyrightMore.Caption().find(u"\r\n") != std::u16string::npos,
                                credits);
                      form->lblWWW.UserClicked();
-                     form->lblEMail.UserClicked();
+                     EXPECT_FALSE(form->lblVersion.Focusable() || form->lblCopyrightMore.Focusable());
+                     form->lblWWW.SetFocus();
+                     PressKey(*form, controls::kKeyTab);
+                     EXPECT_EQ(form->ActiveControl(), &form->lblEMail);
+                     PressKey(*form, controls::kKeySpace, 0, u' ');
                      EXPECT_EQ(form->UserKeyPress(u'\r'), 0);
                      PressKey(*form, controls::kKeyReturn, 0, u'\r');
                      EXPECT_TRUE(form->Loaded());

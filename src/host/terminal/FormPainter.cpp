@@ -21,7 +21,6 @@ namespace rowlark::terminal {
 namespace {
 
 using controls::Control;
-using controls::ControlKind;
 
 struct Entries {
   std::vector<std::u16string_view> texts;
@@ -30,72 +29,80 @@ struct Entries {
   int32_t First(int32_t height) const { return std::max(0, selected - height + 1); }
 };
 
-Entries EntriesOf(const Control& control) {
-  Entries entries;
-  if (control.Kind == ControlKind::TreeView) {
-    const auto& tree = static_cast<const controls::TreeView&>(control);
-    for (const auto& node : tree.Nodes()) entries.texts.push_back(node.text);
-    entries.selected = tree.Selected();
-  } else {
-    const auto& list = static_cast<const controls::ListView&>(control);
-    for (const auto& item : list.Items()) entries.texts.push_back(item.text);
-    entries.selected = list.Selected();
-  }
+Entries EntriesOf(const controls::TreeView& tree) {
+  Entries entries{{}, tree.Selected()};
+  for (const auto& node : tree.Nodes()) entries.texts.push_back(node.text);
   return entries;
 }
 
-class Painter {
+Entries EntriesOf(const controls::ListView& list) {
+  Entries entries{{}, list.Selected()};
+  for (const auto& item : list.Items()) entries.texts.push_back(item.text);
+  return entries;
+}
+
+class Painter final : public controls::Visitor {
  public:
   Painter(Canvas& canvas, const controls::Form& form, bool active)
       : canvas_(canvas), focus_(active ? form.ActiveControl() : nullptr) {}
 
-  void Paint(const Control& control, const Rect& area) const {
-    const bool focused = &control == focus_;
-    const Style plain = !control.Enabled() ? Style::Dim : focused ? Style::Focus : Style::Normal;
-    const Point at{area.left, area.top};
-    switch (control.Kind) {
-      case ControlKind::Button:
-        return PaintButton(static_cast<const controls::Button&>(control), area, plain);
-      case ControlKind::CheckBox:
-        return PaintBox(static_cast<const controls::CheckBox&>(control).Value() ? u"[x]" : u"[ ]", control,
-                        area, plain);
-      case ControlKind::OptionButton:
-        return PaintBox(static_cast<const controls::OptionButton&>(control).Value() ? u"(•)" : u"( )",
-                        control, area, plain);
-      case ControlKind::ComboBox:
-      case ControlKind::TextBox:
-        return PaintInput(static_cast<const controls::TextInput&>(control), area, focused);
-      case ControlKind::Frame: {
-        const bool bordered = static_cast<const controls::Frame&>(control).Bordered;
-        if (bordered) canvas_.Box(area, Style::Dim);
-        WriteCaption(canvas_, bordered ? Point{at.x + 1, at.y} : at, control.Caption(), Style::Title,
-                     area.width);
-        return;
-      }
-      case ControlKind::Image: {
-        const auto& image = static_cast<const controls::Image&>(control);
-        canvas_.Write(at, image.Sign, image.Alert ? Style::Error : Style::Normal);
-        return;
-      }
-      case ControlKind::Label:
-        return PaintLabel(static_cast<const controls::Label&>(control), area, focused);
-      case ControlKind::ListView:
-      case ControlKind::TreeView:
-        return PaintEntries(EntriesOf(control), area, focused);
-      case ControlKind::ToolBar: {
-        int32_t x = area.left;
-        for (const auto& button : static_cast<const controls::ToolBar&>(control).Buttons()) {
-          // The first letter, with Alt, does what a click does.
-          x += WriteCaption(canvas_, {x, area.top}, u"&" + button.caption, Style::Bold, -1) + 3;
-        }
-        return;
-      }
-      default:
-        return;
+  void Visit(controls::Button& button) override { PaintButton(button, button.Bounds, Plain(button)); }
+  void Visit(controls::CheckBox& box) override {
+    PaintBox(box.Value() ? u"[x]" : u"[ ]", box, box.Bounds, Plain(box));
+  }
+  void Visit(controls::OptionButton& button) override {
+    PaintBox(button.Value() ? u"(•)" : u"( )", button, button.Bounds, Plain(button));
+  }
+  void Visit(controls::ComboBox& box) override {
+    const Rect& area = box.Bounds;
+    const Style style = StyleOf(box, false);
+    canvas_.Fill(area, U' ', style);
+    canvas_.Write({area.left + area.width - 1, area.top}, u"▾", Style::Normal);
+    if (box.DropDownList) {
+      canvas_.Write({area.left, area.top}, box.Text(), HasFocus(box) ? Style::Focus : style, area.width - 2);
+    } else {
+      PaintText(box, {area.left, area.top, area.width - 2, area.height}, style);
+    }
+  }
+  void Visit(controls::TextBox& box) override {
+    const Style style = StyleOf(box, box.Alert);
+    if (!box.ReadOnly) canvas_.Fill(box.Bounds, U' ', style);
+    PaintText(box, box.Bounds, style);
+  }
+  void Visit(controls::Frame& frame) override {
+    const Rect& area = frame.Bounds;
+    if (frame.Bordered) canvas_.Box(area, Style::Dim);
+    WriteCaption(canvas_, {area.left + (frame.Bordered ? 1 : 0), area.top}, frame.Caption(), Style::Title,
+                 area.width);
+  }
+  void Visit(controls::Image& image) override {
+    canvas_.Write({image.Bounds.left, image.Bounds.top}, image.Sign,
+                  image.Alert ? Style::Error : Style::Normal);
+  }
+  void Visit(controls::Label& label) override { PaintLabel(label, label.Bounds, HasFocus(label)); }
+  void Visit(controls::ListView& list) override {
+    PaintEntries(EntriesOf(list), list.Bounds, HasFocus(list));
+  }
+  void Visit(controls::TreeView& tree) override {
+    PaintEntries(EntriesOf(tree), tree.Bounds, HasFocus(tree));
+  }
+  void Visit(controls::ToolBar& bar) override {
+    int32_t x = bar.Bounds.left;
+    for (const auto& button : bar.Buttons()) {
+      // The first letter, with Alt, does what a click does.
+      x += WriteCaption(canvas_, {x, bar.Bounds.top}, u"&" + button.caption, Style::Bold, -1) + 3;
     }
   }
 
  private:
+  bool HasFocus(const Control& control) const { return &control == focus_; }
+  Style Plain(const Control& control) const {
+    return !control.Enabled() ? Style::Dim : HasFocus(control) ? Style::Focus : Style::Normal;
+  }
+  static Style StyleOf(const controls::TextInput& input, bool alert) {
+    return alert ? Style::Error : !input.Enabled() || input.ReadOnly ? Style::Dim : Style::Field;
+  }
+
   void PaintButton(const controls::Button& button, const Rect& area, Style style) const {
     if (style == Style::Normal && button.Default) style = Style::Bold;
     const int32_t text =
@@ -111,23 +118,8 @@ class Painter {
     WriteCaption(canvas_, {area.left + 4, area.top}, control.Caption(), style, area.width - 4);
   }
 
-  void PaintInput(const controls::TextInput& input, const Rect& area, bool focused) const {
-    const bool read_only = input.ReadOnly;
-    const bool alert =
-        input.Kind == ControlKind::TextBox && static_cast<const controls::TextBox&>(input).Alert;
-    const Style style = alert ? Style::Error : !input.Enabled() || read_only ? Style::Dim : Style::Field;
-    if (!read_only) canvas_.Fill(area, U' ', style);
-    Rect text = area;
-    if (input.Kind == ControlKind::ComboBox) {
-      text.width -= 2;
-      canvas_.Write({area.left + area.width - 1, area.top}, u"▾", Style::Normal);
-      const auto& box = static_cast<const controls::ComboBox&>(input);
-      if (box.DropDownList) {
-        canvas_.Write({area.left, area.top}, box.Text(), focused ? Style::Focus : style, text.width);
-        return;
-      }
-    }
-    TextPane(input, {text.width, text.height}).Draw(canvas_, {text.left, text.top}, style, focused);
+  void PaintText(const controls::TextInput& input, const Rect& area, Style style) const {
+    TextPane(input, {area.width, area.height}).Draw(canvas_, {area.left, area.top}, style, HasFocus(input));
   }
 
   void PaintLabel(const controls::Label& label, const Rect& area, bool focused) const {
@@ -164,9 +156,9 @@ class Painter {
 }  // namespace
 
 void Paint(Canvas& canvas, const controls::Form& form, bool active) {
-  const Painter painter(canvas, form, active);
-  for (const Control* control : form.InTabOrder()) {
-    if (control->Shown() && control->Kind != ControlKind::Timer) painter.Paint(*control, control->Bounds);
+  Painter painter(canvas, form, active);
+  for (Control* control : form.InTabOrder()) {
+    if (control->Shown()) control->Accept(painter);
   }
 }
 
@@ -188,22 +180,34 @@ int32_t WriteCaption(Canvas& canvas, Point at, std::u16string_view caption, Styl
   return used;
 }
 
-std::optional<int32_t> EntryAt(const Control& control, const Rect& area, Point place) {
-  if (control.Kind == ControlKind::ToolBar) {
-    int32_t x = area.left;
-    int32_t index = 0;
-    for (const auto& button : static_cast<const controls::ToolBar&>(control).Buttons()) {
-      const int32_t width = WidthOf(button.caption);
-      if (place.x >= x && place.x < x + width) return index;
-      x += width + 3;
-      ++index;
-    }
-    return std::nullopt;
-  }
-  const auto entries = EntriesOf(control);
+namespace {
+
+std::optional<int32_t> EntryAt(const Entries& entries, const Rect& area, Point place) {
   const int32_t index = entries.First(area.height) + place.y - area.top;
   if (index < 0 || index >= static_cast<int32_t>(entries.texts.size())) return std::nullopt;
   return index;
+}
+
+}  // namespace
+
+std::optional<int32_t> EntryAt(const controls::ListView& list, Point place) {
+  return EntryAt(EntriesOf(list), list.Bounds, place);
+}
+
+std::optional<int32_t> EntryAt(const controls::TreeView& tree, Point place) {
+  return EntryAt(EntriesOf(tree), tree.Bounds, place);
+}
+
+std::optional<int32_t> EntryAt(const controls::ToolBar& bar, Point place) {
+  int32_t x = bar.Bounds.left;
+  int32_t index = 0;
+  for (const auto& button : bar.Buttons()) {
+    const int32_t width = WidthOf(button.caption);
+    if (place.x >= x && place.x < x + width) return index;
+    x += width + 3;
+    ++index;
+  }
+  return std::nullopt;
 }
 
 }  // namespace rowlark::terminal

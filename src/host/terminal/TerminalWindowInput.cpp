@@ -1,8 +1,15 @@
 // What the user does with windows.
 #include <algorithm>
+#include <functional>
+#include <optional>
+#include <utility>
 
+#include "controls/CheckBox.h"
 #include "controls/ComboBox.h"
+#include "controls/Image.h"
 #include "controls/Keyboard.h"
+#include "controls/OptionButton.h"
+#include "controls/TextBox.h"
 #include "controls/ToolBar.h"
 #include "controls/TreeView.h"
 #include "host/terminal/FormPainter.h"
@@ -25,6 +32,48 @@ bool IsForeign(const KeyPress& press) {
   return (press.key >= kKeyF1 && press.key <= kKeyF12) || press.key == kKeyPageUp ||
          press.key == kKeyPageDown || press.key == kKeyInsert || (ctrl && letter);
 }
+
+// What a click means to the control that it hits.
+class Clicker final : public controls::Visitor {
+ public:
+  Clicker(Point at, std::function<void()> open_list) : at_(at), open_list_(std::move(open_list)) {}
+
+  std::optional<int32_t> Entry;  // of a list, that was hit
+
+  void Visit(controls::ListView& list) override {
+    Entry = EntryAt(list, at_);
+    if (Entry) list.UserPicked(*Entry);
+  }
+  void Visit(controls::TreeView& tree) override {
+    if (const auto entry = EntryAt(tree, at_)) tree.UserPicked(*entry);
+  }
+  void Visit(controls::ToolBar& bar) override {
+    const auto entry = EntryAt(bar, at_);
+    if (entry) bar.UserPressed(std::u16string(bar.Buttons()[static_cast<std::size_t>(*entry)].key));
+  }
+  void Visit(controls::ComboBox& box) override {
+    if (at_.x >= box.Bounds.left + box.Bounds.width - 2 || box.DropDownList) return open_list_();
+    PlaceCaret(box);
+  }
+  void Visit(controls::TextBox& box) override { PlaceCaret(box); }
+  void Visit(controls::Button& button) override { button.UserClicked(); }
+  void Visit(controls::CheckBox& box) override { box.UserClicked(); }
+  void Visit(controls::OptionButton& button) override { button.UserClicked(); }
+  void Visit(controls::Image& image) override { image.UserClicked(); }
+  void Visit(controls::Label& label) override { label.UserClicked(); }
+
+ private:
+  void PlaceCaret(controls::TextInput& input) const {
+    const Rect& area = input.Bounds;
+    const int32_t caret =
+        TextPane(input, {area.width, area.height}).OffsetAt({at_.x - area.left, at_.y - area.top});
+    if (input.Enabled()) input.UserSelected(caret, caret);
+    input.UserClicked();
+  }
+
+  Point at_;
+  std::function<void()> open_list_;
+};
 
 }  // namespace
 
@@ -155,51 +204,17 @@ void TerminalWindowSystem::UseMouse(Window& window, const MouseAction& action) {
   const Point at{action.at.x - window.inner.left, action.at.y - window.inner.top + window.scroll};
   const auto controls = form->InTabOrder();
   const auto hit = std::find_if(controls.rbegin(), controls.rend(), [at](const Control* c) {
-    return c->Shown() && c->Kind != ControlKind::Frame && c->Kind != ControlKind::Timer &&
-           Contains(c->Bounds, at);
+    return c->Shown() && c->Kind != ControlKind::Frame && Contains(c->Bounds, at);
   });
   if (hit == controls.rend()) return form->UserClicked();
-  Control* control = *hit;
-  const Rect area = control->Bounds;
-  if (control->Focusable()) control->UserFocused();
-  control->UserPressedMouse();
+  Control& control = **hit;
+  if (control.Focusable()) control.UserFocused();
+  control.UserPressedMouse();
   if (!form->Loaded()) return;
-  const auto entry = control->Kind == ControlKind::TreeView || control->Kind == ControlKind::ListView ||
-                             control->Kind == ControlKind::ToolBar
-                         ? EntryAt(*control, area, at)
-                         : std::nullopt;
-  switch (control->Kind) {
-    case ControlKind::ListView:
-      if (!entry) return;
-      static_cast<controls::ListView*>(control)->UserPicked(*entry);
-      if (auto* list = dynamic_cast<ListForm*>(form.get())) list->Choose(*entry);
-      return;
-    case ControlKind::TreeView:
-      if (entry) static_cast<controls::TreeView*>(control)->UserPicked(*entry);
-      return;
-    case ControlKind::ToolBar:
-      if (entry) {
-        auto* bar = static_cast<controls::ToolBar*>(control);
-        bar->UserPressed(std::u16string(bar->Buttons()[static_cast<std::size_t>(*entry)].key));
-      }
-      return;
-    case ControlKind::ComboBox:
-      if (at.x >= area.left + area.width - 2 || static_cast<controls::ComboBox*>(control)->DropDownList) {
-        OpenList(*form);
-        return;
-      }
-      [[fallthrough]];
-    case ControlKind::TextBox: {
-      auto* input = static_cast<controls::TextInput*>(control);
-      const int32_t caret =
-          TextPane(*input, {area.width, area.height}).OffsetAt({at.x - area.left, at.y - area.top});
-      if (input->Enabled()) input->UserSelected(caret, caret);
-      break;
-    }
-    default:
-      break;
-  }
-  control->UserClicked();
+  Clicker clicker(at, [&] { OpenList(*form); });
+  control.Accept(clicker);
+  if (auto* list = dynamic_cast<ListForm*>(form.get()); list != nullptr && clicker.Entry)
+    list->Choose(*clicker.Entry);
 }
 
 }  // namespace rowlark::terminal

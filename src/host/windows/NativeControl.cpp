@@ -2,7 +2,14 @@
 
 #include <algorithm>
 #include <system_error>
+#include <utility>
 
+#include "controls/Button.h"
+#include "controls/CheckBox.h"
+#include "controls/Frame.h"
+#include "controls/Image.h"
+#include "controls/Label.h"
+#include "controls/OptionButton.h"
 #include "host/windows/NativeButtons.h"
 #include "host/windows/NativeLists.h"
 #include "host/windows/NativeStatics.h"
@@ -126,33 +133,44 @@ std::wstring TextOf(HWND window) {
   return text;
 }
 
-std::unique_ptr<NativeControl> MakeNativeControl(controls::Control& control, FormSite& site) {
-  using controls::ControlKind;
-  switch (control.Kind) {
-    case ControlKind::Button:
-    case ControlKind::CheckBox:
-    case ControlKind::Frame:
-    case ControlKind::OptionButton:
-      return std::make_unique<NativeButton>(control, site);
-    case ControlKind::ComboBox:
-      return std::make_unique<NativeComboBox>(control, site);
-    case ControlKind::Image:
-      return std::make_unique<NativeImage>(control, site);
-    case ControlKind::Label:
-      return std::make_unique<NativeLabel>(control, site);
-    case ControlKind::ListView:
-      return std::make_unique<NativeListView>(control, site);
-    case ControlKind::TextBox:
-      if (static_cast<const controls::TextBox&>(control).CueFor != nullptr)
-        return std::make_unique<NativeCue>(control, site);
-      return std::make_unique<NativeTextBox>(control, site);
-    case ControlKind::ToolBar:
-      return std::make_unique<NativeToolBar>(control, site);
-    case ControlKind::TreeView:
-      return std::make_unique<NativeTreeView>(control, site);
-    default:
-      return nullptr;
+namespace {
+
+class NativeFactory final : public controls::Visitor {
+ public:
+  explicit NativeFactory(FormSite& site) : site_(site) {}
+
+  std::unique_ptr<NativeControl> Made;
+
+  void Visit(controls::Button& button) override { Make<NativeButton>(button); }
+  void Visit(controls::CheckBox& box) override { Make<NativeButton>(box); }
+  void Visit(controls::ComboBox& box) override { Make<NativeComboBox>(box); }
+  void Visit(controls::Frame& frame) override { Make<NativeButton>(frame); }
+  void Visit(controls::Image& image) override { Make<NativeImage>(image); }
+  void Visit(controls::Label& label) override { Make<NativeLabel>(label); }
+  void Visit(controls::ListView& list) override { Make<NativeListView>(list); }
+  void Visit(controls::OptionButton& button) override { Make<NativeButton>(button); }
+  void Visit(controls::TextBox& box) override {
+    if (box.CueFor != nullptr) return Make<NativeCue>(box);
+    Make<NativeTextBox>(box);
   }
+  void Visit(controls::ToolBar& bar) override { Make<NativeToolBar>(bar); }
+  void Visit(controls::TreeView& tree) override { Make<NativeTreeView>(tree); }
+
+ private:
+  template <class Native>
+  void Make(controls::Control& control) {
+    Made = std::make_unique<Native>(control, site_);
+  }
+
+  FormSite& site_;
+};
+
+}  // namespace
+
+std::unique_ptr<NativeControl> MakeNativeControl(controls::Control& control, FormSite& site) {
+  NativeFactory factory(site);
+  control.Accept(factory);
+  return std::move(factory.Made);
 }
 
 }  // namespace rowlark::windows
