@@ -235,6 +235,24 @@ TEST(FormLayout, IsOneTreeForEveryWidth) {
 └──────────────────────────────────┘
     [ ] Dependent
 )");
+  // A page that does not show takes no room any more, and a text that is cut no border.
+  form->one.SetCaption(u"An option");
+  form->label.SetCaption(u"A long label");
+  EXPECT_EQ(form->Drawn(14), R"(
+ Find
+           ▾ !
+( ) An option
+( ) Option two
+[ ] Check
+[ OK ]
+[ Cancel ]
+ Page
+A long label
+A1
+    [ ] Depen…
+)");
+  form->one.SetCaption(u"Option one");
+  form->label.SetCaption(u"Range:");
   form->error.SetVisible(true);
   form->page.SetVisible(false);
   form->other_page.SetVisible(true);
