@@ -51,8 +51,15 @@ bool BaseForm::Open() {
   return Loaded();
 }
 
+// What unloads the form may be another object, and this one may go in the middle of that.
+void BaseForm::SetObjectRLKRuntime(clsVTRLKRuntime& runtime) {
+  runtime_ = &runtime;
+  runtime_gone_ = runtime.GoneEvent().Connect([this] { runtime_ = nullptr; });
+}
+
 void BaseForm::Form_Unload() {
   evtLang_.Release();
+  runtime_gone_.Release();
   runtime_ = nullptr;
 }
 

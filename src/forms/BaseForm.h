@@ -42,9 +42,9 @@ class BaseForm : public controls::Form {
  public:
   // Makes the form's windows, hidden, and loads it; false where there are no windows. Once.
   bool Open();
-  // Hands the form the runtime object that it works for, which outlives it being loaded. Afterwards the form
-  // may be unloaded, as after everything that calls the host.
-  virtual void SetObjectRLKRuntime(clsVTRLKRuntime& runtime) { runtime_ = &runtime; }
+  // Hands the form the runtime object that it works for. Afterwards the form may be unloaded, as after
+  // everything that calls the host.
+  virtual void SetObjectRLKRuntime(clsVTRLKRuntime& runtime);
   bool WorksFor(const clsVTRLKRuntime& runtime) const { return runtime_ == &runtime; }
 
   // Floats above the host's main window; without one on its own. A host may have several: the one in front.
@@ -83,9 +83,12 @@ class BaseForm : public controls::Form {
   void MoveOntoScreen(int32_t left, int32_t top);
 
   SharedState& shared_;
+  // Present while the form is loaded, once it has been handed over. While the form is being unloaded the
+  // object may go with everything that calls the host or processes messages.
   clsVTRLKRuntime* runtime_ = nullptr;
 
  private:
+  Connection runtime_gone_;
   Connection evtLang_;
 };
 

@@ -130,11 +130,9 @@ void frmSearch::Form_Unload() {
 }
 
 void frmSearch::Finish() {
-  if (runtime_->Searching()) {
-    runtime_->StopSearch();
-    runtime_->EndSearch();
-  }
   const auto items = runtime_->Items;
+  if (runtime_->Searching()) runtime_->StopSearch();
+  if (runtime_ != nullptr) runtime_->EndSearch();
   Hide();
   SetOwner(0);
   StorePosition(u"SearchFormPosSize");
@@ -155,7 +153,7 @@ void frmSearch::Finish() {
     items->CfgSave(false);
   });
   Attempt([&] {
-    if (ActiveProfile()->DontSaveChanges) Require(Host()->ActiveWorkbook())->SetSaved(true);
+    if (ActiveProfile(*items)->DontSaveChanges) Require(Host()->ActiveWorkbook())->SetSaved(true);
   });
 }
 
@@ -164,7 +162,7 @@ void frmSearch::ShowAllRows() {
   Ref<host::Range> found;
   if (going_) Attempt([&] { found = Host()->ActiveCell(); });
   std::u16string discarded;
-  Attempt([&] { runtime_->Unhide(false, discarded); });
+  if (runtime_ != nullptr) Attempt([&] { runtime_->Unhide(false, discarded); });
   if (found) found->Activate();
 }
 
@@ -196,7 +194,8 @@ void frmSearch::ShowFormCaption() {
 }
 
 std::u16string frmSearch::SearchedRange() const {
-  const auto profile = ActiveProfile();
+  const auto items = runtime_->Items;
+  const auto profile = ActiveProfile(*items);
   bool filtered = false;
   Attempt([&] { filtered = Require(Require(Host()->ActiveWorkbook())->ActiveSheet())->AutoFilterMode(); });
   if (filtered) return Text(u"Search.UI.FormCaption.Mode1", u"[AutoFiltered range]");
@@ -206,11 +205,10 @@ std::u16string frmSearch::SearchedRange() const {
   return u"[" + range + u"]";
 }
 
-std::shared_ptr<clsVTRLKItem> frmSearch::ActiveProfile() const {
-  const auto items = runtime_->Items;
-  std::shared_ptr<clsVTRLKItem> profile;
-  Attempt([&] { profile = items->ByName(Require(Host()->ActiveWorkbook())->Name()); });
-  return profile ? profile : items->DefaultItem;
+std::shared_ptr<clsVTRLKItem> frmSearch::ActiveProfile(const clsVTRLKItems& items) const {
+  auto profile = items.DefaultItem;
+  Attempt([&] { profile = items.ForWorkbook(Require(Host()->ActiveWorkbook())->Name()); });
+  return profile;
 }
 
 void frmSearch::SetEditMode(bool edit) {

@@ -62,7 +62,7 @@ class frmSearch final : public BaseForm {
 
   void ShowFormCaption();
   std::u16string SearchedRange() const;
-  std::shared_ptr<clsVTRLKItem> ActiveProfile() const;
+  std::shared_ptr<clsVTRLKItem> ActiveProfile(const clsVTRLKItems& items) const;
   void SetEditMode(bool edit);
   void FillHistory();
   void ApplyOptions();

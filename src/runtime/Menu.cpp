@@ -53,18 +53,18 @@ void Menu::Create() {
   };
   const BuildingGuard guard(building_);
 
+  const auto language = shared_.Language;
   const auto bar = Bar();
   RemoveFrom(*bar);
-  auto& language = *shared_.Language;
   const auto menu = Require(bar->AddControl(host::msoControlPopup, true));
   try {
     menu->SetTag(kTag);
     shared_.Registry.SetLong(host::Hive::LocalMachine, kProductKey, kMenuItemID, menu->Id());
-    menu->SetCaption(language.GetText(u"Menu.Root", u"&Rowlark"));
+    menu->SetCaption(language->GetText(u"Menu.Root", u"&Rowlark"));
     menu->SetBeginGroup(true);
     for (const auto& entry : kEntries) {
       const auto button = Require(menu->AddControl(host::msoControlButton));
-      button->SetCaption(language.GetText(entry.key, entry.caption));
+      button->SetCaption(language->GetText(entry.key, entry.caption));
       button->SetOnAction(entry.macro);
       if (entry.begin_group) button->SetBeginGroup(true);
     }

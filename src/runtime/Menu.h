@@ -5,6 +5,8 @@
 
 namespace rowlark {
 
+// The host's operations may call back, and what they call destroy the runtime object: whoever calls the menu
+// holds it.
 class Menu {
  public:
   explicit Menu(SharedState& shared) : shared_(shared) {}

@@ -14,7 +14,7 @@ clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared, Forms& forms)
       shared_(shared),
       forms_(forms),
       searches_(std::make_shared<Searches>(shared)),
-      menu_(shared) {
+      menu_(std::make_shared<Menu>(shared)) {
   shared_.Acquire();
   new_language_ =
       shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) { evtLang_NewLangLoaded(); });
@@ -22,6 +22,7 @@ clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared, Forms& forms)
 
 clsVTRLKRuntime::~clsVTRLKRuntime() {
   forms_.Unload(this);
+  gone_event_.Raise();
   searches_->Abandon();
   shared_.Release();
 }
@@ -40,12 +41,19 @@ void clsVTRLKRuntime::Init() {
 
 void clsVTRLKRuntime::OnAddinInstall() { Items->CfgSave(true); }
 
-void clsVTRLKRuntime::MenuCreate() { menu_.Create(); }
+// From a call of the host that comes back the object may be destroyed.
+void clsVTRLKRuntime::MenuCreate() {
+  const auto menu = menu_;
+  menu->Create();
+}
 
-void clsVTRLKRuntime::MenuRemove() { menu_.Remove(); }
+void clsVTRLKRuntime::MenuRemove() {
+  const auto menu = menu_;
+  menu->Remove();
+}
 
 void clsVTRLKRuntime::evtLang_NewLangLoaded() {
-  if (menu_.Made() && !menu_.Building() && shared_.ExcelApp) MenuCreate();
+  if (menu_->Made() && !menu_->Building() && shared_.ExcelApp) MenuCreate();
 }
 
 std::u16string clsVTRLKRuntime::HelpFile() const { return HelpFilePath(shared_); }

@@ -93,14 +93,18 @@ class clsVTRLKRuntime {
   // The library ends: every wait and long loop does so soon, and the forms are unloaded.
   void DoStop();
 
+  // Raised when the object is destroyed, for whoever keeps a pointer to it.
+  Event<>& GoneEvent() { return gone_event_; }
+
  private:
   void evtLang_NewLangLoaded();
 
   SharedState& shared_;
   Forms& forms_;
   const std::shared_ptr<Searches> searches_;
-  Menu menu_;
+  const std::shared_ptr<Menu> menu_;
   Connection new_language_;
+  Event<> gone_event_;
 };
 
 }  // namespace rowlark

@@ -30,7 +30,8 @@ void clsVTRLKItem::UpdateSearchRange() {
   const bool on_sheet = start_row_ > 0 && start_col_ > 0 && end_row_ > 0 && end_col_ > 0;
   if (!on_sheet && (start_row_ >= 0 || search_range_.empty())) return;
   try {
-    const auto sheet = foundation_->ExcelApp ? foundation_->ExcelApp->ActiveSheet() : nullptr;
+    const auto application = foundation_->ExcelApp;
+    const auto sheet = application ? application->ActiveSheet() : nullptr;
     if (!sheet) return;
     if (start_row_ < 0) {
       search_range_.clear();

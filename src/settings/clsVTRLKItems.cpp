@@ -33,6 +33,11 @@ bool clsVTRLKItems::Add(const std::shared_ptr<clsVTRLKItem>& item) {
   return true;
 }
 
+std::shared_ptr<clsVTRLKItem> clsVTRLKItems::ForWorkbook(std::u16string_view name) const {
+  auto profile = ByName(name);
+  return profile ? profile : DefaultItem;
+}
+
 void clsVTRLKItems::SetByName(std::u16string_view name, const std::shared_ptr<clsVTRLKItem>& item) {
   profiles_.SetData(name, item);
 }

@@ -48,6 +48,8 @@ class clsVTRLKItems {
   std::shared_ptr<clsVTRLKItem> ByName(std::u16string_view name) const {
     return ToItem(profiles_.Data(name));
   }
+  // The profile of that workbook, or the default profile where it has none of its own.
+  std::shared_ptr<clsVTRLKItem> ForWorkbook(std::u16string_view name) const;
   void SetByName(std::u16string_view name, const std::shared_ptr<clsVTRLKItem>& item);
   std::shared_ptr<clsVTRLKItem> Item(int32_t Index) const { return ToItem(profiles_.Data(Index)); }
   void SetItem(int32_t Index, const std::shared_ptr<clsVTRLKItem>& item);

@@ -352,6 +352,33 @@ TEST(Forms, AreUnloadedInOrderWhenTheLibraryEndsOrTheirRuntimeGoes) {
   }
 }
 
+// The forms of one object are ended by another one, and the client lets the first one go in the middle.
+TEST(Forms, MayBeUnloadedWhileTheirRuntimeGoes) {
+  for (const bool host : {true, false}) {  // in an operation of the host, or in a message
+    bool gone = true;
+    for (int64_t point = 1; gone; ++point) {
+      SCOPED_TRACE((host ? "call " : "pass ") + std::to_string(point));
+      Desk desk;
+      clsVTRLKRuntime other(desk.shared, desk.forms);
+      CallingHost calling;
+      calling.action = [&] { desk.runtime.reset(); };
+      desk.runtime->SetExcelApp(calling.Wrap(Ref<host::Application>(desk.application)));
+      desk.Options();
+      Type(*desk.Search(), u"ann");
+      if (host) desk.windows.Elapse(300);
+      desk.pump.OnPass = [&, passes = int64_t{0}](int64_t) mutable {  // of the search, then of its end
+        if (++passes == 1) other.DoStop();
+        if (passes == point + 1) desk.runtime.reset();
+      };
+      calling.call = host ? point : 0;
+      host ? other.DoStop() : desk.windows.Elapse(300);
+      gone = !desk.runtime;
+      EXPECT_TRUE(desk.NoFormIsLeft());
+      other.SetExcelApp(nullptr);
+    }
+  }
+}
+
 TEST(Forms, AreNotOpenedWhereThereAreNoWindows) {
   Desk desk;
   desk.windows.Present = false;
