@@ -198,8 +198,7 @@ int RunSearch(const SearchArguments& arguments, Program& program, Output& output
   std::chrono::duration<double, std::milli> time{};
   {
     const auto workbook = program.Host()->ActiveWorkbook();
-    const auto stored = program.Items().ByName(workbook->Name());
-    const auto profile = (stored ? stored : program.Items().DefaultItem)->Clone(workbook->FullName());
+    const auto profile = program.Items().ForWorkbook(workbook->Name())->Clone(workbook->FullName());
     SetProfile(table, arguments, *profile);
     const ProfileOverlay overlay(program.Items(), profile);
 

@@ -144,8 +144,7 @@ void TerminalProgram::StartSearch(const KeyPress& press) {
 std::shared_ptr<clsVTRLKItem> TerminalProgram::DetectedProfile() {
   std::shared_ptr<clsVTRLKItem> profile;
   Attempted([&] {
-    const auto stored = program_.Items().ByName(tables_.Active().Workbook()->Name());
-    auto detected = (stored ? stored : program_.Items().DefaultItem)->Clone();
+    auto detected = program_.Items().ForWorkbook(tables_.Active().Workbook()->Name())->Clone();
     program_.Runtime().DetectSearchRange(tables_.View().Sheet(), *detected);
     profile = detected;
   });

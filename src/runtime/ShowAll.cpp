@@ -118,8 +118,7 @@ bool HideRows(host::Worksheet& sheet, host::Range& range, bool hide, std::u16str
 }
 
 std::shared_ptr<clsVTRLKItem> ActiveProfile(const host::Application& application, clsVTRLKItems& items) {
-  const auto name = Require(application.ActiveWorkbook())->Name();
-  return items.Exists(name) ? items.ByName(name) : items.DefaultItem;
+  return items.ForWorkbook(Require(application.ActiveWorkbook())->Name());
 }
 
 bool ShowAll(SharedState& shared, const host::Application& application, FlagScope& screen,
