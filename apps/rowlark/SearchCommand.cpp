@@ -10,6 +10,7 @@
 #include <string_view>
 #include <utility>
 
+#include "host/Block.h"
 #include "tables/Document.h"
 #include "util/Text.h"
 #include "util/Utf.h"
@@ -68,13 +69,6 @@ class ProfileOverlay {
   const std::shared_ptr<clsVTRLKItem> own_;  // null when the workbook has none
 };
 
-// Address without the dollar signs: "B7".
-std::string PlainAddress(const host::Range& range) {
-  std::string address = ToUtf8(range.Address());
-  std::erase(address, '$');
-  return address;
-}
-
 // The number of a column of the table, by its letters; `option` is where they were given.
 int32_t ColumnNumber(const Table& table, const char* option, const std::string& letters) {
   const auto is_letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
@@ -89,7 +83,7 @@ int32_t ColumnNumber(const Table& table, const char* option, const std::string& 
     }
   }
   const auto name = [&](int32_t column) {
-    const std::string address = PlainAddress(*table.sheet->Cells(1, column));
+    const std::string address = ToUtf8(PlainAddress(*table.sheet->Cells(1, column)));
     return address.substr(0, address.size() - 1);
   };
   throw std::runtime_error(std::string(option) + ": no column '" + letters + "' in the table (" +
@@ -105,10 +99,7 @@ void SetRange(const Table& table, const std::string& address, clsVTRLKItem& prof
     fail();
   }
   if (range->AreasCount() != 1) fail();
-  profile.SetStartRow(range->Row());
-  profile.SetStartCol(range->Column());
-  profile.SetEndRow(range->Row() + range->RowsCount() - 1);
-  profile.SetEndCol(range->Column() + range->ColumnsCount() - 1);
+  profile.SetBlock(Block::Of(*range));
 }
 
 void SetFilters(const Table& table, const std::vector<ColumnFilter>& filters) {
@@ -129,12 +120,9 @@ void SetFilters(const Table& table, const std::vector<ColumnFilter>& filters) {
 
 void SetProfile(const Table& table, const SearchArguments& arguments, clsVTRLKItem& profile) {
   if (!arguments.range.empty()) SetRange(table, arguments.range, profile);
-  const std::string& columns = arguments.columns;
-  for (std::size_t from = 0, comma = 0; !columns.empty() && comma != std::string::npos; from = comma + 1) {
-    comma = columns.find(',', from);
-    ColumnNumber(table, "--columns", columns.substr(from, comma - from));
-  }
-  if (!columns.empty()) profile.SearchCols = ToUtf16(columns);
+  const auto columns = ToUtf16(arguments.columns);
+  for (const auto& name : Columns(columns).Names()) ColumnNumber(table, "--columns", ToUtf8(name));
+  if (!columns.empty()) profile.SearchCols = columns;
   if (!arguments.jump.empty()) profile.SelectCol = ColumnNumber(table, "--jump", arguments.jump);
 }
 
@@ -158,7 +146,7 @@ void PrintJson(const Table& table, const host::Range& active_cell, bool found, c
     return nlohmann::json(name).dump() + ':' + value.dump();
   };
   output.Write('{' + field("found", found) + ',' + field("error", error) + ',' +
-               field("activeCell", PlainAddress(active_cell)) + ",\"visibleRows\":[");
+               field("activeCell", ToUtf8(PlainAddress(active_cell))) + ",\"visibleRows\":[");
   const char* separator = "";
   ForEachVisibleBlock(table, [&](int32_t first, int32_t last) {
     output.Write(separator + nlohmann::json{first, last}.dump());
@@ -218,7 +206,7 @@ int RunSearch(const SearchArguments& arguments, Program& program, Output& output
   if (arguments.print == Print::Json) {
     PrintJson(table, *active_cell, found, error, ToUtf8(range), time.count(), output);
   } else if (found && arguments.go_to) {
-    output.Write(PlainAddress(*active_cell) + '\n');
+    output.Write(ToUtf8(PlainAddress(*active_cell)) + '\n');
   } else if (found) {
     PrintRows(table, arguments.print, output);
   }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <stdexcept>
 
+#include "host/Block.h"
 #include "host/Error.h"
 #include "host/standalone/Address.h"
 #include "util/FileSystemPlatform.h"
@@ -42,38 +43,19 @@ Ref<host::Range> Evaluate(const std::string& address, const char* option, const 
 }
 
 void SetRange(clsVTRLKItem& item, const std::string& address, Program& program) {
-  int32_t corners[4] = {0, 0, 0, 0};
-  if (address != "auto") {
-    const auto range = Evaluate(address, "--range", address, program);
-    corners[0] = range->Row();
-    corners[1] = range->Column();
-    corners[2] = range->Row() + range->RowsCount() - 1;
-    corners[3] = range->Column() + range->ColumnsCount() - 1;
-  }
-  item.SetStartRow(corners[0]);
-  item.SetStartCol(corners[1]);
-  item.SetEndRow(corners[2]);
-  item.SetEndCol(corners[3]);
+  item.SetBlock(address == "auto" ? Block() : Block::Of(*Evaluate(address, "--range", address, program)));
 }
 
 void SetColumns(clsVTRLKItem& item, const std::string& columns, Program& program) {
   item.SearchCols.clear();
   if (columns == "all") return;
-  for (std::size_t from = 0, comma = 0; comma != std::string::npos; from = comma + 1) {
-    comma = columns.find(',', from);
-    Evaluate(columns.substr(from, comma - from) + "1", "--columns", columns, program);
-  }
-  item.SearchCols = ToUpper(ToUtf16(columns));
+  const auto text = ToUtf16(columns);
+  for (const auto& name : Columns(text).Names()) Evaluate(ToUtf8(name) + "1", "--columns", columns, program);
+  item.SearchCols = ToUpper(text);
 }
 
 void RequireSaved(Program& program) {
   if (!program.Save()) throw std::runtime_error("the settings were not saved");
-}
-
-std::string PlainAddress(const host::Range& range) {
-  auto address = ToUtf8(range.Address());
-  std::erase(address, '$');
-  return address;
 }
 
 // A cell on the sheet: what lies beyond its edges is at them.
@@ -85,18 +67,20 @@ Ref<host::Range> Cell(int32_t row, int32_t column, Program& program) {
 // The profile's own address was formed when it was loaded, and there was no sheet then.
 std::string Range(const clsVTRLKItem& item, Program& program) {
   if (item.StartRow() < 1) return "auto";
-  if (item.StartCol() < 1 || item.EndRow() < 1 || item.EndCol() < 1) return "partly auto";
-  return PlainAddress(*program.Host()->ActiveSheet()->Range(*Cell(item.StartRow(), item.StartCol(), program),
-                                                            *Cell(item.EndRow(), item.EndCol(), program)));
+  const auto& block = item.Block();
+  if (!block.IsClosed()) return "partly auto";
+  return ToUtf8(
+      PlainAddress(*program.Host()->ActiveSheet()->Range(*Cell(block.first_row, block.first_column, program),
+                                                         *Cell(block.last_row, block.last_column, program))));
 }
 
-std::string Columns(const clsVTRLKItem& item) {
+std::string SearchedColumns(const clsVTRLKItem& item) {
   return item.SearchCols.empty() ? "all" : ToUtf8(item.SearchCols);
 }
 
 std::string Jump(const clsVTRLKItem& item, Program& program) {
   if (item.SelectCol < 1) return "auto";
-  const auto address = PlainAddress(*Cell(1, item.SelectCol, program));
+  const auto address = ToUtf8(PlainAddress(*Cell(1, item.SelectCol, program)));
   return address.substr(0, address.size() - 1);
 }
 
@@ -104,8 +88,8 @@ std::string Jump(const clsVTRLKItem& item, Program& program) {
 
 int ListProfiles(Program& program, Output& output) {
   const auto print = [&](const std::string& name, const clsVTRLKItem& item) {
-    output.Write(name + '\t' + Range(item, program) + '\t' + Columns(item) + '\t' + Jump(item, program) +
-                 '\n');
+    output.Write(name + '\t' + Range(item, program) + '\t' + SearchedColumns(item) + '\t' +
+                 Jump(item, program) + '\n');
   };
   print(kDefault, *program.Items().DefaultItem);
   for (int32_t i = 0; i < program.Items().count(); ++i) {
@@ -122,7 +106,7 @@ int ShowProfile(const std::string& workbook, Program& program, Output& output) {
   output.Write("workbook: " +
                (workbook == kDefault ? kDefault : platform::ToPath(item->FileFullName()).string()) + '\n');
   output.Write("range: " + Range(*item, program) + '\n');
-  output.Write("columns: " + Columns(*item) + '\n');
+  output.Write("columns: " + SearchedColumns(*item) + '\n');
   output.Write("jump: " + Jump(*item, program) + '\n');
   output.Write(std::string("jump-first-row: ") + yes(item->UnhideJumpFirstRow) + '\n');
   output.Write(std::string("dont-save: ") + yes(item->DontSaveChanges) + '\n');

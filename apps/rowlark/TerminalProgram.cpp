@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "forms/HotKey.h"
+#include "host/Block.h"
 #include "runtime/Failure.h"
 #include "settings/Product.h"
 #include "util/Text.h"
@@ -114,10 +115,8 @@ void TerminalProgram::Edit() {
   if (editor_ && editor_->Loaded()) return;
   Attempted([this] {
     const auto cell = Require(program_.Host()->ActiveCell());
-    auto address = cell->Address();
-    std::erase(address, u'$');
     editor_ = MakeRef<CellEditor>(
-        address, cell->Value(), [this, cell](CellEditor::End end, const std::u16string& text) {
+        PlainAddress(*cell), cell->Value(), [this, cell](CellEditor::End end, const std::u16string& text) {
           if (end == CellEditor::End::Cancelled) return;
           try {
             if (text != cell->Value()) cell->SetValue(text);
@@ -154,19 +153,15 @@ std::shared_ptr<clsVTRLKItem> TerminalProgram::DetectedProfile() {
 Highlight TerminalProgram::MakeHighlight() {
   const auto profile = DetectedProfile();
   if (!profile) return {};
-  std::vector<int32_t> columns;
-  std::u16string_view letters = profile->SearchCols;
-  while (!letters.empty()) {
-    const auto comma = std::min(letters.find(u','), letters.size());
-    Attempted([&] {
-      const auto cell = std::u16string(letters.substr(0, comma)) + u"1";
-      columns.push_back(tables_.View().Sheet().Range(cell)->Column());
-    });
-    letters.remove_prefix(std::min(comma + 1, letters.size()));
-  }
-  std::ranges::sort(columns);
-  const standalone::Rect area{profile->StartRow(), profile->StartCol(), profile->EndRow(), profile->EndCol()};
-  return {searched_, *program_.Runtime().SearchOptions, area, columns};
+  const auto& block = profile->Block();
+  Highlight highlight;  // none where the search will fail
+  Attempted([&] {
+    highlight = {searched_,
+                 *program_.Runtime().SearchOptions,
+                 {block.first_row, block.first_column, block.last_row, block.last_column},
+                 Columns(profile->SearchCols).On(tables_.View().Sheet())};
+  });
+  return highlight;
 }
 
 void TerminalProgram::evtRLRTM_Searching(bool searching) {
@@ -363,9 +358,7 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
   if (!message_.empty()) left += u" │ " + message_;
   Attempted([&] {
     const auto cell = Require(program_.Host()->ActiveCell());
-    auto address = cell->Address();
-    std::erase(address, u'$');
-    left += u" │ " + address + u" " + cell->Value();
+    left += u" │ " + PlainAddress(*cell) + u" " + cell->Value();
   });
   const int32_t taken = terminal::WidthOf(right);
   canvas.Write(at, left, Style::Status, std::max(0, width - taken - 1));

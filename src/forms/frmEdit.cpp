@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "host/Block.h"
 #include "runtime/Failure.h"
 #include "settings/Product.h"
 
@@ -16,8 +17,7 @@ constexpr int32_t kLastColumn = 256;
 // "C7" of "[Book1.xls]Sheet1!$C$7".
 std::u16string CellOf(std::u16string address) {
   address.erase(0, address.rfind(u'!') + 1);
-  std::erase(address, u'$');
-  return address;
+  return WithoutDollars(address);
 }
 
 }  // namespace
@@ -100,9 +100,7 @@ void frmEdit::Follow() {
     const bool here = Require(Host()->ActiveCell())->ExternalAddress() == address_;
     if (!Loaded()) return;
     if (!here && !Edited()) return ShowActiveCell();
-    auto away = address_;
-    std::erase(away, u'$');
-    lblActiveCell.SetCaption(here ? CellOf(address_) : away);
+    lblActiveCell.SetCaption(here ? CellOf(address_) : WithoutDollars(address_));
   });
 }
 

@@ -3,6 +3,7 @@
 
 #include "forms/TextRule.h"
 #include "forms/frmOptions.h"
+#include "host/Block.h"
 #include "runtime/Failure.h"
 #include "settings/Product.h"
 #include "util/Text.h"
@@ -12,11 +13,11 @@ namespace {
 
 constexpr int32_t kDefaultProfile = -1;  // tag of the entry for all workbooks
 
-// What is left of an address without dollar signs, and on demand without row numbers.
-std::u16string Relative(std::u16string address, bool columns_only = false) {
-  std::erase_if(address,
-                [columns_only](char16_t c) { return c == u'$' || (columns_only && c >= u'0' && c <= u'9'); });
-  return address;
+// What is left of an address without row numbers and dollar signs.
+std::u16string ColumnsOf(std::u16string_view address) {
+  auto columns = WithoutDollars(std::u16string(address));
+  std::erase_if(columns, [](char16_t c) { return c >= u'0' && c <= u'9'; });
+  return columns;
 }
 
 // The text before the first separator, which goes with it.
@@ -112,10 +113,9 @@ void frmOptions::ShowProfile() {
     range = profile->SearchRange();
     Attempt([&] {
       const auto sheet = Require(Host()->ActiveSheet());
-      range = Relative(sheet
-                           ->Range(*sheet->Cells(profile->StartRow(), profile->StartCol()),
-                                   *sheet->Cells(profile->EndRow(), profile->EndCol()))
-                           ->Address());
+      const auto block = profile->Block();
+      range = PlainAddress(*sheet->Range(*sheet->Cells(block.first_row, block.first_column),
+                                         *sheet->Cells(block.last_row, block.last_column)));
     });
   }
   if (profile->SelectCol > 0) Attempt([&] { column = ColumnLetters(profile->SelectCol); });
@@ -132,23 +132,11 @@ void frmOptions::ShowProfile() {
 void frmOptions::WriteRange() {
   const auto profile = profile_;
   const auto text = box1_Range.Text();
-  profile->SetStartRow(0);
-  profile->SetEndCol(0);
-  profile->SetStartCol(0);
-  profile->SetEndRow(0);
+  Block block;
   if (!text.empty()) {
-    Attempt([&] {
-      const auto range = Require(Host()->ActiveSheet())->Range(text);
-      const int32_t row = range->Row();
-      const int32_t column = range->Column();
-      const int32_t rows = range->RowsCount();
-      const int32_t columns = range->ColumnsCount();
-      profile->SetStartRow(row);
-      profile->SetStartCol(column);
-      profile->SetEndCol(column + columns - 1);
-      profile->SetEndRow(row + rows - 1);
-    });
+    Attempt([&] { block = Block::Of(*Require(Host()->ActiveSheet())->Range(text)); });
   }
+  profile->SetBlock(block);
   ProfileChanged.Raise();
 }
 
@@ -236,7 +224,7 @@ void frmOptions::Pick(controls::TextBox& field, bool multiple, PickedText text) 
 }
 
 std::u16string frmOptions::PickedCol(std::u16string_view address) const {
-  return Relative(std::u16string(TakePiece(address, u':')), true);
+  return ColumnsOf(TakePiece(address, u':'));
 }
 
 // The columns of all areas, ordered as texts.
@@ -244,7 +232,7 @@ std::u16string frmOptions::PickedSearchCols(std::u16string_view address) const {
   mclsVTDictionary columns;
   columns.SetCompareMode(CompareMode::Text);
   columns.SetSortMode(SortMode::Ascending);
-  const auto letters = Relative(std::u16string(address), true);
+  const auto letters = ColumnsOf(address);
   std::u16string_view areas = letters;
   while (!areas.empty()) {
     auto area = TakePiece(areas, u';');
@@ -261,7 +249,7 @@ std::u16string frmOptions::PickedSearchCols(std::u16string_view address) const {
 }
 
 std::u16string frmOptions::ColumnLetters(int32_t column) const {
-  return Relative(Require(Host()->ActiveSheet())->Cells(1, column)->Address(), true);
+  return ColumnsOf(Require(Host()->ActiveSheet())->Cells(1, column)->Address());
 }
 
 int32_t frmOptions::ColumnNumber(std::u16string_view letters) const {

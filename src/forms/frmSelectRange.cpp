@@ -1,6 +1,7 @@
 #include "forms/frmSelectRange.h"
 
 #include "forms/TextRule.h"
+#include "host/Block.h"
 #include "runtime/Failure.h"
 
 namespace rowlark {
@@ -70,8 +71,7 @@ void frmSelectRange::ShowSelection() {
       addresses += selection->Areas(i)->Address();
     }
   });
-  std::erase(addresses, u'$');
-  box0.SetText(addresses);
+  box0.SetText(WithoutDollars(addresses));
 }
 
 void frmSelectRange::End(bool accepted) {

@@ -6,36 +6,39 @@
 
 namespace rowlark {
 
-bool DetectSearchRange(host::Worksheet& sheet, clsVTRLKItem& profile) {
+namespace {
+
+// Closes the bounds of one direction; asks the host for no more than it needs.
+template <class First, class Count>
+void Close(int32_t& first, int32_t& last, First used_first, Count used_count) {
+  if (first > 0 && last > 0) return;
+  const int32_t start = used_first();
+  if (last <= 0) last = start + used_count() - 1;
+  if (first <= 0) first = start;
+}
+
+}  // namespace
+
+DetectedRange DetectSearchRange(const host::Worksheet& sheet, Block block) {
+  DetectedRange detected{block};
+  auto& closed = detected.block;
   if (sheet.AutoFilterMode()) {
-    const auto range = Require(sheet.AutoFilter())->Range();
-    profile.SetEndCol(range->Column() + range->ColumnsCount() - 1);
-    profile.SetStartCol(range->Column());
-    profile.SetStartRow(range->Row() + 1);
-    profile.SetEndRow(range->Row() + range->RowsCount() - 1);
-    if (profile.StartRow() > profile.EndRow()) profile.SetEndRow(profile.StartRow() + 1);
-    return true;
+    detected.filtered = true;
+    closed = Block::Of(*Require(sheet.AutoFilter())->Range());
+    ++closed.first_row;
+    if (closed.first_row > closed.last_row) closed.last_row = closed.first_row + 1;
+    return detected;
   }
+  if (block.IsClosed()) return detected;
+  detected.automatic =
+      block.first_row <= 0 && block.first_column <= 0 && block.last_row <= 0 && block.last_column <= 0;
   const auto used = sheet.UsedRange();
-  int taken = 0;
-  if (profile.EndCol() <= 0) {
-    profile.SetEndCol(used->Column() + used->ColumnsCount() - 1);
-    ++taken;
-  }
-  if (profile.StartCol() <= 0) {
-    profile.SetStartCol(used->Column());
-    ++taken;
-  }
-  if (profile.StartRow() <= 0) {
-    profile.SetStartRow(used->Row());
-    ++taken;
-  }
-  if (profile.EndRow() <= 0) {
-    profile.SetEndRow(used->Row() + used->RowsCount() - 1);
-    ++taken;
-  }
-  profile.UsingAutoRange = taken == 4;
-  return false;
+  Close(
+      closed.first_column, closed.last_column, [&] { return used->Column(); },
+      [&] { return used->ColumnsCount(); });
+  Close(
+      closed.first_row, closed.last_row, [&] { return used->Row(); }, [&] { return used->RowsCount(); });
+  return detected;
 }
 
 Ref<host::Range> CellOnSheet(const host::Worksheet& sheet, int32_t& row, int32_t& column) {

@@ -12,28 +12,6 @@
 namespace rowlark {
 namespace {
 
-std::vector<std::u16string> Split(std::u16string_view text, char16_t separator) {
-  std::vector<std::u16string> pieces;
-  for (;;) {
-    const auto end = text.find(separator);
-    pieces.emplace_back(text.substr(0, end));
-    if (end == std::u16string_view::npos) return pieces;
-    text.remove_prefix(end + 1);
-  }
-}
-
-// Of up to three letters; 0 for anything else.
-int32_t ColumnNumber(std::u16string_view letters) {
-  int32_t number = 0;
-  if (letters.size() > 3) return 0;
-  for (const char16_t letter : letters) {
-    const char32_t upper = ToUpper(char32_t{letter});
-    if (upper < U'A' || upper > U'Z') return 0;
-    number = number * 26 + static_cast<int32_t>(upper - U'A') + 1;
-  }
-  return number;
-}
-
 bool MayHideRows(const host::Application& application, const host::Worksheet& sheet) {
   if (application.Version() == u"8.0" && Require(sheet.Parent())->ReadOnly()) return false;
   return !sheet.ProtectScenarios();
@@ -66,20 +44,6 @@ void SearchRun::Resume() {
   on_stack_ = false;
 }
 
-void SearchRun::ReadSearchColumns(const host::Worksheet& sheet, const clsVTRLKItem& profile) {
-  if (profile.SearchCols.empty()) return;
-  all_columns_ = false;
-  for (const auto& piece : Split(profile.SearchCols, u',')) {
-    try {
-      columns_.push_back(sheet.Range(piece + u"1")->Column());
-    } catch (const host::Error&) {
-      // A column that only a larger sheet has holds no match.
-      if (ColumnNumber(piece) <= sheet.Cells()->ColumnsCount()) throw;
-    }
-  }
-  std::ranges::sort(columns_);
-}
-
 std::vector<std::u16string> SearchRun::Words() const {
   if (options_.SearchWords != xcVT_SEARCH_WORDS_ANY) return {text_};
   return Split(mclsVTString::Replace(text_, u"  ", u" ", CompareMode::Binary), u' ');
@@ -95,21 +59,17 @@ host::FindArguments SearchRun::What(std::u16string_view word) const {
   return arguments;
 }
 
-Ref<host::Range> SearchRun::SearchRange(const host::Worksheet& sheet, const clsVTRLKItem& profile,
-                                        bool filtered) {
-  int32_t first_row = profile.StartRow();
-  int32_t first_column = profile.StartCol();
-  int32_t last_column = profile.EndCol();
+Ref<host::Range> SearchRun::SearchRange(const host::Worksheet& sheet, Block block, bool filtered) {
   const auto used = sheet.UsedRange();
   const int32_t limit_row = used->Row() + used->RowsCount();  // one more than the last used row
-  end_row_ = profile.EndRow() >= 0 ? std::min(profile.EndRow(), limit_row) : limit_row;
-  const auto first = CellOnSheet(sheet, first_row, first_column);
-  const auto last = CellOnSheet(sheet, end_row_, last_column);
+  end_row_ = block.last_row >= 0 ? std::min(block.last_row, limit_row) : limit_row;
+  const auto first = CellOnSheet(sheet, block.first_row, block.first_column);
+  const auto last = CellOnSheet(sheet, end_row_, block.last_column);
   const auto range = sheet.Range(*first, *last);
-  width_ = std::abs(last_column - first_column) + 1;
+  width_ = std::abs(block.last_column - block.first_column) + 1;
   // Rows that an AutoFilter hides are never searched. Of a single cell the host would give the visible cells
   // of the whole sheet; in a hidden row it finds nothing anyhow.
-  if (!filtered || (width_ == 1 && first_row == end_row_)) return range;
+  if (!filtered || (width_ == 1 && block.first_row == end_row_)) return range;
   areas_ = 0;
   return range->SpecialCells(host::xlCellTypeVisible);
 }
@@ -158,8 +118,11 @@ Resumable SearchRun::Work() {
     animations.Change(false);
     events.Change(false);
 
-    const auto profile = ActiveProfile(*application, *items_)->Clone();
-    const bool filtered = DetectSearchRange(*sheet, *profile);
+    // As it is now: messages may change the profile.
+    const auto profile = ActiveProfile(*application, *items_);
+    const Columns searched(profile->SearchCols);
+    const int32_t jump_column = profile->SelectCol;
+    const auto detected = DetectSearchRange(*sheet, profile->Block());
     if (co_await stopped) co_return false;
     // Where rows can not be hidden none are shown either, and the search only goes to the first match.
     const bool hides = options_.UseFilter && MayHideRows(*application, *sheet);
@@ -169,8 +132,9 @@ Resumable SearchRun::Work() {
     }
     if (co_await stopped) co_return false;
 
-    ReadSearchColumns(*sheet, *profile);
-    const auto range = SearchRange(*sheet, *profile, filtered);
+    columns_ = searched.On(*sheet);
+    all_columns_ = searched.Names().empty();
+    const auto range = SearchRange(*sheet, detected.block, detected.filtered);
     bool enough = false;
     for (const auto& word : Words()) {
       auto cell = range->Find(What(word));
@@ -215,13 +179,13 @@ Resumable SearchRun::Work() {
       if (superseded_) co_return false;
       if (next <= end_row_ && !HideBlock(*sheet, next, end_row_)) co_return false;
       // What stands above a range that nobody chose goes too, but for a single row, which is likely a header.
-      if (const int32_t above = rows_.front() - 1; profile->UsingAutoRange && above >= 2) {
+      if (const int32_t above = rows_.front() - 1; detected.automatic && above >= 2) {
         if (!HideBlock(*sheet, 1, above)) co_return false;
       }
       screen.GiveBack();
     }
     int32_t row = rows_.front();
-    int32_t column = profile->SelectCol >= 1 ? profile->SelectCol : profile->StartCol();
+    int32_t column = jump_column >= 1 ? jump_column : detected.block.first_column;
     CellOnSheet(*sheet, row, column)->Activate();
     co_return true;
   } catch (...) {

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/Block.h"
 #include "runtime/Resumable.h"
 #include "runtime/clsVTRLKOptions.h"
 #include "settings/SharedState.h"
@@ -44,10 +45,9 @@ class SearchRun {
   struct StopCheck;
 
   Resumable Work();
-  void ReadSearchColumns(const host::Worksheet& sheet, const clsVTRLKItem& profile);
   std::vector<std::u16string> Words() const;
   host::FindArguments What(std::u16string_view word) const;
-  Ref<host::Range> SearchRange(const host::Worksheet& sheet, const clsVTRLKItem& profile, bool filtered);
+  Ref<host::Range> SearchRange(const host::Worksheet& sheet, Block block, bool filtered);
   void Take(const host::Range& cell, int32_t row);
   bool GoesInCircles(const host::Range& range, int32_t row);
   bool HideBlock(host::Worksheet& sheet, int32_t first, int32_t last);

@@ -91,7 +91,9 @@ bool clsVTRLKRuntime::FinishSearch() {
 }
 
 void clsVTRLKRuntime::DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem& objItem) {
-  rowlark::DetectSearchRange(objSheet, objItem);
+  const auto detected = rowlark::DetectSearchRange(objSheet, objItem.Block());
+  objItem.SetBlock(detected.block);
+  objItem.UsingAutoRange = detected.automatic;
 }
 
 bool clsVTRLKRuntime::Unhide(bool CallFromSearch, std::u16string& strErrLog) {

@@ -23,25 +23,29 @@ void clsVTRLKItem::SetCoordinate(int32_t& coordinate, int32_t value) {
   UpdateSearchRange();
 }
 
+void clsVTRLKItem::SetBlock(const rowlark::Block& block) {
+  block_ = block;
+  UpdateSearchRange();
+}
+
 void clsVTRLKItem::UpdateSearchRange() {
-  UsingAutoRange = end_col_ < 0 && end_row_ < 0 && start_col_ < 0 && start_row_ < 0;
+  UsingAutoRange =
+      block_.first_row < 0 && block_.first_column < 0 && block_.last_row < 0 && block_.last_column < 0;
   // Most profiles have no block: no need to ask the host, when there is no address to take away, or when a
   // corner at 0 lies off any sheet.
-  const bool on_sheet = start_row_ > 0 && start_col_ > 0 && end_row_ > 0 && end_col_ > 0;
-  if (!on_sheet && (start_row_ >= 0 || search_range_.empty())) return;
+  if (!block_.IsClosed() && (block_.first_row >= 0 || search_range_.empty())) return;
   try {
     const auto application = foundation_->ExcelApp;
     const auto sheet = application ? application->ActiveSheet() : nullptr;
     if (!sheet) return;
-    if (start_row_ < 0) {
+    if (block_.first_row < 0) {
       search_range_.clear();
       return;
     }
     const auto origin = sheet->Range(u"A1");
-    auto address = origin->Offset(start_row_ - 1, start_col_ - 1)->AddressLocal() + u":" +
-                   origin->Offset(end_row_ - 1, end_col_ - 1)->Address();
-    std::erase(address, u'$');
-    search_range_ = std::move(address);
+    const auto first = origin->Offset(block_.first_row - 1, block_.first_column - 1)->AddressLocal();
+    const auto last = origin->Offset(block_.last_row - 1, block_.last_column - 1)->Address();
+    search_range_ = WithoutDollars(first + u":" + last);
   } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch): off the sheet, or no cells; the text stays
   }
 }
@@ -49,8 +53,8 @@ void clsVTRLKItem::UpdateSearchRange() {
 std::u16string clsVTRLKItem::ToString() const {
   const auto flag = [](bool on) { return std::u16string(on ? u"1" : u""); };
   const std::vector<std::u16string> fields = {
-      file_full_name_,  name_,      ToText(start_col_), ToText(start_row_),       ToText(end_col_),
-      ToText(end_row_), SearchCols, ToText(SelectCol),  flag(UnhideJumpFirstRow), flag(DontSaveChanges)};
+      file_full_name_,  name_,      ToText(StartCol()), ToText(StartRow()),       ToText(EndCol()),
+      ToText(EndRow()), SearchCols, ToText(SelectCol),  flag(UnhideJumpFirstRow), flag(DontSaveChanges)};
   return mclsVTString::ArrayJoin(fields, PackedCount::Text);
 }
 
@@ -68,10 +72,10 @@ bool clsVTRLKItem::ToObject(std::u16string_view strData) {
   };
   text(0, file_full_name_);
   text(1, name_);
-  SetStartCol(number(2, start_col_));
-  SetStartRow(number(3, start_row_));
-  SetEndCol(number(4, end_col_));
-  SetEndRow(number(5, end_row_));
+  SetStartCol(number(2, StartCol()));
+  SetStartRow(number(3, StartRow()));
+  SetEndCol(number(4, EndCol()));
+  SetEndRow(number(5, EndRow()));
   text(6, SearchCols);
   SelectCol = number(7, SelectCol);
   flag(8, UnhideJumpFirstRow);
@@ -84,11 +88,7 @@ std::shared_ptr<clsVTRLKItem> clsVTRLKItem::Clone(std::u16string_view strFileFul
   copy->SetFileFullName(strFileFullName.empty() ? std::u16string_view(file_full_name_) : strFileFullName);
   copy->SearchCols = SearchCols;
   copy->SelectCol = SelectCol;
-  copy->start_col_ = start_col_;
-  copy->start_row_ = start_row_;
-  copy->end_col_ = end_col_;
-  copy->end_row_ = end_row_;
-  copy->UpdateSearchRange();
+  copy->SetBlock(block_);
   copy->UnhideJumpFirstRow = UnhideJumpFirstRow;
   copy->DontSaveChanges = DontSaveChanges;
   return copy;

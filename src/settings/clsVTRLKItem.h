@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "host/Block.h"
 #include "settings/SharedState.h"
 
 namespace rowlark {
@@ -32,14 +33,17 @@ class clsVTRLKItem {
   const std::u16string& SearchRange() const { return search_range_; }
 
   // Corners of the block, from 1; 0 and below: open.
-  int32_t StartCol() const { return start_col_; }
-  int32_t StartRow() const { return start_row_; }
-  int32_t EndCol() const { return end_col_; }
-  int32_t EndRow() const { return end_row_; }
-  void SetStartCol(int32_t column) { SetCoordinate(start_col_, column); }
-  void SetStartRow(int32_t row) { SetCoordinate(start_row_, row); }
-  void SetEndCol(int32_t column) { SetCoordinate(end_col_, column); }
-  void SetEndRow(int32_t row) { SetCoordinate(end_row_, row); }
+  int32_t StartCol() const { return block_.first_column; }
+  int32_t StartRow() const { return block_.first_row; }
+  int32_t EndCol() const { return block_.last_column; }
+  int32_t EndRow() const { return block_.last_row; }
+  void SetStartCol(int32_t column) { SetCoordinate(block_.first_column, column); }
+  void SetStartRow(int32_t row) { SetCoordinate(block_.first_row, row); }
+  void SetEndCol(int32_t column) { SetCoordinate(block_.last_column, column); }
+  void SetEndRow(int32_t row) { SetCoordinate(block_.last_row, row); }
+  // All four in one step: the address is formed once.
+  const rowlark::Block& Block() const { return block_; }
+  void SetBlock(const rowlark::Block& block);
 
   // Full path of the workbook, and the part behind its last separator: "\", or "/" as in the address of a
   // workbook on a web server.
@@ -61,10 +65,7 @@ class clsVTRLKItem {
 
   std::shared_ptr<const Foundation> foundation_;
   std::u16string search_range_;
-  int32_t start_col_ = 0;
-  int32_t start_row_ = 0;
-  int32_t end_col_ = 0;
-  int32_t end_row_ = 0;
+  rowlark::Block block_;
   std::u16string file_full_name_;
   std::u16string name_;
 };

@@ -1,0 +1,67 @@
+#include "host/Block.h"
+
+#include <algorithm>
+
+#include "host/Error.h"
+#include "util/Text.h"
+
+namespace rowlark {
+namespace {
+
+// Of up to three letters; 0 for anything else.
+int32_t ColumnNumber(std::u16string_view letters) {
+  int32_t number = 0;
+  if (letters.size() > 3) return 0;
+  for (const char16_t letter : letters) {
+    const char32_t upper = ToUpper(char32_t{letter});
+    if (upper < U'A' || upper > U'Z') return 0;
+    number = number * 26 + static_cast<int32_t>(upper - U'A') + 1;
+  }
+  return number;
+}
+
+}  // namespace
+
+Block Block::Of(const host::Range& range) {
+  const int32_t row = range.Row();
+  const int32_t column = range.Column();
+  const int32_t rows = range.RowsCount();
+  const int32_t columns = range.ColumnsCount();
+  return {row, column, row + rows - 1, column + columns - 1};
+}
+
+Columns::Columns(std::u16string_view text) {
+  if (!text.empty()) names_ = Split(text, u',');
+}
+
+std::vector<int32_t> Columns::On(const host::Worksheet& sheet) const {
+  std::vector<int32_t> numbers;
+  for (const auto& name : names_) {
+    try {
+      numbers.push_back(sheet.Range(name + u"1")->Column());
+    } catch (const host::Error&) {
+      if (ColumnNumber(name) <= sheet.Cells()->ColumnsCount()) throw;
+    }
+  }
+  std::ranges::sort(numbers);
+  return numbers;
+}
+
+std::vector<std::u16string> Split(std::u16string_view text, char16_t separator) {
+  std::vector<std::u16string> pieces;
+  for (;;) {
+    const auto end = text.find(separator);
+    pieces.emplace_back(text.substr(0, end));
+    if (end == std::u16string_view::npos) return pieces;
+    text.remove_prefix(end + 1);
+  }
+}
+
+std::u16string WithoutDollars(std::u16string address) {
+  std::erase(address, u'$');
+  return address;
+}
+
+std::u16string PlainAddress(const host::Range& range) { return WithoutDollars(range.Address()); }
+
+}  // namespace rowlark

@@ -1,0 +1,53 @@
+// Places on a sheet, as the logic keeps and shows them: blocks of cells, lists of columns, and addresses for
+// the user.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "host/spreadsheet.h"
+
+namespace rowlark {
+
+// Rows and columns count from 1, and both corners belong to the block; a bound of 0 or below is open.
+struct Block {
+  int32_t first_row = 0;
+  int32_t first_column = 0;
+  int32_t last_row = 0;
+  int32_t last_column = 0;
+
+  // The first area of a range. Throws host::Error.
+  static Block Of(const host::Range& range);
+
+  bool IsClosed() const { return first_row > 0 && first_column > 0 && last_row > 0 && last_column > 0; }
+  friend bool operator==(const Block&, const Block&) = default;
+};
+
+// The columns that a text names by their letters, with commas between ("A,C"); an empty text names none.
+class Columns {
+ public:
+  explicit Columns(std::u16string_view text);
+
+  // As they stand in the text; a name need not be one of a column.
+  const std::vector<std::u16string>& Names() const& { return names_; }
+  std::vector<std::u16string> Names() && { return std::move(names_); }
+  // Their numbers on a sheet, ascending. Those that only a larger sheet has are left out; throws host::Error
+  // for a name that is no column's.
+  std::vector<int32_t> On(const host::Worksheet& sheet) const;
+
+ private:
+  std::vector<std::u16string> names_;
+};
+
+// At least one piece, which may be empty.
+std::vector<std::u16string> Split(std::u16string_view text, char16_t separator);
+
+// "B3:F200" of "$B$3:$F$200".
+std::u16string WithoutDollars(std::u16string address);
+// The address of a range without dollar signs. Throws host::Error.
+std::u16string PlainAddress(const host::Range& range);
+
+}  // namespace rowlark
