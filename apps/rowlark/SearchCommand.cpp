@@ -180,8 +180,7 @@ int RunSearch(const SearchArguments& arguments, Program& program, Output& output
   options.SearchWords = arguments.words;
   options.UseFilter = !arguments.go_to;
 
-  bool found = false;
-  std::u16string reason;
+  OperationResult result;
   std::u16string range;
   std::chrono::duration<double, std::milli> time{};
   {
@@ -195,13 +194,14 @@ int RunSearch(const SearchArguments& arguments, Program& program, Output& output
     range = detected->SearchRange();
 
     const auto start = std::chrono::steady_clock::now();
-    found = runtime.Search(ToUtf16(arguments.text), reason);
+    result = runtime.RunSearch(ToUtf16(arguments.text));
     time = std::chrono::steady_clock::now() - start;
   }
+  const bool found = result.outcome == Outcome::Done;
   if (found) program.Items().RecentItems->Add(ToUtf16(arguments.text));
   program.Save();
 
-  const std::string error = ToUtf8(reason);
+  const std::string error = ToUtf8(result.error);
   const auto active_cell = program.Host()->ActiveCell();
   if (arguments.print == Print::Json) {
     PrintJson(table, *active_cell, found, error, ToUtf8(range), time.count(), output);
@@ -212,7 +212,7 @@ int RunSearch(const SearchArguments& arguments, Program& program, Output& output
   }
   if (found) return 0;
   std::fprintf(stderr, "rowlark: %s\n", error.c_str());
-  return reason == runtime.Language().GetText(u"Err.SearchTextNotFound", u"Text not found") ? 1 : 2;
+  return result.outcome == Outcome::NotFound ? 1 : 2;
 }
 
 }  // namespace rowlark

@@ -96,11 +96,10 @@ void TerminalProgram::NextTable(int32_t step) {
 // Rows that came after a search are searched too.
 void TerminalProgram::EndLoading() {
   pump_.Invalidate();
-  std::u16string discarded;
   if (const auto form = program_.Forms().Search()) {
     if (!form->cboText.Text().empty()) form->tmr0.SetEnabled(true);
   } else if (program_.Items().RowsIsGrouped) {
-    program_.Runtime().Search(searched_, discarded);
+    program_.Runtime().RunSearch(searched_);
   }
 }
 

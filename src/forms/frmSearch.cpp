@@ -161,8 +161,7 @@ void frmSearch::Finish() {
 void frmSearch::ShowAllRows() {
   Ref<host::Range> found;
   if (going_) Attempt([&] { found = Host()->ActiveCell(); });
-  std::u16string discarded;
-  if (runtime_ != nullptr) Attempt([&] { runtime_->Unhide(false, discarded); });
+  if (runtime_ != nullptr) Attempt([&] { runtime_->ShowAllRows(false); });
   if (found) found->Activate();
 }
 
@@ -256,36 +255,32 @@ void frmSearch::tmr0_Timer() {
 
 bool frmSearch::RunSearch() {
   const auto text = cboText.Text();
-  return Run([&](std::u16string& error) {
-    if (text.empty()) return runtime_->Unhide(false, error);
+  return Run([&] {
+    if (text.empty()) return runtime_->ShowAllRows(false);
     ApplyOptions();
-    return runtime_->Search(text, error);
+    return runtime_->RunSearch(text);
   });
 }
 
 // Meanwhile messages are processed: a later search may have ended this one, and the form may be gone.
 template <class Operation>
 bool frmSearch::Run(Operation operation) {
-  const std::u16string untouched(1, u'\0');
-  std::u16string error = untouched;
   ShowError(u"");
   bool sheet = true;
   Attempt([&] { sheet = Host()->ActiveSheet() != nullptr; });
   ShowFormCaption();
   if (!sheet || !Loaded()) return false;  // all workbooks have been closed
+  OperationResult result;
   try {
-    if (operation(error)) return Loaded();
-    if (!Loaded()) return false;
+    result = operation();
   } catch (...) {
     if (!Loaded()) return false;
-    error = GenericError(*shared_.Language);
+    result.error = GenericError(*shared_.Language);
   }
-  if (error == untouched) {
-    RestartDelay();  // refused while an earlier search is brought to its end
-  } else if (!error.empty()) {
-    ShowError(error);
-  }
-  return false;
+  if (!Loaded()) return false;
+  if (result.outcome == Outcome::Refused) RestartDelay();  // an earlier search is brought to its end
+  if (!result.error.empty()) ShowError(result.error);
+  return result.outcome == Outcome::Done;
 }
 
 void frmSearch::ShowError(std::u16string_view text) {
@@ -395,7 +390,7 @@ void frmSearch::StartEdit() {
 }
 
 void frmSearch::btnUnhide_Click() {
-  Run([this](std::u16string& error) { return runtime_->Unhide(false, error); });
+  Run([this] { return runtime_->ShowAllRows(false); });
   if (Loaded()) cboText.SetFocus();
 }
 

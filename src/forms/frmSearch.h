@@ -71,8 +71,7 @@ class frmSearch final : public BaseForm {
   void StartEdit();
   void Finish();
   void ShowAllRows();
-  // Calls an operation of the runtime, which returns whether it succeeded and otherwise says why not. True
-  // when it did, and the form is still there.
+  // Calls an operation of the runtime. True when it succeeded, and the form is still there.
   template <class Operation>
   bool Run(Operation operation);
   void ShowError(std::u16string_view text);

@@ -9,13 +9,12 @@ namespace rowlark {
 class Resumable {
  public:
   struct promise_type {
-    bool result = false;
     Resumable get_return_object() { return Resumable(Handle::from_promise(*this)); }
     std::suspend_always initial_suspend() noexcept { return {}; }
     std::suspend_always final_suspend() noexcept { return {}; }
-    void return_value(bool value) noexcept { result = value; }
-    // The work traps its own errors; what fails even in the trap (no memory for a text) ends it as a failure.
-    void unhandled_exception() noexcept { result = false; }
+    void return_void() noexcept {}
+    // The work traps its own errors; what fails even in the trap (no memory for a text) ends it.
+    void unhandled_exception() noexcept {}
   };
   using Handle = std::coroutine_handle<promise_type>;
 
@@ -28,7 +27,6 @@ class Resumable {
 
   void Resume() const { handle_.resume(); }
   bool Done() const { return handle_.done(); }
-  bool Result() const { return handle_.promise().result; }  // when done
 
  private:
   Handle handle_;

@@ -88,6 +88,7 @@ bool SearchRun::HideBlock(host::Worksheet& sheet, int32_t first, int32_t last) {
   address_ += ToText(last);
   std::u16string host_error;
   if (HideRows(sheet, *sheet.Range(address_), true, host_error)) return true;
+  outcome_ = Outcome::Failed;
   error_ =
       language_->GetText(u"Err.SearchHide", u"Error #%1: Can not hide/unhide rows %2", {u"397", host_error});
   return false;
@@ -123,14 +124,17 @@ Resumable SearchRun::Work() {
     const Columns searched(profile->SearchCols);
     const int32_t jump_column = profile->SelectCol;
     const auto detected = DetectSearchRange(*sheet, profile->Block());
-    if (co_await stopped) co_return false;
+    if (co_await stopped) co_return;
     // Where rows can not be hidden none are shown either, and the search only goes to the first match.
     const bool hides = options_.UseFilter && MayHideRows(*application, *sheet);
     if (hides) {
       std::u16string discarded;  // a search that can not begin says nothing
-      if (!ShowAll(shared_, *application, screen, *items_, true, discarded)) co_return false;
+      if (!ShowAll(shared_, *application, screen, *items_, true, discarded)) {
+        outcome_ = Outcome::Failed;
+        co_return;
+      }
     }
-    if (co_await stopped) co_return false;
+    if (co_await stopped) co_return;
 
     columns_ = searched.On(*sheet);
     all_columns_ = searched.Names().empty();
@@ -141,7 +145,7 @@ Resumable SearchRun::Work() {
       if (!cell) continue;
       const int32_t first_row = cell->Row();
       Take(*cell, first_row);
-      if (co_await stopped) co_return false;
+      if (co_await stopped) co_return;
       if (!options_.UseFilter) continue;
       const auto first_address = cell->Address();
       last_row_ = first_row;
@@ -159,10 +163,11 @@ Resumable SearchRun::Work() {
       }
       if (enough) break;
     }
-    if (superseded_) co_return false;
+    if (superseded_) co_return;
     if (rows_.empty()) {
+      outcome_ = Outcome::NotFound;
       error_ = language_->GetText(u"Err.SearchTextNotFound", u"Text not found");
-      co_return false;
+      co_return;
     }
     // Every word finds its rows in ascending order.
     if (!std::ranges::is_sorted(rows_)) std::ranges::sort(rows_);
@@ -172,25 +177,25 @@ Resumable SearchRun::Work() {
       items_->RowsIsGrouped = true;  // also when the host refuses a block: those before it are hidden
       int32_t next = range->Row();
       for (const int32_t row : rows_) {
-        if (row - 1 >= next && !HideBlock(*sheet, next, row - 1)) co_return false;
+        if (row - 1 >= next && !HideBlock(*sheet, next, row - 1)) co_return;
         next = row + 1;
         if (co_await stopped || shared_.Terminating) break;
       }
-      if (superseded_) co_return false;
-      if (next <= end_row_ && !HideBlock(*sheet, next, end_row_)) co_return false;
+      if (superseded_) co_return;
+      if (next <= end_row_ && !HideBlock(*sheet, next, end_row_)) co_return;
       // What stands above a range that nobody chose goes too, but for a single row, which is likely a header.
       if (const int32_t above = rows_.front() - 1; detected.automatic && above >= 2) {
-        if (!HideBlock(*sheet, 1, above)) co_return false;
+        if (!HideBlock(*sheet, 1, above)) co_return;
       }
       screen.GiveBack();
     }
     int32_t row = rows_.front();
     int32_t column = jump_column >= 1 ? jump_column : detected.block.first_column;
     CellOnSheet(*sheet, row, column)->Activate();
-    co_return true;
+    outcome_ = Outcome::Done;
   } catch (...) {
+    outcome_ = Outcome::Failed;
     error_ = GenericError(*language_);
-    co_return false;
   }
 }
 

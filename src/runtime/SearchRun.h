@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/Block.h"
+#include "runtime/Outcome.h"
 #include "runtime/Resumable.h"
 #include "runtime/clsVTRLKOptions.h"
 #include "settings/SharedState.h"
@@ -37,9 +38,10 @@ class SearchRun {
   // nothing more. The stop request has to be set as well.
   void Supersede() { superseded_ = true; }
 
-  // When done: whether rows were found, and otherwise why not, in the user's language (empty when stopped).
-  bool Result() const { return !superseded_ && work_.Result(); }
-  std::u16string Error() const { return superseded_ ? std::u16string() : error_; }
+  // When done.
+  OperationResult Result() const {
+    return superseded_ ? OperationResult{Outcome::Stopped, {}} : OperationResult{outcome_, error_};
+  }
 
  private:
   struct StopCheck;
@@ -72,6 +74,7 @@ class SearchRun {
   int32_t rounds_ = 0;    // how often the rows have begun anew
 
   std::u16string address_;
+  Outcome outcome_ = Outcome::Stopped;
   std::u16string error_;
   bool on_stack_ = false;
   bool superseded_ = false;

@@ -6,27 +6,21 @@
 
 namespace rowlark {
 
-bool Searches::Search(const std::shared_ptr<clsVTRLKItems>& items,
-                      const std::shared_ptr<clsVTRLKOptions>& options, std::u16string_view text,
-                      std::u16string& error) {
-  if (entry_guard_) return false;
+OperationResult Searches::Search(const std::shared_ptr<clsVTRLKItems>& items,
+                                 const std::shared_ptr<clsVTRLKOptions>& options, std::u16string_view text) {
+  if (entry_guard_) return {Outcome::Refused, {}};
   shared_.GiveBackFlags();
   if (searching_) {
     given_up_ = false;
-    if (!End(true)) return false;
-    if (shared_.Terminating || abandoned_ || given_up_) {
-      error.clear();
-      return false;
-    }
+    if (!End(true)) return {Outcome::Refused, {}};
+    if (shared_.Terminating || abandoned_ || given_up_) return {Outcome::Stopped, {}};
   }
   stop_request_ = false;
-  error.clear();
   SearchRun run(shared_, items, *options, stop_request_, text);
   run_ = &run;
   searching_ = true;
   Raise(true);
   while (Advance(run)) PumpMessages(shared_);
-  error = run.Error();
   return run.Result();
 }
 
@@ -72,7 +66,7 @@ bool Searches::Finish() {
     PumpMessages(shared_);
     Wait();
   }
-  return run->Result();
+  return run->Done() && run->Result().outcome == Outcome::Done;
 }
 
 void Searches::Wait() {

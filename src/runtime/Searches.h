@@ -18,8 +18,8 @@ class Searches {
   Searches(const Searches&) = delete;
   Searches& operator=(const Searches&) = delete;
 
-  bool Search(const std::shared_ptr<clsVTRLKItems>& items, const std::shared_ptr<clsVTRLKOptions>& options,
-              std::u16string_view text, std::u16string& error);
+  OperationResult Search(const std::shared_ptr<clsVTRLKItems>& items,
+                         const std::shared_ptr<clsVTRLKOptions>& options, std::u16string_view text);
   bool Searching() const { return searching_; }
   Event<bool&>& SearchingEvent() { return searching_event_; }
 

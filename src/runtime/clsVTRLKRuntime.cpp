@@ -7,6 +7,15 @@
 #include "runtime/modMain.h"
 
 namespace rowlark {
+namespace {
+
+// As the automation interface tells it: a text that is the caller's stays where nothing was begun.
+bool Tell(OperationResult result, std::u16string& error) {
+  if (result.outcome != Outcome::Refused) error = std::move(result.error);
+  return result.outcome == Outcome::Done;
+}
+
+}  // namespace
 
 clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared, Forms& forms)
     : Items(std::make_shared<clsVTRLKItems>(shared)),
@@ -68,10 +77,14 @@ void clsVTRLKRuntime::CallTechSupport() {
 // From here on messages are processed, which may destroy the object: what is used after that is held.
 
 bool clsVTRLKRuntime::Search(std::u16string_view strSearch, std::u16string& strErr) {
+  return Tell(RunSearch(strSearch), strErr);
+}
+
+OperationResult clsVTRLKRuntime::RunSearch(std::u16string_view text) {
   const auto searches = searches_;
   const auto items = Items;
   const auto options = SearchOptions;
-  return searches->Search(items, options, strSearch, strErr);
+  return searches->Search(items, options, text);
 }
 
 bool clsVTRLKRuntime::StopSearch() {
@@ -97,18 +110,24 @@ void clsVTRLKRuntime::DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem&
 }
 
 bool clsVTRLKRuntime::Unhide(bool CallFromSearch, std::u16string& strErrLog) {
+  return Tell(ShowAllRows(CallFromSearch), strErrLog);
+}
+
+OperationResult clsVTRLKRuntime::ShowAllRows(bool called_from_search) {
   auto& shared = shared_;
   const auto searches = searches_;
   const auto items = Items;
-  if (!CallFromSearch && !searches->End(true)) return false;
-  strErrLog.clear();
+  if (!called_from_search && !searches->End(true)) return {Outcome::Refused, {}};
   const auto application = shared.ExcelApp;
-  if (!application) return true;
+  if (!application) return {Outcome::Done, {}};
   shared.GiveBackFlags();
   FlagScope screen(shared.Flags, application, HostFlag::ScreenUpdating, true);
-  const bool done = ShowAll(shared, *application, screen, *items, CallFromSearch, strErrLog);
-  if (CallFromSearch && done) screen.Leave();
-  return done;
+  OperationResult result;
+  if (ShowAll(shared, *application, screen, *items, called_from_search, result.error)) {
+    result.outcome = Outcome::Done;
+    if (called_from_search) screen.Leave();
+  }
+  return result;
 }
 
 void clsVTRLKRuntime::ShowSearch() { forms_.ShowSearch(*this); }

@@ -13,6 +13,7 @@
 #include "host/spreadsheet.h"
 #include "runtime/Forms.h"
 #include "runtime/Menu.h"
+#include "runtime/Outcome.h"
 #include "runtime/Searches.h"
 #include "runtime/clsVTRLKOptions.h"
 #include "settings/SharedState.h"
@@ -58,6 +59,9 @@ class clsVTRLKRuntime {
   // during that wait is refused: false, `strErr` untouched.
   bool Search(std::u16string_view strSearch, std::u16string& strErr);
 
+  // The same with what became of it.
+  OperationResult RunSearch(std::u16string_view text);
+
   // Asks the search under way to end at its next stop check; does not wait for that. True.
   bool StopSearch();
 
@@ -79,6 +83,7 @@ class clsVTRLKRuntime {
   // Shows all rows of the active sheet, after ending a search under way. False when that failed, with the
   // reason in `strErrLog`, which is left untouched when the search could not be ended.
   bool Unhide(bool CallFromSearch, std::u16string& strErrLog);
+  OperationResult ShowAllRows(bool called_from_search);
 
   // The forms. The search form and the options form stay open; the other two are waited for.
   void ShowSearch();

@@ -9,15 +9,13 @@ namespace {
 using automation::NewBstr;
 using automation::View;
 
-// Calls an operation that tells in a text why it failed. A text that it leaves alone stays the caller's.
+// Calls an operation that tells in a text why it failed. Where nothing was begun the caller's text stays.
 template <class Operation>
 VARIANT_BOOL Try(VARIANT* error, Operation operation) {
   const TextReference reference(error);
-  const std::u16string untouched(1, u'\0');
-  auto text = untouched;
-  const bool done = operation(text);
-  if (text != untouched) reference.Write(text);
-  return Flag(done);
+  const OperationResult result = operation();
+  if (result.outcome != Outcome::Refused) reference.Write(result.error);
+  return Flag(result.outcome == Outcome::Done);
 }
 
 }  // namespace
@@ -73,9 +71,7 @@ HRESULT RuntimeObject::StopSearch(VARIANT_BOOL* result) noexcept {
   return Get(result, [this] { return Flag(core_->StopSearch()); });
 }
 HRESULT RuntimeObject::Search(BSTR search, VARIANT* error, VARIANT_BOOL* result) noexcept {
-  return Get(result, [&] {
-    return Try(error, [&](std::u16string& text) { return core_->Search(View(search), text); });
-  });
+  return Get(result, [&] { return Try(error, [&] { return core_->RunSearch(View(search)); }); });
 }
 HRESULT RuntimeObject::DetectSearchRange(VARIANT* sheet, VARIANT* item) noexcept {
   if (sheet == nullptr || item == nullptr) return E_POINTER;
@@ -89,8 +85,7 @@ HRESULT RuntimeObject::DetectSearchRange(VARIANT* sheet, VARIANT* item) noexcept
 HRESULT RuntimeObject::Unhide(VARIANT_BOOL call_from_search, VARIANT* error_log,
                               VARIANT_BOOL* result) noexcept {
   return Get(result, [&] {
-    return Try(error_log,
-               [&](std::u16string& text) { return core_->Unhide(call_from_search != VARIANT_FALSE, text); });
+    return Try(error_log, [&] { return core_->ShowAllRows(call_from_search != VARIANT_FALSE); });
   });
 }
 HRESULT RuntimeObject::About() noexcept {
