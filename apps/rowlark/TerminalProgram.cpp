@@ -10,6 +10,7 @@
 #include "forms/HotKey.h"
 #include "host/Block.h"
 #include "runtime/Failure.h"
+#include "settings/Macros.h"
 #include "settings/Product.h"
 #include "util/Text.h"
 #include "util/Utf.h"
@@ -69,12 +70,7 @@ int TerminalProgram::Run(const TerminalArguments& arguments) {
   tables_.First();
   auto& runtime = program_.Runtime();
   runtime.MenuCreate();
-  const auto& items = program_.Items();
-  const auto on_key = [this](const std::u16string& key, std::u16string_view macro) {
-    if (!key.empty()) program_.Host()->OnKey(key, macro);
-  };
-  on_key(items.HotKeySearch(), u"VantrelRLK_ShowSearch");
-  on_key(items.HotKeyUnhide(), u"VantrelRLK_Unhide");
+  AssignHotKeys(*program_.Host(), HotKeys(program_.Items()));
   tables_.OfferRecovery();
   while (!status_) {
     pump_.ProcessMessages();
@@ -176,18 +172,26 @@ void TerminalProgram::evtRLRTM_Searching(bool searching) {
   pump_.Invalidate();
 }
 
-void TerminalProgram::RunMacro(std::u16string_view macro) {
+void TerminalProgram::RunMacro(std::u16string_view name) {
+  const auto macro = MacroOf(name);
+  if (!macro) return;
   auto& runtime = program_.Runtime();
-  if (macro == u"VantrelRLK_ShowSearch") runtime.ShowSearch();
-  if (macro == u"VantrelRLK_ShowOptions") runtime.ShowOptions();
-  if (macro == u"VantrelRLK_CallHelp") runtime.CallHelp();
-  if (macro == u"VantrelRLK_CallTechSupport") runtime.CallTechSupport();
-  if (macro == u"VantrelRLK_ShowAbout") runtime.About();
-  if (macro != u"VantrelRLK_Unhide") return;
-  std::u16string error;
-  if (!runtime.Unhide(false, error) && !error.empty()) {
-    windows_.MsgBox(error, host::MsgBoxIcon::Exclamation, kProductTitle);
+  switch (*macro) {
+    case Macro::ShowSearch:
+      return runtime.ShowSearch();
+    case Macro::ShowOptions:
+      return runtime.ShowOptions();
+    case Macro::CallHelp:
+      return runtime.CallHelp();
+    case Macro::CallTechSupport:
+      return runtime.CallTechSupport();
+    case Macro::ShowAbout:
+      return runtime.About();
+    case Macro::Unhide:
+      break;
   }
+  const auto result = runtime.ShowAllRows(false);
+  if (!result.error.empty()) windows_.MsgBox(result.error, host::MsgBoxIcon::Exclamation, kProductTitle);
 }
 
 bool TerminalProgram::RunHotKey(const KeyPress& press) {

@@ -63,7 +63,7 @@ class TerminalProgram final : public terminal::Desktop {
   std::shared_ptr<clsVTRLKItem> DetectedProfile();
   Highlight MakeHighlight();
 
-  void RunMacro(std::u16string_view macro);
+  void RunMacro(std::u16string_view name);
   bool RunHotKey(const terminal::KeyPress& press);
   void ShowMenu();
   void ShowKeys();

@@ -1,6 +1,5 @@
 #include "AddIn.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -8,6 +7,7 @@
 
 #include "automation/Variant.h"
 #include "host/Error.h"
+#include "settings/Macros.h"
 
 namespace rowlark::workbench {
 namespace {
@@ -19,20 +19,24 @@ using windows::Member;
 
 constexpr wchar_t kTitle[] = L"Vantrel Rowlark";
 
-struct Macro {
-  std::u16string_view name;
-  const wchar_t* operation;  // of the runtime object
-};
-
-constexpr std::u16string_view kShowSearch = u"VantrelRLK_ShowSearch";
-constexpr std::u16string_view kUnhide = u"VantrelRLK_Unhide";
-
-// The macros that forward to one operation without arguments.
-constexpr Macro kMacros[] = {
-    {kShowSearch, L"ShowSearch"},          {u"VantrelRLK_ShowOptions", L"ShowOptions"},
-    {u"VantrelRLK_CallHelp", L"CallHelp"}, {u"VantrelRLK_CallTechSupport", L"CallTechSupport"},
-    {u"VantrelRLK_ShowAbout", L"About"},
-};
+// The operation of the runtime object that a macro forwards to.
+constexpr const wchar_t* OperationOf(Macro macro) {
+  switch (macro) {
+    case Macro::ShowSearch:
+      return L"ShowSearch";
+    case Macro::Unhide:
+      return L"Unhide";
+    case Macro::ShowOptions:
+      return L"ShowOptions";
+    case Macro::CallHelp:
+      return L"CallHelp";
+    case Macro::CallTechSupport:
+      return L"CallTechSupport";
+    case Macro::ShowAbout:
+      return L"About";
+  }
+  return L"";
+}
 
 Dispatch CreateRuntime() {
   CLSID id;
@@ -91,17 +95,16 @@ void AddIn::Close() noexcept {
   Attempt([&] { Put(runtime, L"ExcelApp", static_cast<IDispatch*>(nullptr)); });
 }
 
-void AddIn::Run(std::u16string_view macro) {
-  if (!runtime_) return;
-  if (macro == kUnhide) return Unhide();
-  const auto found = std::ranges::find(kMacros, macro, &Macro::name);
-  if (found == std::end(kMacros)) return;
+void AddIn::Run(std::u16string_view name) {
+  const auto macro = MacroOf(name);
+  if (!runtime_ || !macro) return;
+  if (macro == Macro::Unhide) return Unhide();
   const Dispatch keep = runtime_;  // the program may be closed meanwhile
-  Call(keep, found->operation);
+  Call(keep, OperationOf(*macro));
 }
 
 void AddIn::Unhide() {
-  Member unhide(L"Unhide");
+  Member unhide(OperationOf(Macro::Unhide));
   Variant reason(u"");
   VARIANT by_reference{};
   by_reference.vt = VT_BYREF | VT_VARIANT;
@@ -127,8 +130,8 @@ void AddIn::AssignKeys(const Dispatch& runtime, bool assign) {
   Member search(L"HotKeySearch");
   Member unhide(L"HotKeyUnhide");
   const Dispatch items = runtime.Object(items_member);
-  AssignKey(items.Text(search), assign ? kShowSearch : u"");
-  AssignKey(items.Text(unhide), assign ? kUnhide : u"");
+  AssignKey(items.Text(search), assign ? NameOf(Macro::ShowSearch) : u"");
+  AssignKey(items.Text(unhide), assign ? NameOf(Macro::Unhide) : u"");
 }
 
 // Without a macro the key means again what it means to the host. A key that the host refuses is no hotkey.

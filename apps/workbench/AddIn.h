@@ -22,7 +22,7 @@ class AddIn {
 
   // Runs the macro of a menu item or a key; nothing happens for an unknown one or without the library.
   // Throws host::Error.
-  void Run(std::u16string_view macro);
+  void Run(std::u16string_view name);
 
  private:
   void AssignKeys(const windows::Dispatch& runtime, bool assign);

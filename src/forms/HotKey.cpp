@@ -1,6 +1,10 @@
 #include "forms/HotKey.h"
 
+#include <optional>
+
 #include "controls/Keys.h"
+#include "host/Error.h"
+#include "settings/Macros.h"
 #include "util/Text.h"
 
 namespace rowlark {
@@ -20,6 +24,15 @@ constexpr Modifier kModifiers[] = {
 void AppendPart(std::u16string& text, std::u16string_view part) {
   text += kPlus;
   text += part;
+}
+
+void OnKey(host::Application& application, std::u16string_view key,
+           std::optional<std::u16string_view> macro) {
+  if (key.empty()) return;
+  try {
+    application.OnKey(key, macro);
+  } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch): the other key must not suffer
+  }
 }
 
 }  // namespace
@@ -107,6 +120,16 @@ HotKey CaptureHotKey(int32_t key, int32_t shift) {
   AppendPart(captured.text, name);
   captured.text.erase(0, kPlus.size());
   return captured;
+}
+
+void AssignHotKeys(host::Application& application, const HotKeys& keys) {
+  OnKey(application, keys.search, NameOf(Macro::ShowSearch));
+  OnKey(application, keys.show_all, NameOf(Macro::Unhide));
+}
+
+void ReleaseHotKeys(host::Application& application, const HotKeys& keys) {
+  OnKey(application, keys.search, std::nullopt);
+  OnKey(application, keys.show_all, std::nullopt);
 }
 
 }  // namespace rowlark

@@ -5,6 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "host/spreadsheet.h"
+#include "settings/clsVTRLKItems.h"
+
 namespace rowlark {
 
 // Name of a key by its virtual key code ("a", "{F5}", "~" for Enter); empty for a key without one.
@@ -23,5 +26,19 @@ struct HotKey {
 
 // What the keys held stand for.
 HotKey CaptureHotKey(int32_t key, int32_t shift);
+
+// The hotkeys of the add-in; an empty one is none.
+struct HotKeys {
+  explicit HotKeys(const clsVTRLKItems& items)
+      : search(items.HotKeySearch()), show_all(items.HotKeyUnhide()) {}
+
+  std::u16string search;
+  std::u16string show_all;
+};
+
+// Has the host run the macros at these keys, or lets the keys mean again what they mean to the host. A key
+// that it refuses is no hotkey.
+void AssignHotKeys(host::Application& application, const HotKeys& keys);
+void ReleaseHotKeys(host::Application& application, const HotKeys& keys);
 
 }  // namespace rowlark

@@ -1,6 +1,5 @@
 #include "forms/frmOptions.h"
 
-#include "forms/HotKey.h"
 #include "forms/TextRule.h"
 #include "lang/mclsVTIniFile.h"
 #include "runtime/Failure.h"
@@ -93,8 +92,7 @@ std::shared_ptr<clsVTRLKItems> frmOptions::SharedItems() const {
 
 void frmOptions::SetObjectRLKRuntime(clsVTRLKRuntime& runtime) {
   BaseForm::SetObjectRLKRuntime(runtime);
-  old_search_key_ = Items().HotKeySearch();
-  old_show_all_key_ = Items().HotKeyUnhide();
+  old_keys_.emplace(Items());
   const bool sheet = Attempt([this] { Require(Host()->ActiveSheet()); });
   for (auto* button : {&btn1_SelRange, &btn1_SelSearchCols, &btn1_SelCol}) button->SetEnabled(sheet);
 }
@@ -132,15 +130,10 @@ void frmOptions::SaveConfiguration() {
 }
 
 void frmOptions::RegisterHotKeys() {
-  const auto on_key = [this](const std::u16string& key, std::optional<std::u16string_view> macro) {
-    if (!key.empty()) Attempt([&] { Host()->OnKey(key, macro); });
-  };
-  const auto search_key = Items().HotKeySearch();
-  const auto show_all_key = Items().HotKeyUnhide();
-  on_key(old_search_key_, std::nullopt);
-  on_key(old_show_all_key_, std::nullopt);
-  on_key(search_key, u"VantrelRLK_ShowSearch");
-  on_key(show_all_key, u"VantrelRLK_Unhide");
+  const HotKeys keys(Items());
+  const auto host = Host();
+  if (old_keys_) ReleaseHotKeys(*host, *old_keys_);
+  AssignHotKeys(*host, keys);
 }
 
 void frmOptions::ApplyCaptions() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,7 @@
 #include "controls/ToolBar.h"
 #include "controls/TreeView.h"
 #include "forms/BaseForm.h"
+#include "forms/HotKey.h"
 #include "forms/frmSelectRange.h"
 #include "util/mclsVTDictionary.h"
 
@@ -132,8 +134,7 @@ class frmOptions final : public BaseForm {
   std::u16string ColumnLetters(int32_t column) const;
   int32_t ColumnNumber(std::u16string_view letters) const;
 
-  std::u16string old_search_key_;
-  std::u16string old_show_all_key_;
+  std::optional<HotKeys> old_keys_;  // before any were changed here
   bool loading_ = false;
   bool default_language_ = false;    // the user has chosen that of the set-up
   mclsVTDictionary language_files_;  // "itm_" and the index in the list, to the name of the file

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "runtime/Failure.h"
+#include "settings/Macros.h"
 #include "settings/Product.h"
 
 namespace rowlark {
@@ -17,17 +18,17 @@ constexpr std::u16string_view kTag = u"VantrelRLK";
 struct Entry {
   std::u16string_view key;
   std::u16string_view caption;
-  std::u16string_view macro;
+  Macro macro;
   bool begin_group;
 };
 
 constexpr Entry kEntries[] = {
-    {u"Menu.Find", u"S&earch...", u"VantrelRLK_ShowSearch", false},
-    {u"Menu.Unhide", u"&Show All", u"VantrelRLK_Unhide", false},
-    {u"Menu.Preferences", u"&Options...", u"VantrelRLK_ShowOptions", true},
-    {u"Menu.Help", u"&Help...", u"VantrelRLK_CallHelp", true},
-    {u"Menu.TechSupport", u"&Technical Support", u"VantrelRLK_CallTechSupport", false},
-    {u"Menu.About", u"&About...", u"VantrelRLK_ShowAbout", true},
+    {u"Menu.Find", u"S&earch...", Macro::ShowSearch, false},
+    {u"Menu.Unhide", u"&Show All", Macro::Unhide, false},
+    {u"Menu.Preferences", u"&Options...", Macro::ShowOptions, true},
+    {u"Menu.Help", u"&Help...", Macro::CallHelp, true},
+    {u"Menu.TechSupport", u"&Technical Support", Macro::CallTechSupport, false},
+    {u"Menu.About", u"&About...", Macro::ShowAbout, true},
 };
 
 }  // namespace
@@ -65,7 +66,7 @@ void Menu::Create() {
     for (const auto& entry : kEntries) {
       const auto button = Require(menu->AddControl(host::msoControlButton));
       button->SetCaption(language->GetText(entry.key, entry.caption));
-      button->SetOnAction(entry.macro);
+      button->SetOnAction(NameOf(entry.macro));
       if (entry.begin_group) button->SetBeginGroup(true);
     }
     made_ = true;
