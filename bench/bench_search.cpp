@@ -35,10 +35,7 @@ struct Table {
   }
 
   int32_t VisibleRows() const {
-    const int32_t last = static_cast<int32_t>(file.RowCount());
-    int32_t visible = 0;
-    for (int32_t row = 1; (row = sheet->HiddenRows().Next(row, last, false)) <= last; ++row) ++visible;
-    return visible;
+    return sheet->HiddenRows().Count(1, static_cast<int32_t>(file.RowCount()), false);
   }
 
   CsvFile file;

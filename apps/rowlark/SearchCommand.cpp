@@ -18,6 +18,8 @@
 namespace rowlark {
 namespace {
 
+using standalone::RowRun;
+
 // A sheet of a document, made the active one.
 struct Table {
   Table(const SearchArguments& arguments, Program& program)
@@ -126,17 +128,11 @@ void SetProfile(const Table& table, const SearchArguments& arguments, clsVTRLKIt
   if (!arguments.jump.empty()) profile.SelectCol = ColumnNumber(table, "--jump", arguments.jump);
 }
 
-// Calls visit(first, last) for every block of visible rows of the used range.
+// Calls visit(RowRun) for every run of visible rows of the used range.
 template <class Visit>
-void ForEachVisibleBlock(const Table& table, Visit&& visit) {
-  const auto& used = table.sheet->Text().Used();
-  if (!used) return;
-  const auto& hidden = table.sheet->HiddenRows();
-  for (int32_t row = hidden.Next(used->first_row, used->last_row, false); row <= used->last_row;) {
-    const int32_t end = hidden.Next(row, used->last_row, true);
-    visit(row, end - 1);
-    row = hidden.Next(end, used->last_row, false);
-  }
+void ForEachVisibleRun(const Table& table, Visit&& visit) {
+  if (const auto& used = table.sheet->Text().Used())
+    table.sheet->HiddenRows().ForEachRun(used->first_row, used->last_row, false, visit);
 }
 
 // One object on one line. The blocks may be very many, so they go out one by one.
@@ -148,16 +144,16 @@ void PrintJson(const Table& table, const host::Range& active_cell, bool found, c
   output.Write('{' + field("found", found) + ',' + field("error", error) + ',' +
                field("activeCell", ToUtf8(PlainAddress(active_cell))) + ",\"visibleRows\":[");
   const char* separator = "";
-  ForEachVisibleBlock(table, [&](int32_t first, int32_t last) {
-    output.Write(separator + nlohmann::json{first, last}.dump());
+  ForEachVisibleRun(table, [&](RowRun run) {
+    output.Write(separator + nlohmann::json{run.first, run.last}.dump());
     separator = ",";
   });
   output.Write("]," + field("searchRange", search_range) + ',' + field("milliseconds", milliseconds) + "}\n");
 }
 
 void PrintRows(const Table& table, Print print, Output& output) {
-  ForEachVisibleBlock(table, [&](int32_t first, int32_t last) {
-    for (int32_t row = first; row <= last; ++row) {
+  ForEachVisibleRun(table, [&](RowRun run) {
+    for (int32_t row = run.first; row <= run.last; ++row) {
       if (print == Print::Rows) {
         output.Write(std::to_string(row) + '\n');
       } else {

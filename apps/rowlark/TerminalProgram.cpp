@@ -300,13 +300,7 @@ std::u16string TerminalProgram::CountRows() {
   const int32_t last = used.last_row;
   const int32_t all = last - used.first_row;
   if (count_.sheet != &sheet || count_.layout != sheet.Layout() || count_.all != all) {
-    count_ = {&sheet, sheet.Layout(), all, 0};
-    const auto& hidden = sheet.HiddenRows();
-    for (int32_t row = hidden.Next(used.first_row + 1, last, false); row <= last;) {
-      const int32_t end = hidden.Next(row, last, true);
-      count_.visible += end - row;
-      row = hidden.Next(end, last, false);
-    }
+    count_ = {&sheet, sheet.Layout(), all, sheet.HiddenRows().Count(used.first_row + 1, last, false)};
   }
   return program_.Runtime().Language().GetText(u"Terminal.Status.Rows", u"%1 of %2 rows",
                                                {ToText(count_.visible), ToText(count_.all)});

@@ -14,6 +14,7 @@
 #include "automation/Variant.h"
 #include "controls/Keys.h"
 #include "forms/HotKey.h"
+#include "host/Block.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
@@ -206,8 +207,7 @@ void WorkbookWindow::RefreshFields(const standalone::Worksheet& sheet) {
   if (GetFocus() != name_) {
     std::u16string address;
     AppendAddress(address, cell);
-    std::erase(address, u'$');
-    SetText(name_, address);
+    SetText(name_, WithoutDollars(address));
   }
   if (GetFocus() != value_) SetText(value_, ToUtf16(sheet.Text().Cell(cell.first_row, cell.first_column)));
 }
@@ -215,13 +215,7 @@ void WorkbookWindow::RefreshFields(const standalone::Worksheet& sheet) {
 void WorkbookWindow::RefreshStatus(const standalone::Worksheet& sheet) {
   std::u16string text;
   if (const auto& used = sheet.Text().Used()) {
-    int32_t visible = 0;
-    const auto& hidden = sheet.HiddenRows();
-    for (int32_t row = hidden.Next(used->first_row, used->last_row, false); row <= used->last_row;) {
-      const int32_t end = hidden.Next(row, used->last_row, true);
-      visible += end - row;
-      row = hidden.Next(end, used->last_row, false);
-    }
+    const int32_t visible = sheet.HiddenRows().Count(used->first_row, used->last_row, false);
     text = rowlark::ToText(visible) + u" of " + rowlark::ToText(used->Rows()) + u" rows visible";
   }
   if (TextOf(status_) != text) {

@@ -111,12 +111,9 @@ Ref<host::Range> Range::SpecialCells(host::XlCellType type) const {
   const auto used = sheet_->Text().Used().value_or(Rect{});
   std::vector<Rect> visible;
   for (const auto& area : single ? std::span(&used, 1) : Areas()) {
-    const auto& hidden = sheet_->HiddenRows();
-    for (int32_t row = hidden.Next(area.first_row, area.last_row, false); row <= area.last_row;) {
-      const int32_t end = hidden.Next(row, area.last_row, true);
-      visible.push_back({row, area.first_column, end - 1, area.last_column});
-      row = hidden.Next(end, area.last_row, false);
-    }
+    sheet_->HiddenRows().ForEachRun(area.first_row, area.last_row, false, [&](RowRun run) {
+      visible.push_back({run.first, area.first_column, run.last, area.last_column});
+    });
   }
   if (visible.empty()) throw host::Error(1004, u"No cells were found.");
   return sheet_->MakeRange(std::move(visible));

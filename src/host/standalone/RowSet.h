@@ -10,6 +10,14 @@
 
 namespace rowlark::standalone {
 
+// Rows that follow one another, both ends included.
+struct RowRun {
+  int32_t first = 1;
+  int32_t last = 0;
+
+  int32_t Rows() const { return last - first + 1; }
+};
+
 class RowSet {
  public:
   bool Contains(int32_t row) const {
@@ -59,6 +67,24 @@ class RowSet {
       --row;
     }
     return first - 1;
+  }
+
+  // Calls visit(RowRun) for every run of rows from `first` to `last` that are in the set (or out of it), in
+  // ascending order.
+  template <class Visit>
+  void ForEachRun(int32_t first, int32_t last, bool in, Visit&& visit) const {
+    for (int32_t row = Next(first, last, in); row <= last;) {
+      const int32_t end = Next(row, last, !in);
+      visit(RowRun{row, end - 1});
+      row = Next(end, last, in);
+    }
+  }
+
+  // How many rows from `first` to `last` are in the set (or out of it).
+  int32_t Count(int32_t first, int32_t last, bool in) const {
+    int32_t count = 0;
+    ForEachRun(first, last, in, [&count](RowRun run) { count += run.Rows(); });
+    return count;
   }
 
  private:

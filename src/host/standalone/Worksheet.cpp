@@ -204,11 +204,8 @@ void Worksheet::ApplyFilter() {
     }
   }
   hidden_.Assign(first, range.last_row, false);
-  for (int32_t row = refused.Next(first, range.last_row, true); row <= range.last_row;) {
-    const int32_t end = refused.Next(row, range.last_row, false);
-    hidden_.Assign(row, end - 1, true);
-    row = refused.Next(end, range.last_row, true);
-  }
+  refused.ForEachRun(first, range.last_row, true,
+                     [this](RowRun run) { hidden_.Assign(run.first, run.last, true); });
   ++layout_;
 }
 
