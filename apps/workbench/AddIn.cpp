@@ -21,21 +21,9 @@ constexpr wchar_t kTitle[] = L"Vantrel Rowlark";
 
 // The operation of the runtime object that a macro forwards to.
 constexpr const wchar_t* OperationOf(Macro macro) {
-  switch (macro) {
-    case Macro::ShowSearch:
-      return L"ShowSearch";
-    case Macro::Unhide:
-      return L"Unhide";
-    case Macro::ShowOptions:
-      return L"ShowOptions";
-    case Macro::CallHelp:
-      return L"CallHelp";
-    case Macro::CallTechSupport:
-      return L"CallTechSupport";
-    case Macro::ShowAbout:
-      return L"About";
-  }
-  return L"";
+  constexpr const wchar_t* kOperations[] = {L"ShowSearch", L"Unhide",          L"ShowOptions",
+                                            L"CallHelp",   L"CallTechSupport", L"About"};
+  return kOperations[static_cast<std::size_t>(macro)];
 }
 
 Dispatch CreateRuntime() {

@@ -9,24 +9,15 @@
 #include <utility>
 
 #include "Call.h"
+#include "automation/ErrorValues.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
 namespace rowlark::workbench {
 namespace {
 
+using automation::kErrorValues;
 using automation::Variant;
-
-// The host's error values: CVErr numbers, and the codes they travel with.
-constexpr std::array<std::pair<std::string_view, int32_t>, 7> kErrors{{{"#NULL!", 2000},
-                                                                       {"#DIV/0!", 2007},
-                                                                       {"#VALUE!", 2015},
-                                                                       {"#REF!", 2023},
-                                                                       {"#NAME?", 2029},
-                                                                       {"#NUM!", 2036},
-                                                                       {"#N/A", 2042}}};
-
-SCODE ErrorCode(int32_t number) { return static_cast<SCODE>(0x800A0000u + static_cast<uint32_t>(number)); }
 
 std::string NumberText(double number) {
   std::array<char, 40> digits;
@@ -97,11 +88,11 @@ Variant ToValue(std::string_view cell) {
   if (cell.empty()) return {};
   if (cell == "TRUE" || cell == "FALSE") return cell == "TRUE";
   if (cell.front() == '#') {
-    const auto error = std::ranges::find(kErrors, cell, &std::pair<std::string_view, int32_t>::first);
-    if (error != kErrors.end()) {
+    const auto* error = std::ranges::find(kErrorValues, ToUtf16(cell), &automation::ErrorValue::text);
+    if (error != std::end(kErrorValues)) {
       Variant value;
       value.vt = VT_ERROR;
-      value.scode = ErrorCode(error->second);
+      value.scode = error->code;
       return value;
     }
   }
@@ -136,8 +127,8 @@ std::u16string ToCellText(const VARIANT& value) {
     case VT_R8:
       return ToUtf16(NumberText(plain.dblVal));
     case VT_ERROR:
-      for (const auto& [text, number] : kErrors) {
-        if (plain.scode == ErrorCode(number)) return ToUtf16(text);
+      for (const auto& [code, text] : kErrorValues) {
+        if (plain.scode == code) return std::u16string(text);
       }
       break;
     default:

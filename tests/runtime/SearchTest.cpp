@@ -1,8 +1,12 @@
 // What a search does to the sheet, and what it leaves alone.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <map>
+
 #include "SearchCases.h"
 #include "Session.h"
+#include "host/Forwarding.h"
 
 namespace rowlark {
 namespace {
@@ -32,6 +36,28 @@ TEST(Search, HidesWhatStandsAboveAnAutomaticRangeButForASingleRow) {
     EXPECT_EQ(session.Search(u"x"), "found");
     EXPECT_EQ(session.VisibleRows(5), visible) << cells;
   }
+}
+
+TEST(Search, AsksTheHostForNoMoreThanItNeeds) {
+  class Counting final : public host::Forwarding {
+   public:
+    std::map<std::string, int, std::less<>> Calls;
+    void OnCall(std::string_view operation) override { ++Calls[std::string(operation)]; }
+  } counting;
+  Session session(kOrders);
+  session.runtime.SetExcelApp(counting.Wrap(Ref<host::Application>(session.application)));
+  for (const Block& block : {Block(), Block{1, 1, 6, 3}}) {
+    session.Profile().SetBlock(block);
+    counting.Calls.clear();
+    EXPECT_EQ(session.Search(u"zzz"), "Text not found");
+    int all = 0;
+    for (const auto& [name, calls] : counting.Calls) {
+      all += calls;
+      EXPECT_FALSE(name.starts_with("Range.Address") || name == "Range.Offset") << name;
+    }
+    EXPECT_EQ(all, block.IsClosed() ? 30 : 37);
+  }
+  session.runtime.SetExcelApp(nullptr);
 }
 
 TEST(Search, LeavesTheStoredProfileAlone) {

@@ -15,10 +15,7 @@ class Profile : public ::testing::Test {
  protected:
   std::shared_ptr<clsVTRLKItem> Make(int32_t start_col, int32_t start_row, int32_t end_col, int32_t end_row) {
     auto item = std::make_shared<clsVTRLKItem>(shared);
-    item->SetStartCol(start_col);
-    item->SetStartRow(start_row);
-    item->SetEndCol(end_col);
-    item->SetEndRow(end_row);
+    item->SetBlock({start_row, start_col, end_row, end_col});
     return item;
   }
   std::shared_ptr<clsVTRLKItem> Named(std::u16string_view path) {

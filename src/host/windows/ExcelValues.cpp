@@ -4,19 +4,14 @@
 #include <utility>
 #include <vector>
 
+#include "automation/ErrorValues.h"
 #include "host/windows/Dispatch.h"
 
 namespace rowlark::windows {
 namespace {
 
+using automation::kErrorValues;
 using automation::Variant;
-
-// XlCVError: the numbers of error values, which arrive as 0x800A0000 + the number.
-constexpr SCODE kErrorBase = static_cast<SCODE>(0x800A0000u);
-constexpr std::pair<int32_t, std::u16string_view> kErrors[] = {
-    {2000, u"#NULL!"}, {2007, u"#DIV/0!"}, {2015, u"#VALUE!"}, {2023, u"#REF!"},
-    {2029, u"#NAME?"}, {2036, u"#NUM!"},   {2042, u"#N/A"},
-};
 
 std::u16string PlainText(const VARIANT& value, LCID locale = LOCALE_USER_DEFAULT) {
   if (value.vt == VT_EMPTY || value.vt == VT_NULL) return {};
@@ -72,9 +67,8 @@ Variant Element(SAFEARRAY* array, VARTYPE type, LONG index) {
 std::u16string CellText(const VARIANT& value, const std::function<std::u16string()>& shown) {
   switch (value.vt) {
     case VT_ERROR: {
-      const auto* error = std::ranges::find(kErrors, value.scode - kErrorBase,
-                                            &std::pair<int32_t, std::u16string_view>::first);
-      return error != std::end(kErrors) ? std::u16string(error->second) : shown();
+      const auto* error = std::ranges::find(kErrorValues, value.scode, &automation::ErrorValue::code);
+      return error != std::end(kErrorValues) ? std::u16string(error->text) : shown();
     }
     case VT_DATE:
     case VT_CY:
