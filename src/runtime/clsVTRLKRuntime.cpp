@@ -105,7 +105,7 @@ bool clsVTRLKRuntime::FinishSearch() {
 
 void clsVTRLKRuntime::DetectSearchRange(host::Worksheet& objSheet, clsVTRLKItem& objItem) {
   const auto detected = rowlark::DetectSearchRange(objSheet, objItem.Block());
-  objItem.SetBlock(detected.block);
+  if (detected.filtered || detected.block != objItem.Block()) objItem.SetBlock(detected.block);
   objItem.UsingAutoRange = detected.automatic;
 }
 
