@@ -6,6 +6,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include "util/windows/Handles.h"
+
 namespace rowlark::gallery {
 
 void SavePicture(HWND window, const std::wstring& file) {
@@ -20,17 +22,16 @@ void SavePicture(HWND window, const std::wstring& file) {
   std::vector<char> pixels(static_cast<std::size_t>(header.biWidth) *
                            static_cast<std::size_t>(header.biHeight) * 4);
 
-  const HDC screen = ::GetDC(nullptr);
-  const HDC context = ::CreateCompatibleDC(screen);
-  const HBITMAP bitmap = ::CreateCompatibleBitmap(screen, header.biWidth, header.biHeight);
-  const HGDIOBJ before = ::SelectObject(context, bitmap);
-  ::BitBlt(context, 0, 0, header.biWidth, header.biHeight, screen, area.left, area.top, SRCCOPY);
-  ::SelectObject(context, before);
-  const int lines = ::GetDIBits(context, bitmap, 0, static_cast<UINT>(header.biHeight), pixels.data(),
+  const windows::ScreenContext screen(::GetDC(nullptr));
+  const windows::MemoryContext context(::CreateCompatibleDC(*screen));
+  const windows::GdiObject<HBITMAP> bitmap(
+      ::CreateCompatibleBitmap(*screen, header.biWidth, header.biHeight));
+  {
+    const windows::SelectedObject selected(*context, *bitmap);
+    ::BitBlt(*context, 0, 0, header.biWidth, header.biHeight, *screen, area.left, area.top, SRCCOPY);
+  }
+  const int lines = ::GetDIBits(*context, *bitmap, 0, static_cast<UINT>(header.biHeight), pixels.data(),
                                 reinterpret_cast<BITMAPINFO*>(&header), DIB_RGB_COLORS);
-  ::DeleteObject(bitmap);
-  ::DeleteDC(context);
-  ::ReleaseDC(nullptr, screen);
 
   BITMAPFILEHEADER start{};
   start.bfType = 0x4D42;  // "BM"

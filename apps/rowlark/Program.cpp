@@ -43,7 +43,8 @@ Program::Program(const ProgramArguments& arguments, host::MessagePump& pump, hos
     : windows_(windows),
       registry_(standalone::DefaultRegistryPaths()),
       application_(MakeRef<standalone::Application>()),
-      shared_(Platform{pump, registry_, help, windows_, files_, LanguageFolder(), ConfigurationFolder()}),
+      shared_(Platform{pump, registry_, help, windows_, files_, LanguageFolder(), ConfigurationFolder(),
+                       arguments.trace}),
       forms_(shared_),
       runtime_(shared_, forms_) {
   runtime_.SetExcelApp(application_);

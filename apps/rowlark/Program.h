@@ -14,6 +14,7 @@
 #include "host/standalone/Headless.h"
 #include "runtime/clsVTRLKRuntime.h"
 #include "tables/Document.h"
+#include "util/Trace.h"
 #include "util/Utf.h"
 #include "util/mclsVTFileSystem.h"
 
@@ -23,8 +24,9 @@ namespace rowlark {
 inline std::u16string Shown(const std::filesystem::path& path) { return ToUtf16(path.string()); }
 
 struct ProgramArguments {
-  std::filesystem::path config;  // empty: the one in the user's configuration folder
-  std::string language;          // base name of a language file, or "default"; empty: as configured
+  std::filesystem::path config;     // empty: the one in the user's configuration folder
+  std::string language;             // base name of a language file, or "default"; empty: as configured
+  rowlark::Trace* trace = nullptr;  // see util/Trace.h
 };
 
 // Messages go to standard error, and there are no windows.
@@ -56,6 +58,8 @@ class Program {
   clsVTRLKItems& Items() { return *runtime_.Items; }
   const Ref<standalone::Application>& Host() const { return application_; }
   const FormSet& Forms() const { return forms_; }
+  // Nothing when nobody asks for one.
+  rowlark::Trace* Trace() const { return shared_.Platform.Trace; }
 
   // Makes a profile for that workbook; its name counts from the last separator on.
   std::shared_ptr<clsVTRLKItem> CloneDefault(const std::filesystem::path& workbook);

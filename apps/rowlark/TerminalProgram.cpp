@@ -26,15 +26,6 @@ using terminal::Style;
 
 constexpr int32_t FKey(int32_t number) { return kKeyF1 + number - 1; }
 
-// Calls what may fail in the host; a failure leaves things as they are.
-template <class Action>
-void Attempted(Action action) {
-  try {
-    action();
-  } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch)
-  }
-}
-
 // Where F6 leads, of a text that names both: "Form/Table".
 std::u16string OtherSide(const std::u16string& both, bool in_table) {
   const auto slash = std::min(both.find(u'/'), both.size());
@@ -108,7 +99,7 @@ void TerminalProgram::Save() {
 // The active cell, which may be another one when the user has ended.
 void TerminalProgram::Edit() {
   if (editor_ && editor_->Loaded()) return;
-  Attempted([this] {
+  Attempt(program_.Trace(), [this] {
     const auto cell = Require(program_.Host()->ActiveCell());
     editor_ = MakeRef<CellEditor>(
         PlainAddress(*cell), cell->Value(), [this, cell](CellEditor::End end, const std::u16string& text) {
@@ -137,7 +128,7 @@ void TerminalProgram::StartSearch(const KeyPress& press) {
 
 std::shared_ptr<clsVTRLKItem> TerminalProgram::DetectedProfile() {
   std::shared_ptr<clsVTRLKItem> profile;
-  Attempted([&] {
+  Attempt(program_.Trace(), [&] {
     auto detected = program_.Items().ForWorkbook(tables_.Active().Workbook()->Name())->Clone();
     program_.Runtime().DetectSearchRange(tables_.View().Sheet(), *detected);
     profile = detected;
@@ -150,7 +141,7 @@ Highlight TerminalProgram::MakeHighlight() {
   if (!profile) return {};
   const auto& block = profile->Block();
   Highlight highlight;  // none where the search will fail
-  Attempted([&] {
+  Attempt(program_.Trace(), [&] {
     highlight = {searched_,
                  *program_.Runtime().SearchOptions,
                  {block.first_row, block.first_column, block.last_row, block.last_column},
@@ -353,7 +344,7 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
   right += u' ';
   std::u16string left = u" " + tables_.Name();
   if (!message_.empty()) left += u" │ " + message_;
-  Attempted([&] {
+  Attempt(program_.Trace(), [&] {
     const auto cell = Require(program_.Host()->ActiveCell());
     left += u" │ " + PlainAddress(*cell) + u" " + cell->Value();
   });

@@ -79,7 +79,7 @@ int RunTerminal(const rowlark::TerminalArguments& arguments, const rowlark::Prog
   }
   const rowlark::terminal::Signals signals;
   rowlark::terminal::Screen screen;
-  rowlark::terminal::TerminalMessagePump pump(screen, signals);
+  rowlark::terminal::TerminalMessagePump pump(screen, signals, common.trace);
   rowlark::terminal::TerminalWindowSystem windows(
       screen, pump, {u"frmSearch", u"frmEdit", u"frmSelectRange", rowlark::CellEditor::kName});
   rowlark::KeyHelp help;
@@ -113,6 +113,8 @@ class CommandLine {
       throw std::runtime_error(error.what());
     }
     Take();
+    const auto trace = rowlark::OpenTrace();
+    common_.trace = trace.get();
     if (common_.config.empty() && rowlark::platform::ConfigurationFolder().empty()) {
       std::fputs("rowlark: there is no home folder: settings are not kept\n", stderr);
     }

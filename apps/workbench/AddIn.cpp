@@ -50,15 +50,6 @@ void Put(const Dispatch& object, const wchar_t* property, const Variant& value) 
   object.Put(member, value);
 }
 
-// Goes on whatever happens.
-template <class Step>
-void Attempt(Step step) noexcept {
-  try {
-    step();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): the next step must not suffer
-  }
-}
-
 }  // namespace
 
 void AddIn::Open() {
@@ -77,10 +68,10 @@ void AddIn::Open() {
 void AddIn::Close() noexcept {
   if (!runtime_) return;
   const Dispatch runtime = std::exchange(runtime_, {});
-  Attempt([&] { AssignKeys(runtime, false); });
-  Attempt([&] { Call(runtime, L"MenuRemove"); });
-  Attempt([&] { Call(runtime, L"DoStop"); });
-  Attempt([&] { Put(runtime, L"ExcelApp", static_cast<IDispatch*>(nullptr)); });
+  Attempt(trace_.get(), [&] { AssignKeys(runtime, false); });
+  Attempt(trace_.get(), [&] { Call(runtime, L"MenuRemove"); });
+  Attempt(trace_.get(), [&] { Call(runtime, L"DoStop"); });
+  Attempt(trace_.get(), [&] { Put(runtime, L"ExcelApp", static_cast<IDispatch*>(nullptr)); });
 }
 
 void AddIn::Run(std::u16string_view name) {
@@ -125,7 +116,7 @@ void AddIn::AssignKeys(const Dispatch& runtime, bool assign) {
 // Without a macro the key means again what it means to the host. A key that the host refuses is no hotkey.
 void AddIn::AssignKey(std::u16string_view key, std::u16string_view macro) noexcept {
   if (key.empty()) return;
-  Attempt([&] {
+  Attempt(trace_.get(), [&] {
     if (macro.empty()) {
       application_.Call(on_key_, key);
     } else {

@@ -2,10 +2,12 @@
 // workbook's own code does.
 #pragma once
 
+#include <memory>
 #include <string_view>
 
 #include "automation/ComPtr.h"
 #include "host/windows/Dispatch.h"
+#include "util/Trace.h"
 
 namespace rowlark::workbench {
 
@@ -29,6 +31,7 @@ class AddIn {
   void AssignKey(std::u16string_view key, std::u16string_view macro) noexcept;
   void Unhide();
 
+  const std::unique_ptr<Trace> trace_ = OpenTrace();
   windows::Dispatch application_;
   windows::Dispatch runtime_;
   windows::Member on_key_{L"OnKey"};

@@ -7,6 +7,7 @@
 #include "Resources.h"
 #include "automation/Variant.h"
 #include "util/Utf.h"
+#include "util/windows/Handles.h"
 
 namespace rowlark::workbench {
 namespace {
@@ -71,24 +72,23 @@ void ShowFilterMenu(HWND owner, standalone::Worksheet& sheet, int32_t column, PO
   const auto* criterion = filter.on ? std::get_if<std::u16string>(&*filter.criteria1) : nullptr;
   const auto values = ValuesOf(sheet, column);
 
-  const HMENU menu = CreatePopupMenu();
+  const windows::MenuHandle menu(CreatePopupMenu());
   const auto add = [&](UINT choice, const wchar_t* text, bool checked) {
-    AppendMenuW(menu, checked ? MF_STRING | MF_CHECKED : MF_STRING, choice, text);
+    AppendMenuW(*menu, checked ? MF_STRING | MF_CHECKED : MF_STRING, choice, text);
   };
   add(kAll, L"&All", !filter.on);
   add(kContains, L"&Contains...", criterion != nullptr && criterion->starts_with(u"=*"));
   add(kBlanks, L"&Blanks", criterion != nullptr && *criterion == u"=");
   add(kTexts, L"&Non-blanks", criterion != nullptr && *criterion == u"<>");
-  AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+  AppendMenuW(*menu, MF_SEPARATOR, 0, nullptr);
   for (std::size_t i = 0; i < values.size(); ++i) {
     std::u16string caption;
     for (const char16_t c : values[i]) caption.append(c == u'&' ? 2 : 1, c);
     add(kFirstValue + static_cast<UINT>(i), Wide(caption.c_str()),
         criterion != nullptr && *criterion == u"=" + Literal(values[i]));
   }
-  const auto choice = static_cast<UINT>(TrackPopupMenu(menu, TPM_RETURNCMD, static_cast<int>(where.x),
+  const auto choice = static_cast<UINT>(TrackPopupMenu(*menu, TPM_RETURNCMD, static_cast<int>(where.x),
                                                        static_cast<int>(where.y), 0, owner, nullptr));
-  DestroyMenu(menu);
   if (choice == 0) return;
 
   host::AutoFilterArguments arguments;

@@ -6,6 +6,7 @@
 
 #include "Window.h"
 #include "sheetview/SheetView.h"
+#include "util/windows/Handles.h"
 
 namespace rowlark::workbench {
 
@@ -49,7 +50,7 @@ class GridWindow final : public Window {
   sheetview::SheetView* view_ = nullptr;
   HFONT font_ = nullptr;
   sheetview::Metrics metrics_;
-  GdiPtr<HBITMAP> picture_;  // what was drawn last
+  windows::GdiObject<HBITMAP> picture_;  // what was drawn last
   SIZE picture_size_{};
   sheetview::SheetView::Part dragged_ = sheetview::SheetView::Part::Corner;  // Corner: nothing is dragged
   POINT mouse_{};

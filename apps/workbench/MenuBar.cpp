@@ -5,6 +5,7 @@
 
 #include "automation/Variant.h"
 #include "util/Text.h"
+#include "util/windows/Handles.h"
 
 namespace rowlark::workbench {
 namespace {
@@ -69,8 +70,7 @@ void MenuBar::Update(std::u16string_view active) {
   for (const auto& book : application_.Workbooks()) content.books.push_back(book->Name());
   content.active = active;
   std::ranges::sort(content.books);
-  const HMENU old = GetMenu(window_);
-  if (old != nullptr && content == content_) return;
+  if (GetMenu(window_) != nullptr && content == content_) return;
   content_ = std::move(content);
 
   const HMENU bar = CreateMenu();
@@ -89,8 +89,8 @@ void MenuBar::Update(std::u16string_view active) {
   AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(books), L"&Window");
   std::size_t i = 0;
   AppendItems(bar, i, 0);
+  const windows::MenuHandle old(GetMenu(window_));  // the window owns its menu, and no longer this one
   SetMenu(window_, bar);
-  if (old != nullptr) DestroyMenu(old);
   DrawMenuBar(window_);
 }
 

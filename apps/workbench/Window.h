@@ -1,18 +1,9 @@
-// A window whose messages go to an object, and small owners of Win32 resources.
+// A window whose messages go to an object.
 #pragma once
-
-#include <memory>
-#include <type_traits>
 
 #include <windows.h>
 
 namespace rowlark::workbench {
-
-struct ObjectDeleter {
-  void operator()(HGDIOBJ object) const { DeleteObject(object); }
-};
-template <class Handle>
-using GdiPtr = std::unique_ptr<std::remove_pointer_t<Handle>, ObjectDeleter>;
 
 class Window {
  public:

@@ -13,6 +13,7 @@
 #include "Workbooks.h"
 #include "automation/Variant.h"
 #include "csv/CsvFile.h"
+#include "util/Scope.h"
 
 namespace rowlark::workbench {
 namespace {
@@ -20,18 +21,6 @@ namespace {
 using automation::Narrow;
 
 constexpr wchar_t kExampleName[] = L"customers.csv";
-
-class Raise {
- public:
-  explicit Raise(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
-  Raise(const Raise&) = delete;
-  Raise& operator=(const Raise&) = delete;
-  ~Raise() { flag_ = before_; }
-
- private:
-  bool& flag_;
-  bool before_;
-};
 
 bool IsAlive(const std::unique_ptr<WorkbookWindow>& window) { return window->Hwnd() != nullptr; }
 
@@ -101,7 +90,7 @@ void Workbench::Update() {
 }
 
 void Workbench::Arrange() {
-  const Raise arranging(arranging_);
+  const ScopedFlag arranging(arranging_);
   const auto books = application_->Workbooks();
   for (const auto& window : windows_) {
     if (!IsOpen(window->Book())) window->Use(nullptr);
@@ -154,7 +143,7 @@ void Workbench::CloseWorkbook(WorkbookWindow& window) {
   if (IsOpen(book)) {
     application_->Activate(book);
     if (WindowCount() > 1) {
-      const Raise arranging(arranging_);
+      const ScopedFlag arranging(arranging_);
       DestroyWindow(window.Hwnd());
     }
     application_->Close(book);
@@ -173,7 +162,7 @@ void Workbench::CloseWindow(WorkbookWindow& window) {
 void Workbench::Exit() {
   add_in_.Close();
   ended_ = true;
-  const Raise arranging(arranging_);
+  const ScopedFlag arranging(arranging_);
   for (const auto& window : windows_) DestroyWindow(window->Hwnd());
   PostQuitMessage(0);
 }

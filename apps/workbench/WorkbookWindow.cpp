@@ -133,7 +133,7 @@ void WorkbookWindow::UseSystemFont() {
   NONCLIENTMETRICSW metrics{};
   metrics.cbSize = sizeof metrics;
   SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
-  GdiPtr<HFONT> font(CreateFontIndirectW(&metrics.lfMessageFont));
+  windows::GdiObject<HFONT> font(CreateFontIndirectW(&metrics.lfMessageFont));
   for (const HWND child : {name_, value_, status_}) {
     SendMessageW(child, WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), TRUE);
   }
@@ -165,12 +165,10 @@ void WorkbookWindow::TellPlace() const {
   if (IsIconic(Hwnd())) return;
   RECT place;
   GetWindowRect(Hwnd(), &place);
-  const HDC screen = GetDC(nullptr);
-  const double points = 72.0 / GetDeviceCaps(screen, LOGPIXELSX);
-  ReleaseDC(nullptr, screen);
+  const double points = 72.0 / GetDeviceCaps(*windows::ScreenContext(GetDC(nullptr)), LOGPIXELSX);
   workbench_.Application().SetWindow({reinterpret_cast<intptr_t>(Hwnd()), points * place.left,
-                                      points * place.top, points * (place.right - place.left),
-                                      points * (place.bottom - place.top)});
+                                    points * place.top, points * (place.right - place.left),
+                                    points * (place.bottom - place.top)});
 }
 
 standalone::Worksheet* WorkbookWindow::Sheet() const {

@@ -10,6 +10,7 @@
 #include "Window.h"
 #include "host/standalone/Application.h"
 #include "sheetview/SheetView.h"
+#include "util/windows/Handles.h"
 
 namespace rowlark::workbench {
 
@@ -61,7 +62,7 @@ class WorkbookWindow final : public Window {
   HWND name_ = nullptr;
   HWND value_ = nullptr;
   HWND status_ = nullptr;
-  GdiPtr<HFONT> font_;
+  windows::GdiObject<HFONT> font_;
 
   std::unordered_map<const standalone::Worksheet*, sheetview::SheetView> views_;
   const standalone::Worksheet* shown_ = nullptr;

@@ -86,6 +86,10 @@ void Control::UserPressedMouse() {
   OnUser([this] { MouseDown.Raise(); });
 }
 
+void Control::Failed(std::string_view event) const noexcept { form_->Form_Failed(*this, event); }
+
+void ReportFailure(const Control& control, std::string_view event) noexcept { control.Failed(event); }
+
 void Control::Notify(Property property) {
   if (View* view = form_->view_) view->Changed(*this, property);
 }

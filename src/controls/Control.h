@@ -84,13 +84,16 @@ class Control {
   virtual Size Needs(const Ruler& ruler, Extent least) const;
   virtual Room RoomInLine() const { return Room::Word; }
 
-  Slot<> Click;
-  Slot<> GotFocus;
-  Slot<> MouseDown;
+  Slot<> Click{*this, "Click"};
+  Slot<> GotFocus{*this, "GotFocus"};
+  Slot<> MouseDown{*this, "MouseDown"};
   // A handler swallows a key or a character by setting it to 0.
-  Slot<int32_t&, int32_t> KeyDown;  // key code, modifiers
-  Slot<char16_t&> KeyPress;
-  Slot<int32_t&, int32_t> KeyUp;
+  Slot<int32_t&, int32_t> KeyDown{*this, "KeyDown"};  // key code, modifiers
+  Slot<char16_t&> KeyPress{*this, "KeyPress"};
+  Slot<int32_t&, int32_t> KeyUp{*this, "KeyUp"};
+
+  // Tells the form of the error that is being handled, which has ended the handler of an event.
+  void Failed(std::string_view event) const noexcept;
 
   virtual void Accept(Visitor& visitor) = 0;
 

@@ -27,7 +27,8 @@ void Form::Unload() noexcept {
   const Ref<Form> keep(this);
   try {
     Form_Unload();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): the form goes all the same
+  } catch (...) {  // the form goes all the same
+    Form_Failed(*this, "Unload");
   }
   Hide();
   if (View* view = std::exchange(view_, nullptr)) view->Released(*this);

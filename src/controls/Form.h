@@ -57,7 +57,7 @@ class Form : public Control, public RefCounted {
   // The window system that shows the form from now on.
   void Attach(View& view) { view_ = &view; }
 
-  Slot<> Activate;
+  Slot<> Activate{*this, "Activate"};
 
   // What the user does. Keys go to the form first, then to the control that has the focus; what is left of
   // them is returned, 0 when they were swallowed.
@@ -79,6 +79,8 @@ class Form : public Control, public RefCounted {
 
   // Before what the user does is handled, and before a timer ticks.
   virtual void Form_Message() noexcept {}
+  // An error, which is being handled, has ended the handler of a control's event, or of the form's own.
+  virtual void Form_Failed(const Control& /*control*/, std::string_view /*event*/) noexcept {}
   virtual void Form_Load() {}
   virtual void Form_Unload() {}
   // The system's close button; unloads the form.

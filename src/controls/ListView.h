@@ -60,7 +60,7 @@ class ListView final : public Control {
   }
   Room RoomInLine() const override { return Room::Lines; }
 
-  Slot<> ItemClick;
+  Slot<> ItemClick{*this, "ItemClick"};
 
   void UserPicked(int32_t index) {
     OnUser([&] {

@@ -32,7 +32,7 @@ class TextInput : public Control {
   Size Needs(const Ruler& ruler, Extent least) const override;
   Room RoomInLine() const override { return Room::Rest; }
 
-  Slot<> Change;
+  Slot<> Change{*this, "Change"};
 
   // The user has edited the text, or moved the selection.
   void UserTyped(std::u16string_view text, int32_t caret);

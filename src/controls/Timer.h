@@ -22,7 +22,7 @@ class Timer final : public Control {
     Notify(Property::Timer);
   }
 
-  Slot<> Tick;
+  Slot<> Tick{*this, "Tick"};
 
   void Expired() {
     OnUser([this] {

@@ -35,7 +35,7 @@ class ToolBar final : public Control {
   }
   Room RoomInLine() const override { return Room::LineOfItsOwn; }
 
-  Slot<std::u16string_view> ButtonClick;  // with the button's key
+  Slot<std::u16string_view> ButtonClick{*this, "ButtonClick"};  // with the button's key
 
   void UserPressed(std::u16string_view key) {
     OnUser([&] {

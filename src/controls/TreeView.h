@@ -50,7 +50,7 @@ class TreeView final : public Control {
   }
   Room RoomInLine() const override { return Room::Lines; }
 
-  Slot<const Node&> NodeClick;
+  Slot<const Node&> NodeClick{*this, "NodeClick"};
 
   void UserPicked(int32_t index) {
     OnUser([&] {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <source_location>
 #include <string>
 #include <string_view>
 
@@ -10,33 +11,10 @@
 #include "runtime/clsVTRLKRuntime.h"
 #include "settings/SharedState.h"
 #include "util/Event.h"
+#include "util/Scope.h"
+#include "util/Trace.h"
 
 namespace rowlark {
-
-// Does what may fail; false when it did. Hosts, registries and files fail at times, and a form then goes on
-// without what it wanted of them.
-template <class Action>
-bool Attempt(Action action) noexcept {
-  try {
-    action();
-    return true;
-  } catch (...) {
-    return false;
-  }
-}
-
-// A flag that is set within a scope.
-class ScopedFlag {
- public:
-  explicit ScopedFlag(bool& flag) : flag_(flag), before_(flag) { flag_ = true; }
-  ScopedFlag(const ScopedFlag&) = delete;
-  ScopedFlag& operator=(const ScopedFlag&) = delete;
-  ~ScopedFlag() { flag_ = before_; }
-
- private:
-  bool& flag_;
-  bool before_;
-};
 
 class BaseForm : public controls::Form {
  public:
@@ -56,6 +34,7 @@ class BaseForm : public controls::Form {
   virtual void ApplyCaptions() = 0;
   virtual void evtLang_NewLangLoaded() { ApplyCaptions(); }
   void Form_Message() noexcept override { shared_.GiveBackFlags(); }
+  void Form_Failed(const controls::Control& control, std::string_view event) noexcept override;
   void Form_Unload() override;
 
   std::u16string Text(std::u16string_view key, std::u16string_view default_text) const {
@@ -63,13 +42,21 @@ class BaseForm : public controls::Form {
   }
   // With the blanks that keep a frame's border off the letters.
   static std::u16string Padded(std::u16string_view caption);
+  // Does what may fail; false when it did. Hosts, registries and files fail at times, and a form then goes on
+  // without what it wanted of them.
+  template <class Action>
+  bool Attempt(Action action, std::source_location where = std::source_location::current()) const noexcept {
+    return rowlark::Attempt(shared_.Platform.Trace, action, where);
+  }
   // The reference keeps the host alive that a call back may take away. Throws host::Error without a host.
   Ref<host::Application> Host() const;
   // Connects a handler for what others raise: the form lives until it has ended, and hears of nothing once it
   // is unloaded.
   template <class Action>
-  auto Handler(Action action) {
-    return [this, action](auto&&... arguments) { this->OnUser([&] { action(arguments...); }); };
+  auto Handler(Action action, std::source_location where = std::source_location::current()) {
+    return [this, action, where](auto&&... arguments) {
+      this->OnUser([&] { this->Attempt([&] { action(arguments...); }, where); });
+    };
   }
   // The selections made in the active workbook; keeps what it has listened to where there is none.
   void ListenToSelection(Connection& connection, std::function<void()> action) noexcept;

@@ -36,8 +36,8 @@ class frmOptions final : public BaseForm {
   Ref<frmSelectRange> Picker() const { return picker_; }
 
   // What other forms show may be another one now: where a workbook is searched, and the history.
-  controls::Slot<> ProfileChanged;
-  controls::Slot<> HistoryCleared;
+  controls::Slot<> ProfileChanged{*this, "ProfileChanged"};
+  controls::Slot<> HistoryCleared{*this, "HistoryCleared"};
 
   controls::TreeView tvw0{*this, u"tvw0"};
   controls::Button btnClose{*this, u"btnClose"};

@@ -2,24 +2,16 @@
 #pragma once
 
 #include <cstdint>
-#include <exception>
-#include <string>
-#include <utility>
+
+#include "util/NumberedError.h"
 
 namespace rowlark::host {
 
-class Error : public std::exception {
+// `Number` is the host's run-time error number (1004: application-defined), `Description` its own text.
+class Error : public NumberedError {
  public:
-  // `number` is the host's run-time error number (1004: application-defined), `description` its own text.
-  Error(int32_t number, std::u16string description) : number_(number), description_(std::move(description)) {}
-
-  int32_t Number() const noexcept { return number_; }
-  const std::u16string& Description() const noexcept { return description_; }
+  using NumberedError::NumberedError;
   const char* what() const noexcept override { return "host error"; }
-
- private:
-  int32_t number_;
-  std::u16string description_;
 };
 
 }  // namespace rowlark::host

@@ -67,10 +67,8 @@ std::u16string clsVTRLKLang::FileOf(std::u16string_view name) const {
   const auto exact = path_ + std::u16string(name);
   if (environment_.Files->IsFileExists(exact)) return exact;
   mclsVTDictionary files;
-  try {
-    environment_.Files->DirScanFiles(path_, files, false);
-  } catch (const AutomationError&) {  // NOLINT(bugprone-empty-catch): what was listed so far counts
-  }
+  // What was listed before an error counts.
+  Attempt(environment_.Trace, [&] { environment_.Files->DirScanFiles(path_, files, false); });
   for (const auto& file : files) {
     const auto own = std::u16string_view(file).substr(file.find_last_of(PathMap::kSeparators) + 1);
     if (Compare(own, name, CompareMode::Text) == 0) return file;
@@ -91,14 +89,14 @@ void clsVTRLKLang::Load(bool raise) {
     lang_file_ = (language.empty() ? u"english" : language) + u".lng";
   }
   texts_.reset();
-  try {
-    if (const auto file = FileOf(lang_file_); !file.empty()) {
-      texts_ = std::make_unique<mclsVTIniFile>(*environment_.Files);
-      texts_->SetSepComment(u";");
-      texts_->SetFullName(file);
-    }
-  } catch (const AutomationError&) {  // gone in the meantime
-    texts_.reset();
+  if (!Attempt(environment_.Trace, [this] {
+        if (const auto file = FileOf(lang_file_); !file.empty()) {
+          texts_ = std::make_unique<mclsVTIniFile>(*environment_.Files);
+          texts_->SetSepComment(u";");
+          texts_->SetFullName(file);
+        }
+      })) {
+    texts_.reset();  // gone in the meantime
   }
   if (const auto file = LookUp(u"HELP_FILE_NAME"); !file.empty()) {
     help_file_ = environment_.HelpDirectory() + file;
@@ -109,11 +107,8 @@ void clsVTRLKLang::Load(bool raise) {
 
 std::u16string clsVTRLKLang::LookUp(std::u16string_view key) const {
   if (!texts_) return {};
-  try {
-    return texts_->GetData(key, u"").value_or(u"");
-  } catch (const AutomationError&) {
-    return {};
-  }
+  return AttemptOr(environment_.Trace, std::u16string(),
+                   [&] { return texts_->GetData(key, u"").value_or(u""); });
 }
 
 std::u16string clsVTRLKLang::GetText(std::u16string_view key, std::u16string_view default_text,

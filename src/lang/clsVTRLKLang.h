@@ -22,6 +22,7 @@ class clsVTRLKLang {
     std::u16string LibraryFolder;                   // where the language files lie at first
     std::function<std::u16string()> SetupLanguage;  // base name of the file chosen at set-up; may be empty
     std::function<std::u16string()> HelpDirectory;  // with a separator at its end
+    rowlark::Trace* Trace = nullptr;                // see util/Trace.h
   };
 
   // Loads the language chosen at set-up; the event is not raised.
@@ -88,7 +89,7 @@ class clsVTRLKLang {
   bool is_default_ = true;
   bool loaded_ = false;
   std::unique_ptr<mclsVTIniFile> texts_;
-  Event<const std::u16string&> new_lang_loaded_;
+  Event<const std::u16string&> new_lang_loaded_;  // without a trace, which the catalogue may outlive
 };
 
 }  // namespace rowlark

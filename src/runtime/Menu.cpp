@@ -6,6 +6,7 @@
 #include "runtime/Failure.h"
 #include "settings/Macros.h"
 #include "settings/Product.h"
+#include "util/Scope.h"
 
 namespace rowlark {
 namespace {
@@ -47,13 +48,7 @@ void Menu::Remove() {
 }
 
 void Menu::Create() {
-  struct BuildingGuard {
-    explicit BuildingGuard(bool& building) : building_(building) { building_ = true; }
-    ~BuildingGuard() { building_ = false; }
-    bool& building_;
-  };
-  const BuildingGuard guard(building_);
-
+  const ScopedFlag building(building_);
   const auto language = shared_.Language;
   const auto bar = Bar();
   RemoveFrom(*bar);
@@ -71,10 +66,7 @@ void Menu::Create() {
     }
     made_ = true;
   } catch (...) {
-    try {
-      menu->Delete();
-    } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch): the first failure is the one to tell
-    }
+    Attempt(shared_.Platform.Trace, [&menu] { menu->Delete(); });  // the first failure is the one to tell
     throw;
   }
 }

@@ -6,6 +6,7 @@
 #include "runtime/DetectSearchRange.h"
 #include "runtime/Failure.h"
 #include "runtime/ShowAll.h"
+#include "util/Scope.h"
 #include "util/Text.h"
 #include "util/mclsVTString.h"
 
@@ -39,9 +40,8 @@ SearchRun::SearchRun(SharedState& shared, std::shared_ptr<clsVTRLKItems> items,
 
 void SearchRun::Resume() {
   if (on_stack_ || Done()) return;
-  on_stack_ = true;
+  const ScopedFlag on_stack(on_stack_);
   work_.Resume();
-  on_stack_ = false;
 }
 
 std::vector<std::u16string> SearchRun::Words() const {
@@ -87,7 +87,7 @@ bool SearchRun::HideBlock(host::Worksheet& sheet, int32_t first, int32_t last) {
   address_ += u":A";
   address_ += ToText(last);
   std::u16string host_error;
-  if (HideRows(sheet, *sheet.Range(address_), true, host_error)) return true;
+  if (HideRows(sheet, *sheet.Range(address_), true, shared_.Platform.Trace, host_error)) return true;
   outcome_ = Outcome::Failed;
   error_ =
       language_->GetText(u"Err.SearchHide", u"Error #%1: Can not hide/unhide rows %2", {u"397", host_error});
@@ -195,6 +195,7 @@ Resumable SearchRun::Work() {
     outcome_ = Outcome::Done;
   } catch (...) {
     outcome_ = Outcome::Failed;
+    TraceCaught(shared_.Platform.Trace, "SearchRun::Work");
     error_ = GenericError(*language_);
   }
 }

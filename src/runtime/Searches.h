@@ -49,7 +49,7 @@ class Searches {
   bool entry_guard_ = false;  // an earlier run is being brought to its end
   bool given_up_ = false;     // the search that waits for that was stopped as well
   bool abandoned_ = false;
-  Event<bool&> searching_event_;
+  Event<bool&> searching_event_{shared_.Platform.Trace};
 };
 
 }  // namespace rowlark

@@ -27,7 +27,7 @@ std::optional<host::Criterion> TryRead(Read read) {
 
 // Applies the filter of a column once more, which shows the rows that a search has hidden. True when the
 // filters of all columns have been applied.
-bool Reapply(host::AutoFilter& filters, int32_t field, const host::Filter& filter) {
+bool Reapply(host::AutoFilter& filters, int32_t field, const host::Filter& filter, Trace* trace) {
   const int32_t operation = filter.Operator();
   if (operation >= host::xlFilterValues) {
     // The criteria that can be read are not all that such a filter has: a list of values lacks the groups of
@@ -47,13 +47,7 @@ bool Reapply(host::AutoFilter& filters, int32_t field, const host::Filter& filte
     arguments.Criteria2 = TryRead([&] { return filter.Criteria2(); });
   }
   // Without a criterion the filter would be cleared.
-  if (arguments.Criteria1) {
-    try {
-      filters.Range()->AutoFilter(arguments);
-      return false;
-    } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch): the host may still do it as a whole
-    }
-  }
+  if (arguments.Criteria1 && Attempt(trace, [&] { filters.Range()->AutoFilter(arguments); })) return false;
   filters.ApplyFilter();
   return true;
 }
@@ -71,7 +65,7 @@ void ShowRows(const host::Worksheet& sheet, int32_t first, int32_t last) {
   }
 }
 
-void Show(host::Worksheet& sheet, host::Range& range) {
+void Show(host::Worksheet& sheet, host::Range& range, Trace* trace) {
   if (!sheet.AutoFilterMode()) {
     range.SetEntireRowHidden(false);
     return;
@@ -87,7 +81,7 @@ void Show(host::Worksheet& sheet, host::Range& range) {
     const auto filter = Require(filters->Filters(field));
     if (!filter->On()) continue;
     ++active;
-    if (Reapply(*filters, field, *filter)) break;
+    if (Reapply(*filters, field, *filter, trace)) break;
   }
   if (active == 0) filtered->SetEntireRowHidden(false);
 }
@@ -102,16 +96,17 @@ void GoToFirstRow(host::Worksheet& sheet, const clsVTRLKItem& profile) {
 
 }  // namespace
 
-bool HideRows(host::Worksheet& sheet, host::Range& range, bool hide, std::u16string& error) {
+bool HideRows(host::Worksheet& sheet, host::Range& range, bool hide, Trace* trace, std::u16string& error) {
   error.clear();
   try {
     if (hide) {
       range.SetEntireRowHidden(true);
     } else {
-      Show(sheet, range);
+      Show(sheet, range, trace);
     }
     return true;
   } catch (...) {
+    TraceCaught(trace);
     error = CurrentDescription();
     return false;
   }
@@ -131,8 +126,8 @@ bool ShowAll(SharedState& shared, const host::Application& application, FlagScop
     screen.Change(false);
     const auto sheet = Require(application.ActiveSheet());
     std::u16string host_error;
-    if (!HideRows(*sheet, *sheet->Cells(), false, host_error)) {
-      // This message has always closed with the word False in place of the host's reason.
+    if (!HideRows(*sheet, *sheet->Cells(), false, shared.Platform.Trace, host_error)) {
+      // The message ends with the word False in place of the host's reason.
       error = language->GetText(u"Err.SearchHide", u"Error #%1: Can't show/hide rows %2", {u"397", u"False"});
       done = false;
     }
@@ -148,6 +143,7 @@ bool ShowAll(SharedState& shared, const host::Application& application, FlagScop
     if (profile->DontSaveChanges) Require(application.ActiveWorkbook())->SetSaved(true);
     return done;
   } catch (...) {
+    TraceCaught(shared.Platform.Trace);
     error = GenericError(*language);
     return false;
   }

@@ -13,7 +13,7 @@ namespace rowlark {
 // Hides the rows of the range, or shows rows again: all of the range's on a sheet without an AutoFilter; on a
 // sheet with one, those around the filter's data, and of its data those that pass the filters. False, and the
 // host's own words in `error`, when the host refuses.
-bool HideRows(host::Worksheet& sheet, host::Range& range, bool hide, std::u16string& error);
+bool HideRows(host::Worksheet& sheet, host::Range& range, bool hide, Trace* trace, std::u16string& error);
 
 // Shows all rows of the active sheet and goes to the place that the workbook's profile asks for. False, and a
 // localised text in `error`, when that failed. Called from a search it leaves the screen switched off.

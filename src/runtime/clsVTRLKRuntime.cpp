@@ -25,8 +25,9 @@ clsVTRLKRuntime::clsVTRLKRuntime(SharedState& shared, Forms& forms)
       searches_(std::make_shared<Searches>(shared)),
       menu_(std::make_shared<Menu>(shared)) {
   shared_.Acquire();
-  new_language_ =
-      shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) { evtLang_NewLangLoaded(); });
+  new_language_ = shared_.Language->NewLangLoaded().Connect([this](const std::u16string&) {
+    Attempt(shared_.Platform.Trace, [this] { evtLang_NewLangLoaded(); });
+  });
 }
 
 clsVTRLKRuntime::~clsVTRLKRuntime() {

@@ -19,8 +19,8 @@ std::u16string ConfigurationFolder() {
 }  // namespace
 
 Library::Library(std::u16string_view file_name, std::function<void()> idle)
-    : windows_(std::move(idle)),
-      Shared(
-          Platform{pump_, registry_, help_, windows_, files_, FolderOf(file_name), ConfigurationFolder()}) {}
+    : windows_(std::move(idle), trace_.get()),
+      Shared(Platform{pump_, registry_, help_, windows_, files_, FolderOf(file_name), ConfigurationFolder(),
+                      trace_.get()}) {}
 
 }  // namespace rowlark::server

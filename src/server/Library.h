@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string_view>
 
 #include "forms/FormSet.h"
@@ -10,11 +11,13 @@
 #include "host/windows/WindowsRegistry.h"
 #include "host/windows/WindowsWindowSystem.h"
 #include "settings/SharedState.h"
+#include "util/Trace.h"
 #include "util/mclsVTFileSystem.h"
 
 namespace rowlark::server {
 
 class Library {
+  const std::unique_ptr<Trace> trace_ = OpenTrace();
   windows::WindowsMessagePump pump_;
   windows::WindowsRegistry registry_;
   windows::WindowsHelp help_;

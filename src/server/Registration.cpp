@@ -3,7 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "automation/TypeAttributes.h"
 #include "automation/Variant.h"
+#include "util/windows/Handles.h"
 #include "vtrlk_runtime_h.h"
 
 namespace rowlark::server {
@@ -20,21 +22,6 @@ constexpr GUID kTypeLibrary = {0xcbee3ab9, 0x089d, 0x4353, {0xb4, 0x90, 0x64, 0x
 // The system's marshalling of what a type library describes: dual interfaces, and events.
 constexpr std::u16string_view kDualProxy = u"{00020424-0000-0000-C000-000000000046}";
 constexpr std::u16string_view kEventsProxy = u"{00020420-0000-0000-C000-000000000046}";
-
-class Key {
- public:
-  Key() = default;
-  Key(const Key&) = delete;
-  Key& operator=(const Key&) = delete;
-  ~Key() {
-    if (key_ != nullptr) RegCloseKey(key_);
-  }
-  HKEY get() const { return key_; }
-  HKEY* Put() { return &key_; }
-
- private:
-  HKEY key_ = nullptr;
-};
 
 std::u16string Braced(const GUID& guid) {
   wchar_t text[40] = {};
@@ -64,15 +51,15 @@ std::vector<Interface> Interfaces(ITypeLib& library) {
   std::vector<Interface> interfaces;
   for (UINT i = 0; i < library.GetTypeInfoCount(); ++i) {
     ComPtr<ITypeInfo> type;
-    TYPEATTR* attributes = nullptr;
     Bstr name;
-    if (FAILED(library.GetTypeInfo(i, type.Put())) || FAILED(type->GetTypeAttr(&attributes))) continue;
+    if (FAILED(library.GetTypeInfo(i, type.Put()))) continue;
+    const auto attributes = automation::AttributesOf(*type);
+    if (!attributes) continue;
     if (attributes->typekind == TKIND_DISPATCH) {
       library.GetDocumentation(static_cast<INT>(i), name.Put(), nullptr, nullptr, nullptr);
       interfaces.push_back({u"Interface\\" + Braced(attributes->guid), std::u16string(name.View()),
                             (attributes->wTypeFlags & TYPEFLAG_FDUAL) != 0});
     }
-    type->ReleaseTypeAttr(attributes);
   }
   return interfaces;
 }
@@ -93,7 +80,7 @@ class Classes {
   }
 
   void Set(const std::u16string& path, const wchar_t* name, std::u16string_view text) const {
-    Key key;
+    windows::RegistryKey key;
     Check(RegCreateKeyExW(key_.get(), Wide(path.c_str()), 0, nullptr, 0, KEY_SET_VALUE, nullptr, key.Put(),
                           nullptr));
     const std::u16string value(text);
@@ -108,12 +95,12 @@ class Classes {
   // interfaces of their own, while names of classes and type libraries are common to both.
   bool HasInOtherView(const std::u16string& path) const {
     constexpr REGSAM kOther = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
-    Key key;
+    windows::RegistryKey key;
     const std::wstring full = std::wstring(kPath) + L'\\' + Wide(path.c_str());
     return RegOpenKeyExW(root_, full.c_str(), 0, KEY_READ | kOther, key.Put()) == ERROR_SUCCESS;
   }
   bool HasChildren(const std::u16string& path) const {
-    Key key;
+    windows::RegistryKey key;
     DWORD children = 0;
     if (RegOpenKeyExW(key_.get(), Wide(path.c_str()), 0, KEY_READ, key.Put()) == ERROR_SUCCESS) {
       RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &children, nullptr, nullptr, nullptr, nullptr,
@@ -125,8 +112,8 @@ class Classes {
  private:
   static constexpr wchar_t kPath[] = L"Software\\Classes";
 
-  HKEY root_;
-  Key key_;
+  HKEY root_;  // the system's own, which is never closed
+  windows::RegistryKey key_;
 };
 
 ComPtr<ITypeLib> Load(const std::u16string& file) {

@@ -18,30 +18,26 @@ void HostFlags::GiveBack(host::Application& application) noexcept {
   for (std::size_t i = 0; i < states_.size(); ++i) {
     auto& state = states_[i];
     if (state.scopes > 0 || !state.owed) continue;
-    try {
+    // It stays owed where the host does not take it now.
+    Attempt(trace_, [&] {
       (application.*kAccess[i].set)(*state.owed);
       state.owed.reset();
-    } catch (...) {  // NOLINT(bugprone-empty-catch): the host does not take it now
-    }
+    });
   }
 }
 
 FlagScope::FlagScope(HostFlags& flags, Ref<host::Application> application, HostFlag flag,
                      std::optional<bool> restored)
-    : state_(flags.Of(flag)),
+    : trace_(flags.trace_),
+      state_(flags.Of(flag)),
       application_(std::move(application)),
       access_(kAccess[static_cast<std::size_t>(flag)]) {
   if (restored) Enter(*restored);
 }
 
 FlagScope::~FlagScope() {
-  // A busy host refuses calls now and then, so one refusal is not the end.
-  for (int attempt = 0; entered_ && attempt < 2; ++attempt) {
-    try {
-      GiveBack();
-    } catch (...) {  // NOLINT(bugprone-empty-catch): it stays owed
-    }
-  }
+  // A busy host refuses calls now and then, so one refusal is not the end; after the second it stays owed.
+  for (int attempt = 0; entered_ && attempt < 2; ++attempt) Attempt(trace_, [this] { GiveBack(); });
   Leave();
 }
 

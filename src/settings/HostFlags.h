@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "host/spreadsheet.h"
+#include "util/Trace.h"
 
 namespace rowlark {
 
@@ -24,6 +25,8 @@ struct FlagAccess {
 
 class HostFlags {
  public:
+  explicit HostFlags(Trace* trace = nullptr) : trace_(trace) {}
+
   // Gives back what is owed and not in use, as far as the host takes it. Calls the host only where something
   // is.
   void GiveBack(host::Application& application) noexcept;
@@ -38,6 +41,7 @@ class HostFlags {
   State& Of(HostFlag flag) { return states_[static_cast<std::size_t>(flag)]; }
 
   std::array<State, 3> states_;
+  Trace* trace_;
 };
 
 // Changes a flag for a time, and gives it back at the end.
@@ -60,6 +64,7 @@ class FlagScope {
  private:
   void Enter(bool present);
 
+  Trace* const trace_;
   HostFlags::State& state_;
   const Ref<host::Application> application_;
   const FlagAccess& access_;

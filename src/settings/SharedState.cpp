@@ -48,7 +48,7 @@ void SharedState::Acquire() {
   if (!Foundation->Language) {
     Foundation->Language = std::make_shared<clsVTRLKLang>(clsVTRLKLang::Environment{
         &Platform.Files, Platform.LibraryFolder, [read] { return read(u"SetupLanguage"); },
-        [this] { return HelpDirectory; }});
+        [this] { return HelpDirectory; }, Platform.Trace});
   }
   Language = Foundation->Language;
 }

@@ -13,6 +13,7 @@
 #include "lang/clsVTRLKLang.h"
 #include "settings/HostFlags.h"
 #include "settings/mclsVTRegistry.h"
+#include "util/Trace.h"
 #include "util/mclsVTFileSystem.h"
 
 namespace rowlark {
@@ -27,6 +28,7 @@ struct Platform {
   std::u16string LibraryFolder;  // where the language files lie
   // The user's, with a separator at its end; made when it is first needed. Empty: settings are not kept.
   std::u16string ConfigurationFolder;
+  rowlark::Trace* Trace = nullptr;  // hears of failures that nobody is told of; nothing when nobody asks
 };
 
 // What the settings objects stand on. They share it by count, since a client may hold a profile, the
@@ -36,6 +38,8 @@ struct Foundation {
   Ref<host::Application> ExcelApp;
   std::shared_ptr<clsVTRLKLang> Language;  // nothing before the first runtime object
   bool HistoryCleared = false;             // a temporary history has been emptied in this run of the host
+
+  rowlark::Trace* Trace() const { return Platform != nullptr ? Platform->Trace : nullptr; }
 };
 
 class SharedState {
@@ -60,7 +64,7 @@ class SharedState {
   // Nothing until the add-in has set it. Calls of the host may come back and replace it: hold a copy
   // meanwhile.
   Ref<host::Application>& ExcelApp;
-  HostFlags Flags;
+  HostFlags Flags{Platform.Trace};
   std::shared_ptr<clsVTRLKLang> Language;  // present while a runtime object lives
   std::u16string HelpDirectory;            // with a separator at its end
   intptr_t HelpWindow = 0;                 // of the last help that was opened; 0 when that failed

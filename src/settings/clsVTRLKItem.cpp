@@ -34,7 +34,8 @@ void clsVTRLKItem::UpdateSearchRange() {
   // Most profiles have no block: no need to ask the host, when there is no address to take away, or when a
   // corner at 0 lies off any sheet.
   if (!block_.IsClosed() && (block_.first_row >= 0 || search_range_.empty())) return;
-  try {
+  // Off the sheet, or without cells, the text stays.
+  Attempt(foundation_->Trace(), [this] {
     const auto application = foundation_->ExcelApp;
     const auto sheet = application ? application->ActiveSheet() : nullptr;
     if (!sheet) return;
@@ -46,8 +47,7 @@ void clsVTRLKItem::UpdateSearchRange() {
     const auto first = origin->Offset(block_.first_row - 1, block_.first_column - 1)->AddressLocal();
     const auto last = origin->Offset(block_.last_row - 1, block_.last_column - 1)->Address();
     search_range_ = WithoutDollars(first + u":" + last);
-  } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch): off the sheet, or no cells; the text stays
-  }
+  });
 }
 
 std::u16string clsVTRLKItem::ToString() const {

@@ -136,6 +136,7 @@ bool clsVTRLKItems::CfgLoad() {
     Remember(Apply(read), read.options[Configuration::kHistory]);
     return true;
   } catch (const std::exception&) {
+    TraceCaught(foundation_->Trace());
     // What the file holds is not known, so a save has to find out.
     if (known_file_ != CfgFileName) Remember({}, std::nullopt);
     return false;
@@ -163,6 +164,7 @@ bool clsVTRLKItems::CfgSave(bool ResetLangFile) {
     known_file_ = CfgFileName;
     return true;
   } catch (const std::exception&) {
+    TraceCaught(foundation_->Trace());
     return false;
   }
 }

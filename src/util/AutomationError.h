@@ -2,13 +2,14 @@
 #pragma once
 
 #include <cstdint>
-#include <exception>
 #include <string>
 #include <utility>
 
+#include "util/NumberedError.h"
+
 namespace rowlark {
 
-class AutomationError : public std::exception {
+class AutomationError : public NumberedError {
  public:
   // Run-time error numbers of automation clients.
   static constexpr int32_t kInvalidCall = 5;
@@ -17,7 +18,7 @@ class AutomationError : public std::exception {
   static constexpr int32_t kTypeMismatch = 13;
 
   AutomationError(int32_t number, std::u16string source, std::u16string description)
-      : number_(number), source_(std::move(source)), description_(std::move(description)) {}
+      : NumberedError(number, std::move(description)), source_(std::move(source)) {}
 
   // The run-time errors; `source` names the member that raises them. Empty: the one that a client has called.
   static AutomationError InvalidCall(std::u16string source) {
@@ -33,15 +34,11 @@ class AutomationError : public std::exception {
     return {kTypeMismatch, std::move(source), u"Type mismatch"};
   }
 
-  int32_t Number() const noexcept { return number_; }
   const std::u16string& Source() const noexcept { return source_; }
-  const std::u16string& Description() const noexcept { return description_; }
   const char* what() const noexcept override { return "automation error"; }
 
  private:
-  int32_t number_;
   std::u16string source_;
-  std::u16string description_;
 };
 
 }  // namespace rowlark

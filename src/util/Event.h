@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "util/Trace.h"
+
 namespace rowlark {
 
 // Ends the listening when it is destroyed or released. Outliving the event is harmless.
@@ -26,27 +28,28 @@ class Event {
  public:
   using Handler = std::function<void(Args...)>;
 
+  // Whoever wants to know of listeners that fail passes a trace.
+  explicit Event(Trace* trace = nullptr) : trace_(trace) {}
+
   [[nodiscard]] Connection Connect(Handler handler) {
     auto slot = std::make_shared<Handler>(std::move(handler));
     slots_.push_back(slot);
     return Connection(std::move(slot));
   }
 
-  // A listener that throws is the listener's affair: neither the source nor the other listeners suffer.
+  // Neither the source nor the other listeners suffer from one that throws; the trace is told.
   void Raise(Args... args) {
     std::erase_if(slots_, [](const auto& slot) { return slot.expired(); });
     const auto slots = slots_;
     for (const auto& weak : slots) {
       if (const auto slot = weak.lock()) {
-        try {
-          (*slot)(args...);
-        } catch (...) {  // NOLINT(bugprone-empty-catch)
-        }
+        Attempt(trace_, [&] { (*slot)(args...); });
       }
     }
   }
 
  private:
+  Trace* trace_;
   std::vector<std::weak_ptr<Handler>> slots_;
 };
 

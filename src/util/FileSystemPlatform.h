@@ -34,31 +34,31 @@ struct FileTimes {
 };
 
 // Sets the times given. A creation time is passed over where the platform cannot set one.
-std::error_code SetTimes(const std::filesystem::path& file, const FileTimes& times);
+[[nodiscard]] std::error_code SetTimes(const std::filesystem::path& file, const FileTimes& times);
 
 // Who may use what is made: its user alone, or everybody whom the user admits to new files. Platforms whose
 // folders decide that make no difference.
 enum class Access { Private, Ordinary };
 
 // Makes a folder; one that is there is none to make.
-std::error_code MakeFolder(const std::filesystem::path& folder, Access access);
+[[nodiscard]] std::error_code MakeFolder(const std::filesystem::path& folder, Access access);
 
 // Gives a file new content, or makes the file. Whatever happens, and wherever the process ends, the file
 // holds the old content whole or the new content whole, on disk. A link is followed; a file that is there
 // keeps its permissions, and rights of a group that cannot be kept pass to no other one. Only a regular file
 // that may be written is replaced. What killed processes left in the folder is removed. `between_steps` is
 // called at every point where the process may end.
-std::error_code ReplaceContent(const std::filesystem::path& file, std::string_view bytes, Access access,
-                               const std::function<void()>& between_steps);
+[[nodiscard]] std::error_code ReplaceContent(const std::filesystem::path& file, std::string_view bytes,
+                                             Access access, const std::function<void()>& between_steps);
 // The same for content that comes in pieces, with an empty one at the end. What `next_piece` throws passes
 // through, and then nothing has been replaced.
-std::error_code ReplaceContent(const std::filesystem::path& file,
-                               const std::function<std::string_view()>& next_piece, Access access,
-                               const std::function<void()>& between_steps);
+[[nodiscard]] std::error_code ReplaceContent(const std::filesystem::path& file,
+                                             const std::function<std::string_view()>& next_piece,
+                                             Access access, const std::function<void()>& between_steps);
 
 // While it lives, no other process holds the lock of that file, which is made when missing. Waits for its
 // turn.
-class FileLock {
+class [[nodiscard]] FileLock {
  public:
   FileLock(const std::filesystem::path& file, Access access);
   FileLock(const FileLock&) = delete;

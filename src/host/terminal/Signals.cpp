@@ -13,18 +13,15 @@ Signals::Signals() {
   sigemptyset(&held);
   for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGTSTP, SIGCONT, SIGWINCH}) sigaddset(&held, signal);
   sigprocmask(SIG_BLOCK, &held, &before_);
-  descriptor_ = signalfd(-1, &held, SFD_NONBLOCK | SFD_CLOEXEC);
-  if (descriptor_ < 0) throw std::system_error(errno, std::generic_category(), "signalfd");
+  descriptor_.reset(signalfd(-1, &held, SFD_NONBLOCK | SFD_CLOEXEC));
+  if (!descriptor_) throw std::system_error(errno, std::generic_category(), "signalfd");
 }
 
-Signals::~Signals() {
-  close(descriptor_);
-  sigprocmask(SIG_SETMASK, &before_, nullptr);
-}
+Signals::~Signals() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
 
 std::optional<int> Signals::Take() const {
   signalfd_siginfo signal{};
-  if (read(descriptor_, &signal, sizeof signal) != sizeof signal) return std::nullopt;
+  if (read(*descriptor_, &signal, sizeof signal) != sizeof signal) return std::nullopt;
   return static_cast<int>(signal.ssi_signo);
 }
 

@@ -5,6 +5,8 @@
 
 #include <optional>
 
+#include "util/posix/Descriptor.h"
+
 namespace rowlark::terminal {
 
 // Holds back SIGHUP, SIGINT, SIGTERM, SIGTSTP, SIGCONT and SIGWINCH as long as it lives.
@@ -19,7 +21,7 @@ class Signals {
   // The number of one that has arrived; nothing when none has.
   std::optional<int> Take() const;
   // Readable when one has arrived.
-  int Descriptor() const { return descriptor_; }
+  int Descriptor() const { return *descriptor_; }
 
   // Stops the process and its job as Ctrl+Z does; returns when it is continued.
   void Stop() const;
@@ -29,7 +31,7 @@ class Signals {
 
  private:
   sigset_t before_{};
-  int descriptor_ = -1;
+  rowlark::Descriptor descriptor_;
 };
 
 }  // namespace rowlark::terminal

@@ -13,15 +13,6 @@ namespace {
 constexpr uint32_t kNoTimeout = std::numeric_limits<uint32_t>::max();
 constexpr uint32_t kFrame = 25;  // milliseconds between two pictures while messages keep coming
 
-// An error ends the handler, and nothing else suffers.
-template <class Action>
-void Guarded(Action action) noexcept {
-  try {
-    action();
-  } catch (...) {  // NOLINT(bugprone-empty-catch)
-  }
-}
-
 // Whether a tick lies behind another one, the count beginning anew at 2^32.
 bool IsDue(uint32_t tick, uint32_t now) { return static_cast<int32_t>(now - tick) >= 0; }
 
@@ -39,10 +30,10 @@ void TerminalMessagePump::ProcessMessages() noexcept {
   waited_ = false;
   looked_ = now;
   TakeSignals();
-  Guarded([this] {
+  Attempt(trace_, [this] {
     while (const auto input = screen_.Read()) {
       input_left_ = stale_ = true;
-      Guarded([&] { OnInput(*input); });
+      Attempt(trace_, [&] { OnInput(*input); });
     }
   });
   input_left_ = false;
@@ -62,7 +53,8 @@ void TerminalMessagePump::WaitForInput(uint32_t milliseconds) noexcept {
   std::array<pollfd, 2> descriptors{
       {{screen_.InputDescriptor(), POLLIN, 0}, {signals_.Descriptor(), POLLIN, 0}}};
   poll(descriptors.data(), descriptors.size(), timeout);
-  if ((descriptors[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) Guarded([this] { OnEnd(SIGHUP); });
+  if ((descriptors[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0)
+    Attempt(trace_, [this] { OnEnd(SIGHUP); });
 }
 
 void TerminalMessagePump::TakeSignals() {
@@ -73,7 +65,7 @@ void TerminalMessagePump::TakeSignals() {
     } else if (*signal == SIGTSTP) {
       Suspend();
     } else {
-      Guarded([&] { OnEnd(*signal); });
+      Attempt(trace_, [&] { OnEnd(*signal); });
     }
   }
 }
@@ -87,7 +79,7 @@ void TerminalMessagePump::Suspend() {
 
 void TerminalMessagePump::Draw() {
   stale_ = false;
-  Guarded([this] { OnDraw(); });
+  Attempt(trace_, [this] { OnDraw(); });
   drawn_ = TickCount();
 }
 

@@ -10,14 +10,16 @@
 #include "host/MessagePump.h"
 #include "host/terminal/Screen.h"
 #include "host/terminal/Signals.h"
+#include "util/Trace.h"
 
 namespace rowlark::terminal {
 
 class TerminalMessagePump final : public host::MessagePump {
  public:
-  TerminalMessagePump(Screen& screen, const Signals& signals) : screen_(screen), signals_(signals) {}
+  TerminalMessagePump(Screen& screen, const Signals& signals, rowlark::Trace* trace)
+      : screen_(screen), signals_(signals), trace_(trace) {}
 
-  // What they throw is dropped.
+  // What they throw ends them, and nothing else suffers; the trace is told.
   std::function<void(const Input&)> OnInput;
   std::function<void()> OnDraw;
   std::function<void(int signal)>
@@ -32,6 +34,8 @@ class TerminalMessagePump final : public host::MessagePump {
   void Invalidate() { stale_ = true; }
   // Gives the terminal back to the shell until the user comes back.
   void Suspend();
+
+  rowlark::Trace* Trace() const { return trace_; }
 
   void Start(controls::Timer& timer);
   void Stop(const controls::Control& timer);
@@ -48,6 +52,7 @@ class TerminalMessagePump final : public host::MessagePump {
 
   Screen& screen_;
   const Signals& signals_;
+  rowlark::Trace* const trace_;
   std::vector<Due> timers_;
   bool stale_ = true;
   bool waited_ = true;       // since the input was looked at

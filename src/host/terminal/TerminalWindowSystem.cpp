@@ -121,18 +121,13 @@ std::size_t TerminalWindowSystem::Choose(std::u16string_view text, std::u16strin
 
 void TerminalWindowSystem::MsgBox(std::u16string_view text, host::MsgBoxIcon,
                                   std::u16string_view title) noexcept {
-  try {
-    Choose(text, title, {OkCaption()});
-  } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody to tell
-  }
+  Attempt(pump_.Trace(), [&] { Choose(text, title, {OkCaption()}); });
 }
 
 bool TerminalWindowSystem::Ask(std::u16string_view text, std::u16string_view title) noexcept {
-  try {
+  return AttemptOr(pump_.Trace(), false, [&] {
     return Choose(text, title, {OkCaption(), CancelCaption()}) == 0;
-  } catch (...) {
-    return false;
-  }
+  });
 }
 
 int32_t TerminalWindowSystem::ChooseFrom(const std::vector<ListForm::Entry>& entries, int32_t selected,

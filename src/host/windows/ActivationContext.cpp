@@ -9,16 +9,11 @@ ActivationContext::ActivationContext(HINSTANCE module) {
   description.dwFlags = ACTCTX_FLAG_HMODULE_VALID | ACTCTX_FLAG_RESOURCE_NAME_VALID;
   description.hModule = module;
   description.lpResourceName = MAKEINTRESOURCEW(kManifest);
-  handle_ = ::CreateActCtxW(&description);
-}
-
-ActivationContext::~ActivationContext() {
-  if (handle_ != INVALID_HANDLE_VALUE) ::ReleaseActCtx(handle_);
+  context_.reset(::CreateActCtxW(&description));
 }
 
 ActivationContext::Scope::Scope(const ActivationContext& context) {
-  if (context.handle_ != INVALID_HANDLE_VALUE && ::ActivateActCtx(context.handle_, &cookie_) == 0)
-    cookie_ = 0;
+  if (context.context_ && ::ActivateActCtx(*context.context_, &cookie_) == 0) cookie_ = 0;
 }
 
 ActivationContext::Scope::~Scope() {

@@ -3,15 +3,14 @@
 
 #include <windows.h>
 
+#include "util/Owner.h"
+
 namespace rowlark::windows {
 
 // Made from the manifest (resource 2) of a module. Where that is missing, the host's version is used.
 class ActivationContext {
  public:
   explicit ActivationContext(HINSTANCE module);
-  ActivationContext(const ActivationContext&) = delete;
-  ActivationContext& operator=(const ActivationContext&) = delete;
-  ~ActivationContext();
 
   // Windows that are created within a scope are of that version.
   class Scope {
@@ -26,7 +25,12 @@ class ActivationContext {
   };
 
  private:
-  HANDLE handle_;
+  struct Traits {
+    using Handle = HANDLE;
+    static Handle None() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Handle context) noexcept { ::ReleaseActCtx(context); }
+  };
+  Owner<Traits> context_;
 };
 
 }  // namespace rowlark::windows

@@ -11,40 +11,32 @@ namespace {
 // The screen, on which text is as wide as in a window; contexts in memory may smooth it in another way.
 class Screen {
  public:
-  explicit Screen(HFONT font) : context_(::GetDC(nullptr)), before_(::SelectObject(context_, font)) {}
-  Screen(const Screen&) = delete;
-  Screen& operator=(const Screen&) = delete;
-  ~Screen() {
-    ::SelectObject(context_, before_);
-    ::ReleaseDC(nullptr, context_);
-  }
+  explicit Screen(HFONT font) : context_(::GetDC(nullptr)), font_(*context_, font) {}
 
   SIZE Extent(std::wstring_view text) const {
     SIZE size{};
-    ::GetTextExtentPoint32W(context_, text.data(), static_cast<int>(text.size()), &size);
+    ::GetTextExtentPoint32W(*context_, text.data(), static_cast<int>(text.size()), &size);
     return size;
   }
   int TextHeight() const {
     TEXTMETRICW metrics{};
-    ::GetTextMetricsW(context_, &metrics);
+    ::GetTextMetricsW(*context_, &metrics);
     return static_cast<int>(metrics.tmHeight);
   }
 
  private:
-  HDC context_;
-  HGDIOBJ before_;
+  ScreenContext context_;
+  SelectedObject font_;
 };
 
 }  // namespace
 
 DialogScale::DialogScale(const LOGFONTW& font) : font_(::CreateFontIndirectW(&font)) {
-  const Screen screen(font_);
+  const Screen screen(*font_);
   const LONG alphabet = screen.Extent(L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz").cx;
   width_ = std::max(1, static_cast<int>((alphabet / 26 + 1) / 2));
   height_ = std::max(1, screen.TextHeight());
 }
-
-DialogScale::~DialogScale() { ::DeleteObject(font_); }
 
 RECT DialogScale::Pixels(const controls::Rect& units) const {
   return {::MulDiv(units.left, width_, 4), ::MulDiv(units.top, height_, 8),
@@ -52,7 +44,7 @@ RECT DialogScale::Pixels(const controls::Rect& units) const {
 }
 
 int32_t DialogScale::TextWidth(std::u16string_view text) const {
-  const auto pixels = static_cast<int32_t>(Screen(font_).Extent(Wide(text)).cx);
+  const auto pixels = static_cast<int32_t>(Screen(*font_).Extent(Wide(text)).cx);
   return (pixels * 4 + width_ - 1) / width_;
 }
 

@@ -7,17 +7,15 @@
 #include <string_view>
 
 #include "controls/View.h"
+#include "util/windows/Handles.h"
 
 namespace rowlark::windows {
 
 class DialogScale {
  public:
   explicit DialogScale(const LOGFONTW& font);
-  DialogScale(const DialogScale&) = delete;
-  DialogScale& operator=(const DialogScale&) = delete;
-  ~DialogScale();
 
-  HFONT Font() const { return font_; }
+  HFONT Font() const { return *font_; }
   RECT Pixels(const controls::Rect& units) const;
   // As many whole units as fit into so many pixels.
   controls::Size Units(SIZE pixels) const {
@@ -28,7 +26,7 @@ class DialogScale {
   int32_t TextWidth(std::u16string_view text) const;
 
  private:
-  HFONT font_;
+  GdiObject<HFONT> font_;
   int width_ = 0;  // of the average character
   int height_ = 0;
 };

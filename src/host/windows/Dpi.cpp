@@ -2,13 +2,14 @@
 
 #include <bit>
 
+#include "util/windows/Handles.h"
+
 namespace rowlark::windows {
 namespace {
 
 UINT SystemDpi() {
-  const HDC screen = ::GetDC(nullptr);
-  const int dpi = screen == nullptr ? 0 : ::GetDeviceCaps(screen, LOGPIXELSX);
-  if (screen != nullptr) ::ReleaseDC(nullptr, screen);
+  const ScreenContext screen(::GetDC(nullptr));
+  const int dpi = screen ? ::GetDeviceCaps(*screen, LOGPIXELSX) : 0;
   return dpi > 0 ? static_cast<UINT>(dpi) : USER_DEFAULT_SCREEN_DPI;
 }
 

@@ -7,6 +7,7 @@
 
 #include "automation/ComPtr.h"
 #include "automation/Counted.h"
+#include "automation/TypeAttributes.h"
 #include "automation/Variant.h"
 #include "host/Error.h"
 #include "host/windows/Dispatch.h"
@@ -30,11 +31,8 @@ struct Source {
 ComPtr<ITypeInfo> DefaultSource(ITypeInfo& type) {
   constexpr int kDefaultSource = IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE;
   ComPtr<ITypeInfo> source;
-  TYPEATTR* attributes = nullptr;
-  if (FAILED(type.GetTypeAttr(&attributes))) return source;
-  const UINT count = attributes->cImplTypes;
-  type.ReleaseTypeAttr(attributes);
-  for (UINT i = 0; i < count && !source; ++i) {
+  const auto attributes = automation::AttributesOf(type);
+  for (UINT i = 0; attributes && i < attributes->cImplTypes && !source; ++i) {
     int flags = 0;
     HREFTYPE reference = 0;
     if (SUCCEEDED(type.GetImplTypeFlags(i, &flags)) && (flags & kDefaultSource) == kDefaultSource &&
@@ -65,11 +63,11 @@ Source SourceOf(IDispatch& object) {
       info && SUCCEEDED(info->GetClassInfo(type.Put())) && type) {
     source.type = DefaultSource(*type);
   }
-  TYPEATTR* attributes = nullptr;
-  if (source.type && SUCCEEDED(source.type->GetTypeAttr(&attributes))) {
-    source.interface_id = attributes->guid;
-    source.type->ReleaseTypeAttr(attributes);
-    return source;
+  if (source.type) {
+    if (const auto attributes = automation::AttributesOf(*source.type)) {
+      source.interface_id = attributes->guid;
+      return source;
+    }
   }
   if (const auto info = ComPtr<IProvideClassInfo2>::From(&object)) {
     GUID given;

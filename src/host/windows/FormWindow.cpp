@@ -18,8 +18,9 @@ constexpr wchar_t kClassName[] = L"RowlarkForm";
 
 }  // namespace
 
-FormDesk::FormDesk(std::function<void()> idle)
-    : Controls(Resources.Module()),
+FormDesk::FormDesk(std::function<void()> idle, rowlark::Trace* trace)
+    : Trace(trace),
+      Controls(Resources.Module()),
       LargeIcon(Resources.LoadPicture(u"rowlark", ::GetSystemMetrics(SM_CXICON))),
       SmallIcon(Resources.LoadPicture(u"rowlark", ::GetSystemMetrics(SM_CXSMICON))),
       idle_(std::move(idle)) {
@@ -142,111 +143,146 @@ LRESULT CALLBACK FormWindow::Procedure(HWND window, UINT message, WPARAM first, 
   }
   const Ref<FormWindow> self(reinterpret_cast<FormWindow*>(::GetWindowLongPtrW(window, GWLP_USERDATA)));
   if (!self) return ::DefDlgProcW(window, message, first, second);
-  const FormDesk::Message under_way(self->desk_);
-  try {
-    return self->Handle(message, first, second);
-  } catch (...) {
-    return 0;
+  const FormDesk::Visit under_way(self->desk_);
+  return AttemptOr(self->desk_->Trace, LRESULT{0}, [&] { return self->Handle({message, first, second}); });
+}
+
+LRESULT FormWindow::Handle(const Message& message) {
+  const Ref<controls::Form> form = form_;
+  if (message.id == WM_NCDESTROY) return Destroyed(message);
+  if (form) {
+    for (const auto handle :
+         {&FormWindow::HandleFrame, &FormWindow::HandleControls, &FormWindow::HandleLooks}) {
+      if (const auto result = (this->*handle)(*form, message)) return *result;
+    }
+  }
+  return Default(message);
+}
+
+LRESULT FormWindow::Default(const Message& message) const {
+  return ::DefDlgProcW(site_.window, message.id, message.first, message.second);
+}
+
+// The last message of the window.
+LRESULT FormWindow::Destroyed(const Message& message) {
+  const HWND window = site_.window;
+  std::erase(desk_->Windows, this);
+  keys_.reset();
+  site_.window = nullptr;
+  ::SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+  const LRESULT result = ::DefDlgProcW(window, message.id, message.first, message.second);
+  self_ = nullptr;
+  return result;
+}
+
+// What happens to the window as a whole.
+std::optional<LRESULT> FormWindow::HandleFrame(controls::Form& form, const Message& message) {
+  switch (message.id) {
+    case WM_DESTROY:
+      destroying_ = true;
+      form.Unload();
+      return 0;
+    case WM_CLOSE:
+      form.UserClosed();
+      return 0;
+    case WM_ACTIVATE: {
+      const LRESULT result = Default(message);
+      if (LOWORD(message.first) != WA_INACTIVE) form.UserActivated();
+      return result;
+    }
+    case WM_LBUTTONUP:
+      form.UserClicked();
+      return 0;
+    case WM_MOVE:
+      Moved();
+      return std::nullopt;
+    case WM_SIZE:
+      if (message.first == SIZE_RESTORED) Resized({LOWORD(message.second), HIWORD(message.second)});
+      return std::nullopt;
+    case WM_GETMINMAXINFO: {
+      if (!form.Resizable || !site_.scale) return std::nullopt;
+      const SIZE least = OuterSize(form.LeastClientSize());
+      reinterpret_cast<MINMAXINFO*>(message.second)->ptMinTrackSize = {least.cx, least.cy};
+      return 0;
+    }
+    default:
+      return std::nullopt;
   }
 }
 
-LRESULT FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
-  const HWND window = site_.window;
-  const Ref<controls::Form> form = form_;
-  if (message == WM_NCDESTROY) {
-    std::erase(desk_->Windows, this);
-    keys_.reset();
-    site_.window = nullptr;
-    ::SetWindowLongPtrW(window, GWLP_USERDATA, 0);
-    const LRESULT result = ::DefDlgProcW(window, message, first, second);
-    self_ = nullptr;
-    return result;
-  }
-  if (!form) return ::DefDlgProcW(window, message, first, second);
-
-  switch (message) {
-    case WM_DESTROY:
-      destroying_ = true;
-      form->Unload();
-      return 0;
-    case WM_CLOSE:
-      form->UserClosed();
-      return 0;
-    case WM_ACTIVATE: {
-      const LRESULT result = ::DefDlgProcW(window, message, first, second);
-      if (LOWORD(first) != WA_INACTIVE) form->UserActivated();
-      return result;
-    }
+// What controls report, and what is posted or timed for them.
+std::optional<LRESULT> FormWindow::HandleControls(controls::Form& form, const Message& message) {
+  switch (message.id) {
     case WM_COMMAND:
-      if (NativeControl* control = ControlOf(reinterpret_cast<HWND>(second))) {
-        control->Command(HIWORD(first), LOWORD(first));
+      if (NativeControl* control = ControlOf(message.Sender())) {
+        control->Command(HIWORD(message.first), LOWORD(message.first));
       }
       return 0;
     case WM_NOTIFY: {
-      const auto& header = *reinterpret_cast<const NMHDR*>(second);
+      const auto& header = *reinterpret_cast<const NMHDR*>(message.second);
       NativeControl* control = ControlOf(header.hwndFrom);
       return control != nullptr ? control->Notify(header) : 0;
     }
-    case WM_CTLCOLORSTATIC: {
-      const NativeControl* control = ControlOf(reinterpret_cast<HWND>(second));
-      const HBRUSH brush = control != nullptr ? control->Colour(reinterpret_cast<HDC>(first)) : nullptr;
-      if (brush != nullptr) return reinterpret_cast<LRESULT>(brush);
-      break;
-    }
     case WM_PARENTNOTIFY:
-      if (LOWORD(first) == WM_LBUTTONDOWN) {
+      if (LOWORD(message.first) == WM_LBUTTONDOWN) {
         POINT point{};
         ::GetCursorPos(&point);
         const NativeControl* control = ControlOf(::WindowFromPoint(point));
         if (control != nullptr) control->Model().UserPressedMouse();
       }
-      break;
-    case WM_LBUTTONUP:
-      form->UserClicked();
-      return 0;
+      return std::nullopt;
     case WM_TIMER:
-      for (controls::Control* control : form->Controls()) {
-        if (reinterpret_cast<WPARAM>(control) == first) static_cast<controls::Timer*>(control)->Expired();
-      }
+      if (controls::Control* timer = Find(form, message.first))
+        static_cast<controls::Timer*>(timer)->Expired();
       return 0;
     case NativeControl::kClicked:
-      for (controls::Control* control : form->Controls()) {
-        if (reinterpret_cast<WPARAM>(control) == first) control->UserClicked();
-      }
+      if (controls::Control* control = Find(form, message.first)) control->UserClicked();
       return 0;
     case kFillLists:
       list_update_is_posted_ = false;
       for (const auto& control : site_.controls) control->UpdateList();
       return 0;
-    case WM_MOVE:
-      Moved();
-      break;
-    case WM_SIZE:
-      if (first == SIZE_RESTORED) Resized({LOWORD(second), HIWORD(second)});
-      break;
-    case WM_GETMINMAXINFO: {
-      if (!form->Resizable || !site_.scale) break;
-      const SIZE least = OuterSize(form->LeastClientSize());
-      reinterpret_cast<MINMAXINFO*>(second)->ptMinTrackSize = {least.cx, least.cy};
-      return 0;
+    default:
+      return std::nullopt;
+  }
+}
+
+// Colours, fonts and resolutions.
+std::optional<LRESULT> FormWindow::HandleLooks(controls::Form&, const Message& message) {
+  switch (message.id) {
+    case WM_CTLCOLORSTATIC: {
+      const NativeControl* control = ControlOf(message.Sender());
+      const HBRUSH brush =
+          control != nullptr ? control->Colour(reinterpret_cast<HDC>(message.first)) : nullptr;
+      if (brush == nullptr) return std::nullopt;
+      return reinterpret_cast<LRESULT>(brush);
     }
     case WM_DPICHANGED: {
-      const auto& suggested = *reinterpret_cast<const RECT*>(second);
-      ::SetWindowPos(window, nullptr, suggested.left, suggested.top, 0, 0,
+      const auto& suggested = *reinterpret_cast<const RECT*>(message.second);
+      ::SetWindowPos(site_.window, nullptr, suggested.left, suggested.top, 0, 0,
                      SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-      Rescale(HIWORD(first));
+      Rescale(HIWORD(message.first));
       return 0;
     }
     case WM_SETTINGCHANGE:
-      if (first == SPI_SETNONCLIENTMETRICS) Rescale(site_.dpi);
-      break;
+      if (message.first == SPI_SETNONCLIENTMETRICS) Rescale(site_.dpi);
+      return std::nullopt;
     case WM_SYSCOLORCHANGE:
-      for (const auto& control : site_.controls) ::SendMessageW(control->Window(), message, first, second);
-      break;
+      for (const auto& control : site_.controls) {
+        ::SendMessageW(control->Window(), message.id, message.first, message.second);
+      }
+      return std::nullopt;
     default:
-      break;
+      return std::nullopt;
   }
-  return ::DefDlgProcW(window, message, first, second);
+}
+
+// The control that a timer or a posted click names; null when it is none of the form's.
+controls::Control* FormWindow::Find(const controls::Form& form, WPARAM name) {
+  const auto controls = form.Controls();
+  const auto found = std::ranges::find_if(
+      controls, [name](const controls::Control* one) { return reinterpret_cast<WPARAM>(one) == name; });
+  return found == controls.end() ? nullptr : *found;
 }
 
 // That one or the one around it.
@@ -261,12 +297,10 @@ void FormWindow::TakeKey(MSG& message) noexcept {
   const HWND root = ::GetAncestor(message.hwnd, GA_ROOT);
   const Ref<FormWindow> self(root != nullptr ? Of(root) : nullptr);
   if (!self || !self->form_) return;
-  const FormDesk::Message under_way(self->desk_);
-  try {
-    if (self->UsesKey(message)) message.message = WM_NULL;
-  } catch (...) {
-    message.message = WM_NULL;
-  }
+  const FormDesk::Visit under_way(self->desk_);
+  bool used = true;  // an error is no reason to let the host take it for its own
+  Attempt(self->desk_->Trace, [&] { used = self->UsesKey(message); });
+  if (used) message.message = WM_NULL;
 }
 
 // The form sees a key first; what it leaves is for the dialog, or for the control with the focus.

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -18,6 +19,7 @@
 #include "host/windows/Resources.h"
 #include "host/windows/ToolTips.h"
 #include "util/Ref.h"
+#include "util/Trace.h"
 
 namespace rowlark::windows {
 
@@ -27,7 +29,7 @@ class FormWindow;
 class FormDesk {
  public:
   // `idle` is called whenever the last message under way has been handled.
-  explicit FormDesk(std::function<void()> idle);
+  FormDesk(std::function<void()> idle, rowlark::Trace* trace);
   FormDesk(const FormDesk&) = delete;
   FormDesk& operator=(const FormDesk&) = delete;
   ~FormDesk();
@@ -35,6 +37,7 @@ class FormDesk {
   // There is one hook for all windows, as long as there are windows.
   std::shared_ptr<KeyHook> Keys();
 
+  rowlark::Trace* const Trace;
   const windows::Resources Resources;
   const ActivationContext Controls;
   const windows::Dpi Dpi;
@@ -43,12 +46,12 @@ class FormDesk {
   std::vector<FormWindow*> Windows;
 
   // A message of a form is being handled, and whatever it calls.
-  class Message {
+  class Visit {
    public:
-    explicit Message(std::shared_ptr<FormDesk> desk) : desk_(std::move(desk)) { ++desk_->messages_; }
-    Message(const Message&) = delete;
-    Message& operator=(const Message&) = delete;
-    ~Message() {
+    explicit Visit(std::shared_ptr<FormDesk> desk) : desk_(std::move(desk)) { ++desk_->messages_; }
+    Visit(const Visit&) = delete;
+    Visit& operator=(const Visit&) = delete;
+    ~Visit() {
       if (--desk_->messages_ == 0) desk_->idle_();
     }
 
@@ -88,11 +91,28 @@ class FormWindow final : public controls::View, public RefCounted {
 
   void Create();
   void MakeControls();
-  LRESULT Handle(UINT message, WPARAM first, LPARAM second);
+
+  // A message of the window, with its two parameters.
+  struct Message {
+    UINT id;
+    WPARAM first;
+    LPARAM second;
+
+    HWND Sender() const { return reinterpret_cast<HWND>(second); }
+  };
+  LRESULT Handle(const Message& message);
+  LRESULT Default(const Message& message) const;
+  LRESULT Destroyed(const Message& message);
+  // Nothing: the message is left to the next one, and in the end to the system.
+  std::optional<LRESULT> HandleFrame(controls::Form& form, const Message& message);
+  std::optional<LRESULT> HandleControls(controls::Form& form, const Message& message);
+  std::optional<LRESULT> HandleLooks(controls::Form& form, const Message& message);
+  static controls::Control* Find(const controls::Form& form, WPARAM name);
   // True where nothing is left to do with a message.
   bool UsesKey(MSG& message);
   NativeControl* ControlOf(HWND window) const;
 
+  void Show(controls::Control& control, controls::Property property);
   void ChangedForm(controls::Property property);
   void Show();
   void Hide();

@@ -4,6 +4,7 @@
 
 #include "host/windows/FormWindow.h"
 #include "host/windows/Wide.h"
+#include "util/Scope.h"
 
 namespace rowlark::windows {
 
@@ -15,9 +16,14 @@ constexpr int kTwipsPerInch = 1440;
 
 }  // namespace
 
-void FormWindow::Changed(controls::Control& control, Property property) noexcept try {
-  if (!form_ || site_.window == nullptr) return;
+void FormWindow::Changed(controls::Control& control, Property property) noexcept {
   const Ref<FormWindow> keep(this);
+  // Where memory runs out the window shows what it showed.
+  Attempt(desk_->Trace, [&] { Show(control, property); });
+}
+
+void FormWindow::Show(controls::Control& control, Property property) {
+  if (!form_ || site_.window == nullptr) return;
   const Dpi::Scope dpi(desk_->Dpi);
   if (&control == form_.get()) return ChangedForm(property);
   if (property == Property::Timer) return StartTimer(static_cast<controls::Timer&>(control));
@@ -28,7 +34,6 @@ void FormWindow::Changed(controls::Control& control, Property property) noexcept
   if (native->ListIsDue() && !std::exchange(list_update_is_posted_, true)) {
     ::PostMessageW(site_.window, kFillLists, 0, 0);
   }
-} catch (...) {  // NOLINT(bugprone-empty-catch): out of memory; the window shows what it showed
 }
 
 void FormWindow::ChangedForm(Property property) {
@@ -50,10 +55,9 @@ void FormWindow::ChangedForm(Property property) {
       const auto pixels = [this](int32_t twips) {
         return ::MulDiv(twips, static_cast<int>(desk_->Dpi.System()), kTwipsPerInch);
       };
-      ++site_.updating;
+      const ScopedCount updating(site_.updating);
       ::SetWindowPos(site_.window, nullptr, pixels(form_->Left()), pixels(form_->Top()), 0, 0,
                      SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-      --site_.updating;
       break;
     }
     case Property::Owner: {
@@ -112,10 +116,9 @@ BOOL CALLBACK FormWindow::DisableOther(HWND window, LPARAM self) noexcept try {
 void FormWindow::LayOut() {
   if (!sizing_) {
     const SIZE outer = OuterSize(form_->ClientSize());
-    ++site_.updating;
+    const ScopedCount updating(site_.updating);
     ::SetWindowPos(site_.window, nullptr, 0, 0, outer.cx, outer.cy,
                    SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-    --site_.updating;
   }
   bool moved = false;
   for (const auto& control : site_.controls) {
@@ -140,9 +143,8 @@ void FormWindow::AlignLines() {
 
 void FormWindow::Resized(SIZE client) {
   if (site_.updating > 0 || !form_->Resizable || ::IsWindowVisible(site_.window) == 0) return;
-  sizing_ = true;
+  const ScopedFlag sizing(sizing_);
   form_->UserResized(site_.scale->Units(client));
-  sizing_ = false;
 }
 
 DWORD FormWindow::Style() const {
@@ -177,10 +179,8 @@ void FormWindow::StartTimer(controls::Timer& timer) {
   }
 }
 
-int32_t FormWindow::TextWidth(std::u16string_view text) const noexcept try {
-  return site_.scale->TextWidth(text);
-} catch (...) {
-  return 0;
+int32_t FormWindow::TextWidth(std::u16string_view text) const noexcept {
+  return AttemptOr(desk_->Trace, 0, [&] { return site_.scale->TextWidth(text); });
 }
 
 controls::Size FormWindow::WindowSize(controls::Size client) const noexcept {

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+#include "util/windows/Handles.h"
+
 namespace rowlark::windows {
 
 // Watches the messages that the thread takes from its queue, until it goes. One a thread is enough.
@@ -22,12 +24,9 @@ class KeyHook {
 
   explicit KeyHook(HOOKPROC procedure)
       : handle_(::SetWindowsHookExW(WH_GETMESSAGE, procedure, nullptr, ::GetCurrentThreadId())) {}
-  KeyHook(const KeyHook&) = delete;
-  KeyHook& operator=(const KeyHook&) = delete;
-  ~KeyHook() { ::UnhookWindowsHookEx(handle_); }
 
  private:
-  HHOOK handle_;
+  Hook handle_;
 };
 
 }  // namespace rowlark::windows

@@ -15,25 +15,11 @@
 #include "host/windows/NativeStatics.h"
 #include "host/windows/NativeTexts.h"
 #include "host/windows/Wide.h"
+#include "util/Scope.h"
 
 namespace rowlark::windows {
 
 using controls::Property;
-
-namespace {
-
-class Updating {
- public:
-  explicit Updating(FormSite& site) : site_(site) { ++site_.updating; }
-  Updating(const Updating&) = delete;
-  Updating& operator=(const Updating&) = delete;
-  ~Updating() { --site_.updating; }
-
- private:
-  FormSite& site_;
-};
-
-}  // namespace
 
 void NativeControl::Create(const wchar_t* type, DWORD style, DWORD extended_style) {
   window_ = ::CreateWindowExW(extended_style, type, L"", style | WS_CHILD, 0, 0, 0, 0, site_.window, nullptr,
@@ -66,14 +52,14 @@ void NativeControl::Update(Property property) {
     ::SendMessageW(site_.window, WM_NEXTDLGCTL, 0, FALSE);
   }
   UpdateList();
-  const Updating updating(site_);
+  const ScopedCount updating(site_.updating);
   Apply(property);
 }
 
 void NativeControl::UpdateList() {
   if (!list_is_due_) return;
   list_is_due_ = false;
-  const Updating updating(site_);
+  const ScopedCount updating(site_.updating);
   FillList();
 }
 
@@ -98,7 +84,7 @@ void NativeControl::Apply(Property property) {
 
 void NativeControl::Rescale() {
   if (window_ == nullptr) return;
-  const Updating updating(site_);
+  const ScopedCount updating(site_.updating);
   area_ = {};
   Send(WM_SETFONT, reinterpret_cast<WPARAM>(site_.scale->Font()), FALSE);
   ApplyPictures();
@@ -107,7 +93,7 @@ void NativeControl::Rescale() {
 // Nothing is drawn here, and no pixels are taken along: they may be those of something that lay above.
 bool NativeControl::Place(const RECT& area) {
   if (window_ == nullptr || ::EqualRect(&area, &area_) != 0) return false;
-  const Updating updating(site_);
+  const ScopedCount updating(site_.updating);
   area_ = area;
   ::SetWindowPos(window_, nullptr, area.left, area.top, area.right - area.left, area.bottom - area.top,
                  SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW);
@@ -116,7 +102,7 @@ bool NativeControl::Place(const RECT& area) {
 }
 
 void NativeControl::Shift(int down) {
-  const Updating updating(site_);
+  const ScopedCount updating(site_.updating);
   ::SetWindowPos(window_, nullptr, area_.left, area_.top + down, 0, 0,
                  SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_NOREDRAW);
 }

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "controls/ListView.h"
@@ -12,9 +11,7 @@
 
 namespace rowlark::windows {
 
-struct ImageListDeleter {
-  void operator()(HIMAGELIST list) const noexcept { ::ImageList_Destroy(list); }
-};
+using ImageList = Owner<NullableTraits<HIMAGELIST, ::ImageList_Destroy>>;
 
 // Small pictures of entries, by name. Entries without a picture of their name have none.
 class Pictures {
@@ -29,7 +26,7 @@ class Pictures {
  private:
   const Resources* resources_ = nullptr;
   int pixels_ = 0;
-  std::unique_ptr<std::remove_pointer_t<HIMAGELIST>, ImageListDeleter> list_;
+  ImageList list_;
   std::vector<std::u16string> names_;
 };
 

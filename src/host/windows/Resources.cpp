@@ -15,7 +15,7 @@ Resources::Resources() {
 }
 
 Icon Resources::LoadPicture(std::u16string_view name, int pixels) const {
-  if (name.empty()) return nullptr;
+  if (name.empty()) return {};
   return Icon(static_cast<HICON>(
       ::LoadImageW(module_, Wide(name).c_str(), IMAGE_ICON, pixels, pixels, LR_DEFAULTCOLOR)));
 }

@@ -3,16 +3,11 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <string_view>
-#include <type_traits>
+
+#include "util/windows/Handles.h"
 
 namespace rowlark::windows {
-
-struct IconDeleter {
-  void operator()(HICON icon) const noexcept { ::DestroyIcon(icon); }
-};
-using Icon = std::unique_ptr<std::remove_pointer_t<HICON>, IconDeleter>;
 
 class Resources {
  public:

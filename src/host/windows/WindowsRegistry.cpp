@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/windows/Wide.h"
+#include "util/windows/Handles.h"
 
 namespace rowlark::windows {
 namespace {
@@ -20,41 +21,27 @@ std::wstring KeyPath(std::u16string_view key) {
   return key.find(u'\0') == key.npos ? Wide(key) : std::wstring();
 }
 
-class Key {
- public:
-  static Key Open(host::Hive hive, std::u16string_view path, REGSAM access) {
-    Key key;
-    if (const std::wstring wide = KeyPath(path); !wide.empty()) {
-      key.Keep(::RegOpenKeyExW(Root(hive), wide.c_str(), 0, access, &key.handle_));
-    }
-    return key;
+RegistryKey Open(host::Hive hive, std::u16string_view path, REGSAM access) {
+  RegistryKey key;
+  HKEY opened = nullptr;
+  if (const std::wstring wide = KeyPath(path);
+      !wide.empty() && ::RegOpenKeyExW(Root(hive), wide.c_str(), 0, access, &opened) == ERROR_SUCCESS) {
+    key.reset(opened);
   }
-  // Opens the key, or makes it with what is missing above it.
-  static Key Make(host::Hive hive, std::u16string_view path) {
-    Key key;
-    if (const std::wstring wide = KeyPath(path); !wide.empty()) {
-      key.Keep(::RegCreateKeyExW(Root(hive), wide.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_SET_VALUE,
-                                 nullptr, &key.handle_, nullptr));
-    }
-    return key;
-  }
-  Key(Key&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {}
-  Key& operator=(Key&&) = delete;
-  ~Key() {
-    if (handle_ != nullptr) ::RegCloseKey(handle_);
-  }
+  return key;
+}
 
-  explicit operator bool() const { return handle_ != nullptr; }
-  HKEY operator*() const { return handle_; }
-
- private:
-  Key() = default;
-  void Keep(LSTATUS status) {
-    if (status != ERROR_SUCCESS) handle_ = nullptr;
+// Opens the key, or makes it with what is missing above it.
+RegistryKey Make(host::Hive hive, std::u16string_view path) {
+  RegistryKey key;
+  HKEY made = nullptr;
+  if (const std::wstring wide = KeyPath(path);
+      !wide.empty() && ::RegCreateKeyExW(Root(hive), wide.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                         KEY_SET_VALUE, nullptr, &made, nullptr) == ERROR_SUCCESS) {
+    key.reset(made);
   }
-
-  HKEY handle_ = nullptr;
-};
+  return key;
+}
 
 bool IsName(std::u16string_view name) { return name.find(u'\0') == name.npos; }
 
@@ -62,7 +49,7 @@ bool IsName(std::u16string_view name) { return name.find(u'\0') == name.npos; }
 
 std::optional<host::RegistryValue> WindowsRegistry::Read(host::Hive hive, std::u16string_view key,
                                                          std::u16string_view name) const {
-  const Key opened = Key::Open(hive, key, KEY_QUERY_VALUE);
+  const RegistryKey opened = Open(hive, key, KEY_QUERY_VALUE);
   if (!opened || !IsName(name)) return std::nullopt;
   const std::wstring wide_name = Wide(name);
   std::vector<uint8_t> bytes(256);
@@ -80,20 +67,20 @@ std::optional<host::RegistryValue> WindowsRegistry::Read(host::Hive hive, std::u
 }
 
 bool WindowsRegistry::CreateKey(host::Hive hive, std::u16string_view key) {
-  return static_cast<bool>(Key::Make(hive, key));
+  return static_cast<bool>(Make(hive, key));
 }
 
 bool WindowsRegistry::Write(host::Hive hive, std::u16string_view key, std::u16string_view name,
                             const host::RegistryValue& value) {
   if (!IsName(name) || !std::in_range<DWORD>(value.bytes.size())) return false;
-  const Key made = Key::Make(hive, key);
+  const RegistryKey made = Make(hive, key);
   return made &&
          ::RegSetValueExW(*made, Wide(name).c_str(), 0, static_cast<DWORD>(value.type), value.bytes.data(),
                           static_cast<DWORD>(value.bytes.size())) == ERROR_SUCCESS;
 }
 
 bool WindowsRegistry::DeleteValue(host::Hive hive, std::u16string_view key, std::u16string_view name) {
-  const Key opened = Key::Open(hive, key, KEY_SET_VALUE);
+  const RegistryKey opened = Open(hive, key, KEY_SET_VALUE);
   return opened && IsName(name) && ::RegDeleteValueW(*opened, Wide(name).c_str()) == ERROR_SUCCESS;
 }
 

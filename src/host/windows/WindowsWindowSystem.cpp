@@ -47,7 +47,8 @@ int ShowBox(std::u16string_view text, std::u16string_view title, UINT style) {
 
 }  // namespace
 
-WindowsWindowSystem::WindowsWindowSystem(std::function<void()> idle) : idle_(std::move(idle)) {}
+WindowsWindowSystem::WindowsWindowSystem(std::function<void()> idle, Trace* trace)
+    : idle_(std::move(idle)), trace_(trace) {}
 
 WindowsWindowSystem::~WindowsWindowSystem() {
   while (desk_ && !desk_->Windows.empty()) desk_->Windows.back()->Abandon();
@@ -62,31 +63,28 @@ bool WindowsWindowSystem::MayOpen(std::u16string_view link) {
   return false;
 }
 
-bool WindowsWindowSystem::Realise(controls::Form& form) noexcept try {
-  if (!desk_) desk_ = std::make_shared<FormDesk>(idle_);
-  FormWindow::Open(form, desk_);
-  return true;
-} catch (...) {
-  return false;
+bool WindowsWindowSystem::Realise(controls::Form& form) noexcept {
+  return Attempt(trace_, [&] {
+    if (!desk_) desk_ = std::make_shared<FormDesk>(idle_, trace_);
+    FormWindow::Open(form, desk_);
+  });
 }
 
 void WindowsWindowSystem::MsgBox(std::u16string_view text, host::MsgBoxIcon icon,
-                                 std::u16string_view title) noexcept try {
-  ShowBox(text, title, MB_OK | static_cast<UINT>(icon));
-} catch (const std::bad_alloc&) {
-  Beep();
+                                 std::u16string_view title) noexcept {
+  if (!Attempt(trace_, [&] { ShowBox(text, title, MB_OK | static_cast<UINT>(icon)); })) Beep();
 }
 
-bool WindowsWindowSystem::Ask(std::u16string_view text, std::u16string_view title) noexcept try {
-  return ShowBox(text, title, MB_OKCANCEL | MB_ICONQUESTION) == IDOK;
-} catch (const std::bad_alloc&) {
-  return false;
+bool WindowsWindowSystem::Ask(std::u16string_view text, std::u16string_view title) noexcept {
+  return AttemptOr(trace_, false,
+                   [&] { return ShowBox(text, title, MB_OKCANCEL | MB_ICONQUESTION) == IDOK; });
 }
 
-void WindowsWindowSystem::OpenLink(controls::Form&, std::u16string_view link) noexcept try {
-  if (!MayOpen(link)) return;
-  ::ShellExecuteW(::GetActiveWindow(), L"open", Wide(link).c_str(), nullptr, nullptr, SW_SHOWDEFAULT);
-} catch (const std::bad_alloc&) {
+void WindowsWindowSystem::OpenLink(controls::Form&, std::u16string_view link) noexcept {
+  Attempt(trace_, [&] {
+    if (!MayOpen(link)) return;
+    ::ShellExecuteW(::GetActiveWindow(), L"open", Wide(link).c_str(), nullptr, nullptr, SW_SHOWDEFAULT);
+  });
 }
 
 void WindowsWindowSystem::Beep() noexcept { ::MessageBeep(MB_OK); }
@@ -99,10 +97,10 @@ std::vector<controls::Rect> WindowsWindowSystem::Screens() const noexcept {
   return std::move(list.screens);
 }
 
-intptr_t WindowsWindowSystem::WindowOfClass(std::u16string_view class_name) const noexcept try {
-  return reinterpret_cast<intptr_t>(::FindWindowW(Wide(class_name).c_str(), nullptr));
-} catch (const std::bad_alloc&) {
-  return 0;
+intptr_t WindowsWindowSystem::WindowOfClass(std::u16string_view class_name) const noexcept {
+  return AttemptOr(trace_, intptr_t{0}, [&] {
+    return reinterpret_cast<intptr_t>(::FindWindowW(Wide(class_name).c_str(), nullptr));
+  });
 }
 
 }  // namespace rowlark::windows

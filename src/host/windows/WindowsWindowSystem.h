@@ -14,7 +14,8 @@ class WindowsWindowSystem final : public host::WindowSystem {
  public:
   // `idle` is called when the form's messages under way have all been handled. It throws nothing, and may end
   // the window system.
-  explicit WindowsWindowSystem(std::function<void()> idle = [] {});
+  explicit WindowsWindowSystem(
+      std::function<void()> idle = [] {}, Trace* trace = nullptr);
   WindowsWindowSystem(const WindowsWindowSystem&) = delete;
   WindowsWindowSystem& operator=(const WindowsWindowSystem&) = delete;
   // Windows of forms that are still loaded go, and their forms hear nothing of it.
@@ -42,6 +43,7 @@ class WindowsWindowSystem final : public host::WindowSystem {
 
  private:
   const std::function<void()> idle_;
+  Trace* const trace_;
   std::shared_ptr<FormDesk> desk_;  // from the first form on
 };
 

@@ -10,6 +10,8 @@
 #include <csignal>
 #include <system_error>
 
+#include "util/posix/Descriptor.h"
+
 namespace rowlark {
 namespace {
 
@@ -38,22 +40,12 @@ struct ChildProcess::State {
   State() {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC) != 0) ThrowLastError();
-    read_end = ends[0];
-    write_end = ends[1];
-  }
-  State(const State&) = delete;
-  State& operator=(const State&) = delete;
-  ~State() {
-    CloseWriteEnd();
-    ::close(read_end);
-  }
-  void CloseWriteEnd() {
-    if (write_end >= 0) ::close(write_end);
-    write_end = -1;
+    read_end.reset(ends[0]);
+    write_end.reset(ends[1]);
   }
 
-  int read_end = -1;
-  int write_end = -1;
+  Descriptor read_end;
+  Descriptor write_end;
   pid_t process = -1;
   std::array<char, 1 << 16> bytes{};
 };
@@ -63,18 +55,18 @@ ChildProcess::ChildProcess(const std::function<void(const Write&)>& work)
   state_->process = ::fork();
   if (state_->process < 0) ThrowLastError();
   if (state_->process == 0) {
-    ::close(state_->read_end);
-    RunInChild(work, state_->write_end);
+    state_->read_end.reset();
+    RunInChild(work, *state_->write_end);
   }
-  state_->CloseWriteEnd();
+  state_->write_end.reset();
 }
 
 ChildProcess::~ChildProcess() { Stop(); }
 
 std::optional<std::string_view> ChildProcess::Read(std::chrono::milliseconds patience) {
-  pollfd waiting{state_->read_end, POLLIN, 0};
+  pollfd waiting{*state_->read_end, POLLIN, 0};
   if (::poll(&waiting, 1, static_cast<int>(patience.count())) <= 0) return std::string_view();
-  const auto count = ::read(state_->read_end, state_->bytes.data(), state_->bytes.size());
+  const auto count = ::read(*state_->read_end, state_->bytes.data(), state_->bytes.size());
   if (count < 0) return std::string_view();
   if (count == 0) return std::nullopt;
   return std::string_view(state_->bytes.data(), static_cast<std::size_t>(count));

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "util/Utf.h"
+#include "util/posix/Descriptor.h"
 
 namespace rowlark::platform {
 namespace {
@@ -31,25 +32,10 @@ fs::path Environment(const char* name) {
   return value == nullptr ? "" : value;
 }
 
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() {
-    if (number_ >= 0) ::close(number_);
-  }
-  int operator*() const { return number_; }
-
- private:
-  int number_;
-};
-
 // A new file in a folder, removed again unless it was renamed. It is locked as long as its process needs it.
 class TemporaryFile {
  public:
-  TemporaryFile(const fs::path& folder, mode_t mode)
-      : file_(Create(folder, mode, path_)), is_there_(*file_ >= 0) {}
+  TemporaryFile(const fs::path& folder, mode_t mode) : file_(Create(folder, mode, path_)), is_there_(file_) {}
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {
@@ -64,13 +50,13 @@ class TemporaryFile {
       const fs::path& path = entry->path();
       if (!IsTemporary(path.filename().native())) continue;
       const Descriptor file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-      if (*file >= 0 && ::flock(*file, LOCK_EX | LOCK_NB) == 0 && IsLinked(*file)) ::unlink(path.c_str());
+      if (file && ::flock(*file, LOCK_EX | LOCK_NB) == 0 && IsLinked(*file)) ::unlink(path.c_str());
     }
   }
 
   bool IsThere() const { return is_there_; }
 
-  bool Write(std::string_view bytes) {
+  [[nodiscard]] bool Write(std::string_view bytes) {
     while (!bytes.empty()) {
       const ssize_t written = ::write(*file_, bytes.data(), bytes.size());
       if (written > 0) {
@@ -84,7 +70,7 @@ class TemporaryFile {
 
   // As far as the user may: an owner that cannot be kept is no reason to refuse the content. What the group
   // might do is for no other one; beside an access list its bits say what those in the list might.
-  bool TakePermissions(const fs::path& from, const struct stat& of) {
+  [[nodiscard]] bool TakePermissions(const fs::path& from, const struct stat& of) {
     constexpr uid_t kAsItIs = static_cast<uid_t>(-1);
     const bool has_group = ::fchown(*file_, of.st_uid, of.st_gid) == 0 ||
                            ::fchown(*file_, kAsItIs, of.st_gid) == 0 || GroupOf(*file_) == of.st_gid;
@@ -92,12 +78,12 @@ class TemporaryFile {
     return ::fchmod(*file_, of.st_mode & (has_list ? 0777 : 0707)) == 0;
   }
 
-  bool Flush() { return ::fsync(*file_) == 0; }
+  [[nodiscard]] bool Flush() { return ::fsync(*file_) == 0; }
 
   // Some file systems report only when a file is closed that a write failed. The lock stays.
-  bool ReportFailedWrites() { return ::close(::dup(*file_)) == 0; }
+  [[nodiscard]] bool ReportFailedWrites() { return ::close(::dup(*file_)) == 0; }
 
-  bool RenameTo(const fs::path& target) {
+  [[nodiscard]] bool RenameTo(const fs::path& target) {
     if (::rename(path_.c_str(), target.c_str()) != 0) return false;
     is_there_ = false;
     return true;
@@ -105,21 +91,21 @@ class TemporaryFile {
 
  private:
   // Another process cannot have the name, but one on another machine or a file left by an earlier one can.
-  static int Create(const fs::path& folder, mode_t mode, fs::path& path) {
+  static Descriptor Create(const fs::path& folder, mode_t mode, fs::path& path) {
     for (int attempt = 0; attempt < 10'000; ++attempt) {
       path = folder / std::string(kPrefix)
                           .append(std::to_string(::getpid()) + "-" + std::to_string(attempt))
                           .append(kSuffix);
-      const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-      if (file < 0 && errno != EEXIST) return file;
-      if (file < 0) continue;
+      Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+      if (!file && errno != EEXIST) return file;
+      if (!file) continue;
       // Where there are no locks, nothing is ever taken for a leftover.
-      const bool is_taken = ::flock(file, LOCK_EX | LOCK_NB) != 0 ? errno == EWOULDBLOCK : !IsLinked(file);
+      const bool is_taken = ::flock(*file, LOCK_EX | LOCK_NB) != 0 ? errno == EWOULDBLOCK : !IsLinked(*file);
       if (!is_taken) return file;
-      ::close(file);
+      file.reset();
       ::unlink(path.c_str());
     }
-    return -1;
+    return {};
   }
 
   // False when it has a list that cannot be kept. Without one, that of new files in the folder goes.
@@ -171,7 +157,7 @@ fs::path FollowLinks(fs::path path, std::error_code& error) {
 // Puts a folder's names on disk. Where that cannot be done the names are right all the same.
 void Flush(const fs::path& folder) {
   const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (*descriptor >= 0) ::fsync(*descriptor);
+  if (descriptor) ::fsync(*descriptor);
 }
 
 timespec ToTimespec(const std::optional<std::chrono::local_seconds>& time, std::error_code& error) {
@@ -299,21 +285,15 @@ std::error_code ReplaceContent(const fs::path& file, const std::function<std::st
 }
 
 FileLock::FileLock(const fs::path& file, Access access) {
-  const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, FileMode(access));
-  if (descriptor < 0) return;
+  Descriptor descriptor(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, FileMode(access)));
+  if (!descriptor) return;
   int result = 0;
   do {
-    result = ::flock(descriptor, LOCK_EX);
+    result = ::flock(*descriptor, LOCK_EX);
   } while (result != 0 && errno == EINTR);
-  if (result == 0) {
-    handle_ = descriptor;
-  } else {
-    ::close(descriptor);
-  }
+  if (result == 0) handle_ = descriptor.release();
 }
 
-FileLock::~FileLock() {
-  if (Held()) ::close(static_cast<int>(handle_));
-}
+FileLock::~FileLock() { const Descriptor last(static_cast<int>(handle_)); }
 
 }  // namespace rowlark::platform

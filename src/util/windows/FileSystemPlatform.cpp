@@ -5,29 +5,15 @@
 
 #include <utility>
 
+#include "util/windows/Handles.h"
+
 namespace rowlark::platform {
 namespace {
 
 namespace fs = std::filesystem;
+using windows::File;
 
 std::error_code LastError() { return {static_cast<int>(::GetLastError()), std::system_category()}; }
-
-class Handle {
- public:
-  explicit Handle(HANDLE handle) : handle_(handle) {}
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
-  ~Handle() { Close(); }
-  HANDLE operator*() const { return handle_; }
-  explicit operator bool() const { return handle_ != INVALID_HANDLE_VALUE; }
-  bool Close() {
-    const HANDLE handle = std::exchange(handle_, INVALID_HANDLE_VALUE);
-    return handle == INVALID_HANDLE_VALUE || ::CloseHandle(handle) != 0;
-  }
-
- private:
-  HANDLE handle_;
-};
 
 // A new file in a folder, removed again unless it took the place of another one.
 class TemporaryFile {
@@ -36,13 +22,13 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {
-    file_.Close();
+    file_.reset();
     if (is_there_) ::DeleteFileW(path_.c_str());
   }
 
   bool IsThere() const { return is_there_; }
 
-  bool Write(std::string_view bytes) {
+  [[nodiscard]] bool Write(std::string_view bytes) {
     constexpr std::size_t kPiece = 1 << 30;  // sizes are 32 bits wide here
     while (!bytes.empty()) {
       DWORD written = 0;
@@ -53,13 +39,14 @@ class TemporaryFile {
     return true;
   }
 
-  bool Flush() { return ::FlushFileBuffers(*file_) != 0; }
+  [[nodiscard]] bool Flush() { return ::FlushFileBuffers(*file_) != 0; }
 
-  bool Close() { return file_.Close(); }
+  // Once; false when it tells of writes that failed.
+  [[nodiscard]] bool Close() { return ::CloseHandle(file_.release()) != 0; }
 
   // Other processes, virus scanners among them, hold the target open for moments, and meanwhile it can not be
   // replaced.
-  bool MoveTo(const fs::path& target) {
+  [[nodiscard]] bool MoveTo(const fs::path& target) {
     constexpr int kAttempts = 50;
     constexpr DWORD kPause = 10;  // milliseconds
     for (int attempt = 1; !TryMoveTo(target); ++attempt) {
@@ -81,19 +68,19 @@ class TemporaryFile {
                0;
   }
 
-  static HANDLE Create(const fs::path& folder, fs::path& path) {
+  static File Create(const fs::path& folder, fs::path& path) {
     for (int attempt = 0; attempt < 10'000; ++attempt) {
       path = folder / (L".rowlark-" + std::to_wstring(::GetCurrentProcessId()) + L"-" +
                        std::to_wstring(attempt) + L".tmp");
-      const HANDLE file =
-          ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-      if (file != INVALID_HANDLE_VALUE || ::GetLastError() != ERROR_FILE_EXISTS) return file;
+      File file(
+          ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr));
+      if (file || ::GetLastError() != ERROR_FILE_EXISTS) return file;
     }
-    return INVALID_HANDLE_VALUE;
+    return {};
   }
 
   fs::path path_;
-  Handle file_;
+  File file_;
   bool is_there_;
 };
 
@@ -145,9 +132,9 @@ std::u16string FromAnsi(std::string_view bytes) {
 }
 
 std::error_code SetTimes(const fs::path& file, const FileTimes& times) {
-  const Handle handle(::CreateFileW(file.c_str(), FILE_WRITE_ATTRIBUTES,
-                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                    OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  const File handle(::CreateFileW(file.c_str(), FILE_WRITE_ATTRIBUTES,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!handle) return LastError();
   FILETIME converted[3] = {};
   const FILETIME* given[3] = {};
@@ -202,20 +189,15 @@ std::error_code ReplaceContent(const fs::path& file, const std::function<std::st
 }
 
 FileLock::FileLock(const fs::path& file, Access) {
-  const HANDLE handle =
-      ::CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                    OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (handle == INVALID_HANDLE_VALUE) return;
+  File handle(::CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                            nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!handle) return;
   OVERLAPPED whole{};
-  if (::LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK, 0, MAXDWORD, MAXDWORD, &whole) != 0) {
-    handle_ = reinterpret_cast<std::intptr_t>(handle);
-  } else {
-    ::CloseHandle(handle);
+  if (::LockFileEx(*handle, LOCKFILE_EXCLUSIVE_LOCK, 0, MAXDWORD, MAXDWORD, &whole) != 0) {
+    handle_ = reinterpret_cast<std::intptr_t>(handle.release());
   }
 }
 
-FileLock::~FileLock() {
-  if (Held()) ::CloseHandle(reinterpret_cast<HANDLE>(handle_));
-}
+FileLock::~FileLock() { const File last(reinterpret_cast<HANDLE>(handle_)); }
 
 }  // namespace rowlark::platform
