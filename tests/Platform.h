@@ -60,13 +60,21 @@ class RecordingHelp final : public host::Help {
   }
 };
 
+class RecordingTrace final : public Trace {
+ public:
+  std::vector<std::string> Lines;
+
+  void Write(std::string_view line) noexcept override { Lines.emplace_back(line); }
+};
+
 // Paths are those of the machine unless drives are mapped.
 struct TestPlatform {
   explicit TestPlatform(std::u16string_view library_folder = u"/nowhere",
                         std::u16string_view config_folder = u"/nowhere/")
       : shared(Platform{pump, registry, help, windows, files, std::u16string(library_folder),
-                        std::u16string(config_folder)}) {}
+                        std::u16string(config_folder), &trace}) {}
 
+  RecordingTrace trace;
   ScriptedMessagePump pump;
   MemoryRegistry registry;
   RecordingHelp help;

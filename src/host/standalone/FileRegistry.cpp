@@ -233,7 +233,7 @@ FileRegistry::Line FileRegistry::ParseLine(std::string bytes) {
 }
 
 FileRegistry::Line FileRegistry::HeaderLine(std::u16string_view key) {
-  return ParseLine("[" + ToUtf8(key) + "]");
+  return ParseLine(std::string(1, '[').append(ToUtf8(key)).append("]"));
 }
 
 FileRegistry::Lines::iterator FileRegistry::EndOfSection(Lines& lines, Lines::iterator from) {

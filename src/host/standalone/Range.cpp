@@ -37,7 +37,8 @@ std::u16string Range::Address() const {
 }
 
 std::u16string Range::ExternalAddress() const {
-  return u"[" + sheet_->Book().Name() + u"]" + sheet_->Name() + u"!" + Address();
+  std::u16string address(1, u'[');
+  return address.append(sheet_->Book().Name()).append(u"]").append(sheet_->Name()).append(u"!") + Address();
 }
 
 Ref<host::Range> Range::Offset(int32_t rows, int32_t columns) const {

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "host/WindowSystem.h"
+#include "util/Trace.h"
 
 namespace rowlark::windows {
 
