@@ -61,7 +61,7 @@ int TerminalProgram::Run(const TerminalArguments& arguments) {
   tables_.First();
   auto& runtime = program_.Runtime();
   runtime.MenuCreate();
-  AssignHotKeys(*program_.Host(), HotKeys(program_.Items()));
+  AssignHotKeys(*program_.Host(), HotKeys(program_.Items()), program_.Trace());
   tables_.OfferRecovery();
   while (!status_) {
     pump_.ProcessMessages();

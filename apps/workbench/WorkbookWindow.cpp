@@ -167,8 +167,8 @@ void WorkbookWindow::TellPlace() const {
   GetWindowRect(Hwnd(), &place);
   const double points = 72.0 / GetDeviceCaps(*windows::ScreenContext(GetDC(nullptr)), LOGPIXELSX);
   workbench_.Application().SetWindow({reinterpret_cast<intptr_t>(Hwnd()), points * place.left,
-                                    points * place.top, points * (place.right - place.left),
-                                    points * (place.bottom - place.top)});
+                                      points * place.top, points * (place.right - place.left),
+                                      points * (place.bottom - place.top)});
 }
 
 standalone::Worksheet* WorkbookWindow::Sheet() const {

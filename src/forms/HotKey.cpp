@@ -3,7 +3,6 @@
 #include <optional>
 
 #include "controls/Keys.h"
-#include "host/Error.h"
 #include "settings/Macros.h"
 #include "util/Text.h"
 
@@ -26,13 +25,10 @@ void AppendPart(std::u16string& text, std::u16string_view part) {
   text += part;
 }
 
-void OnKey(host::Application& application, std::u16string_view key,
-           std::optional<std::u16string_view> macro) {
-  if (key.empty()) return;
-  try {
-    application.OnKey(key, macro);
-  } catch (const host::Error&) {  // NOLINT(bugprone-empty-catch): the other key must not suffer
-  }
+// Where one key is refused, the other one must not suffer.
+void OnKey(host::Application& application, std::u16string_view key, std::optional<std::u16string_view> macro,
+           Trace* trace) {
+  if (!key.empty()) Attempt(trace, [&] { application.OnKey(key, macro); });
 }
 
 }  // namespace
@@ -122,14 +118,14 @@ HotKey CaptureHotKey(int32_t key, int32_t shift) {
   return captured;
 }
 
-void AssignHotKeys(host::Application& application, const HotKeys& keys) {
-  OnKey(application, keys.search, NameOf(Macro::ShowSearch));
-  OnKey(application, keys.show_all, NameOf(Macro::Unhide));
+void AssignHotKeys(host::Application& application, const HotKeys& keys, Trace* trace) {
+  OnKey(application, keys.search, NameOf(Macro::ShowSearch), trace);
+  OnKey(application, keys.show_all, NameOf(Macro::Unhide), trace);
 }
 
-void ReleaseHotKeys(host::Application& application, const HotKeys& keys) {
-  OnKey(application, keys.search, std::nullopt);
-  OnKey(application, keys.show_all, std::nullopt);
+void ReleaseHotKeys(host::Application& application, const HotKeys& keys, Trace* trace) {
+  OnKey(application, keys.search, std::nullopt, trace);
+  OnKey(application, keys.show_all, std::nullopt, trace);
 }
 
 }  // namespace rowlark

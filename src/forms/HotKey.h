@@ -7,6 +7,7 @@
 
 #include "host/spreadsheet.h"
 #include "settings/clsVTRLKItems.h"
+#include "util/Trace.h"
 
 namespace rowlark {
 
@@ -38,7 +39,7 @@ struct HotKeys {
 
 // Has the host run the macros at these keys, or lets the keys mean again what they mean to the host. A key
 // that it refuses is no hotkey.
-void AssignHotKeys(host::Application& application, const HotKeys& keys);
-void ReleaseHotKeys(host::Application& application, const HotKeys& keys);
+void AssignHotKeys(host::Application& application, const HotKeys& keys, Trace* trace);
+void ReleaseHotKeys(host::Application& application, const HotKeys& keys, Trace* trace);
 
 }  // namespace rowlark

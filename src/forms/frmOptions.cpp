@@ -132,8 +132,8 @@ void frmOptions::SaveConfiguration() {
 void frmOptions::RegisterHotKeys() {
   const HotKeys keys(Items());
   const auto host = Host();
-  if (old_keys_) ReleaseHotKeys(*host, *old_keys_);
-  AssignHotKeys(*host, keys);
+  if (old_keys_) ReleaseHotKeys(*host, *old_keys_, shared_.Platform.Trace);
+  AssignHotKeys(*host, keys, shared_.Platform.Trace);
 }
 
 void frmOptions::ApplyCaptions() {

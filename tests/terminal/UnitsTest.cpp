@@ -183,9 +183,7 @@ struct Folding final : controls::Form, controls::View {
     other_page.SetVisible(false);
     SetLayout(Layout::Column(
         {Layout::Framed(frame, Layout::Row({Layout(combo, {14}).Wide(), image})),
-         Layout::Row({Layout::Column({one, two}).Wide(),
-                      check, Layout::Column({ok, cancel})})
-             .Apart(),
+         Layout::Row({Layout::Column({one, two}).Wide(), check, Layout::Column({ok, cancel})}).Apart(),
          Layout::Stack({Layout::Framed(page, Layout::Row({label, Layout(box).Wide()})),
                         Layout::Framed(other_page, Layout(list, {20, 3}).High())}),
          Layout(dependent).Indented(), Layout(error, {0, 2}).WhileVisible()}));
