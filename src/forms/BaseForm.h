@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <source_location>
 #include <string>
 #include <string_view>
 
@@ -45,7 +44,7 @@ class BaseForm : public controls::Form {
   // Does what may fail; false when it did. Hosts, registries and files fail at times, and a form then goes on
   // without what it wanted of them.
   template <class Action>
-  bool Attempt(Action action, std::source_location where = std::source_location::current()) const noexcept {
+  bool Attempt(Action action, SourceLocation where = SourceLocation::Current()) const noexcept {
     return rowlark::Attempt(shared_.Platform.Trace, action, where);
   }
   // The reference keeps the host alive that a call back may take away. Throws host::Error without a host.
@@ -53,7 +52,7 @@ class BaseForm : public controls::Form {
   // Connects a handler for what others raise: the form lives until it has ended, and hears of nothing once it
   // is unloaded.
   template <class Action>
-  auto Handler(Action action, std::source_location where = std::source_location::current()) {
+  auto Handler(Action action, SourceLocation where = SourceLocation::Current()) {
     return [this, action, where](auto&&... arguments) {
       this->OnUser([&] { this->Attempt([&] { action(arguments...); }, where); });
     };

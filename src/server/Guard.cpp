@@ -18,11 +18,9 @@ HRESULT Result(int32_t number) {
   return number > 0 && number <= 0xFFFF ? MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number) : E_FAIL;
 }
 
-// "VTRLKRuntime.clsVTRLKItem.StartRow" for "virtual HRESULT rowlark::server::ItemObject::put_StartRow(long)".
+// "VTRLKRuntime.clsVTRLKItem.StartRow" for "put_StartRow".
 std::u16string SourceOf(const Entry& entry) {
-  std::string_view member = entry.function.function_name();
-  member = member.substr(0, member.find('('));
-  member.remove_prefix(member.find_last_of(": ") + 1);
+  std::string_view member = entry.function.function;
   for (const std::string_view accessor : {"get_", "putref_", "put_"}) {
     if (member.starts_with(accessor)) member.remove_prefix(accessor.size());
   }

@@ -1,10 +1,11 @@
 // Where exceptions end: every entry of the library runs inside a guard, which makes them automation errors.
 #pragma once
 
-#include <source_location>
 #include <string_view>
 
 #include <oaidl.h>
+
+#include "util/SourceLocation.h"
 
 namespace rowlark::server {
 
@@ -12,7 +13,7 @@ namespace rowlark::server {
 struct Entry {
   const IID& interface_id;
   std::u16string_view class_name;
-  std::source_location function;
+  SourceLocation function;
 };
 
 // The exception that is being handled as an error object of this thread, and as the result of the call. Its

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <memory>
-#include <source_location>
 #include <string_view>
 #include <utility>
 
@@ -140,14 +139,14 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
   // Runs a member, the function that calls this. The object lives until it has ended, whatever the client
   // releases meanwhile.
   template <class Action>
-  HRESULT Do(Action action, const std::source_location& member = std::source_location::current()) noexcept {
+  HRESULT Do(Action action, const SourceLocation& member = SourceLocation::Current()) noexcept {
     const automation::ComPtr<IUnknown> keep(static_cast<Interface*>(this));
     return Guard({__uuidof(Interface), name_, member}, action);
   }
   // The same for a member with a result, which is empty in case of an error.
   template <class Result, class Action>
   HRESULT Get(Result* result, Action action,
-              const std::source_location& member = std::source_location::current()) noexcept {
+              const SourceLocation& member = SourceLocation::Current()) noexcept {
     if (result == nullptr) return E_POINTER;
     *result = Result{};
     return Do([&] { *result = action(); }, member);

@@ -13,7 +13,7 @@ Module* module = nullptr;
 
 HRESULT Create(REFIID iid, void** object) noexcept {
   HRESULT found = E_FAIL;
-  const Entry entry{__uuidof(_clsVTRLKRuntime), u"clsVTRLKRuntime", std::source_location::current()};
+  const Entry entry{__uuidof(_clsVTRLKRuntime), u"clsVTRLKRuntime", SourceLocation::Current()};
   const HRESULT made = Guard(entry, [&] {
     const Module::Visit visit(*module);
     const automation::ComPtr<_clsVTRLKRuntime> runtime(new RuntimeObject(*module));

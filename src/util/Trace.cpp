@@ -45,12 +45,6 @@ void AppendDigits(std::string& text, int64_t number, std::size_t digits) {
 
 }  // namespace
 
-std::string_view FunctionName(const std::source_location& where) {
-  std::string_view name = where.function_name();
-  name = name.substr(0, name.find('('));
-  return name.substr(name.find_last_of(" *&") + 1);
-}
-
 void TraceCaught(Trace* trace, std::string_view operation) noexcept {
   if (trace == nullptr) return;
   try {
@@ -60,13 +54,13 @@ void TraceCaught(Trace* trace, std::string_view operation) noexcept {
   }
 }
 
-void TraceCaught(Trace* trace, std::source_location where) noexcept {
+void TraceCaught(Trace* trace, SourceLocation where) noexcept {
   if (trace == nullptr) return;
   try {
-    std::string_view file = where.file_name();
+    std::string_view file = where.file;
     file.remove_prefix(file.find_last_of("/\\") + 1);
-    std::string operation(FunctionName(where));
-    operation.append(" (").append(file).append(":").append(std::to_string(where.line())).append(")");
+    std::string operation(where.function);
+    operation.append(" (").append(file).append(":").append(std::to_string(where.line)).append(")");
     TraceCaught(trace, operation);
   } catch (...) {
     trace->Write("out of memory");

@@ -6,9 +6,10 @@
 #pragma once
 
 #include <memory>
-#include <source_location>
 #include <string>
 #include <string_view>
+
+#include "util/SourceLocation.h"
 
 namespace rowlark {
 
@@ -24,17 +25,13 @@ class Trace {
 // "debugger" stands for that. Null when nothing is asked for, or nothing can be written.
 std::unique_ptr<Trace> OpenTrace();
 
-// The qualified name of a function, without what it returns and takes: "rowlark::frmSearch::Finish".
-std::string_view FunctionName(const std::source_location& where);
-
 // Tells of the exception that is being handled and goes no further. Without a trace nothing happens.
 void TraceCaught(Trace* trace, std::string_view operation) noexcept;
-void TraceCaught(Trace* trace, std::source_location where = std::source_location::current()) noexcept;
+void TraceCaught(Trace* trace, SourceLocation where = SourceLocation::Current()) noexcept;
 
 // Does what may fail; false when it did.
 template <class Action>
-bool Attempt(Trace* trace, Action action,
-             std::source_location where = std::source_location::current()) noexcept {
+bool Attempt(Trace* trace, Action action, SourceLocation where = SourceLocation::Current()) noexcept {
   try {
     action();
     return true;
@@ -47,7 +44,7 @@ bool Attempt(Trace* trace, Action action,
 // The result of what may fail, or another one when it did.
 template <class Result, class Action>
 [[nodiscard]] Result AttemptOr(Trace* trace, Result otherwise, Action action,
-                               std::source_location where = std::source_location::current()) noexcept {
+                               SourceLocation where = SourceLocation::Current()) noexcept {
   Attempt(
       trace, [&] { otherwise = action(); }, where);
   return otherwise;
