@@ -16,6 +16,7 @@ HRESULT Create(REFIID iid, void** object) noexcept {
   const Entry entry{__uuidof(_clsVTRLKRuntime), u"clsVTRLKRuntime", SourceLocation::Current()};
   const HRESULT made = Guard(entry, [&] {
     const Module::Visit visit(*module);
+    // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): the guard takes what is thrown
     const automation::ComPtr<_clsVTRLKRuntime> runtime(new RuntimeObject(*module));
     found = runtime->QueryInterface(iid, object);
   });
