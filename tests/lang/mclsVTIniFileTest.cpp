@@ -52,6 +52,15 @@ TEST_F(IniFile, FindsValues) {
   EXPECT_EQ(ini_.GetData(u"title =", u"Search"), u"; close");
 }
 
+// A header with a longer name is none: the section before it goes on.
+TEST_F(IniFile, NamesOfSectionsHaveALimit) {
+  const std::u16string longest(255, u's');
+  ini_.SetSourceString(u"[" + longest + u"]\r\na = 1\r\n[" + longest + u"s]\r\nb = 2");
+  EXPECT_EQ(ini_.GetData(u"a", longest), u"1");
+  EXPECT_EQ(ini_.GetData(u"b", longest), u"2");
+  EXPECT_EQ(ini_.GetData(u"b", longest + u"s"), std::nullopt);
+}
+
 TEST_F(IniFile, FollowsItsSource) {
   EXPECT_EQ(FailureOf([&] { ini_.GetData(u"k", u""); }), u"1204.GetData: Error in loading INI file: ");
   EXPECT_EQ(FailureOf([&] { ini_.SetFullName(path_); }), u"1201.FullName: FullName = '" + path_ + u"'");
