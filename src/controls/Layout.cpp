@@ -25,7 +25,7 @@ void Stretch(std::vector<int32_t>& lengths, const std::vector<bool>& flags, int3
   int32_t left = std::max(0, available - Sum(lengths, gap));
   for (std::size_t i = 0; i < lengths.size(); ++i) {
     if (!flags[i]) continue;
-    const int32_t share = left / takers--;
+    const int32_t share = left / takers--;  // NOLINT(clang-analyzer-core.DivideZero): one for each flag
     lengths[i] += share;
     left -= share;
   }
