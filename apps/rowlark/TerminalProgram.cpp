@@ -7,6 +7,7 @@
 #include <limits>
 #include <utility>
 
+#include "controls/Keyboard.h"
 #include "forms/HotKey.h"
 #include "host/Block.h"
 #include "runtime/Failure.h"
@@ -116,14 +117,13 @@ void TerminalProgram::Edit() {
   });
 }
 
-// Typing is searching: what was typed becomes the first letter.
-void TerminalProgram::StartSearch(const KeyPress& press) {
+void TerminalProgram::StartSearch(std::u16string_view text) {
   program_.Runtime().ShowSearch();
-  const auto form = program_.Forms().Search();
-  if (!form || press.character == U'/') return;
-  std::u16string text;
-  AppendUtf16(text, press.character);
-  form->cboText.UserTyped(text, static_cast<int32_t>(text.size()));
+  if (const auto form = program_.Forms().Search(); form && !text.empty()) {
+    form->cboText.UserFocused();
+    form->cboText.SelectAll();
+    controls::Paste(*form, text);
+  }
 }
 
 std::shared_ptr<clsVTRLKItem> TerminalProgram::DetectedProfile() {
@@ -263,8 +263,13 @@ void TerminalProgram::Press(const KeyPress& press) {
   if (RunHotKey(press)) return;
   if (press.Is(u'Q', kCtrl) || press.Is(u'C', kCtrl)) return Quit();
   if (press.Is(FKey(2)) || press.Is(kKeyReturn)) return Edit();
-  if (press.character >= U' ' && press.character != 127) StartSearch(press);
+  if (press.character < U' ' || press.character == 127) return;
+  std::u16string text;  // typing is searching
+  if (press.character != U'/') AppendUtf16(text, press.character);
+  StartSearch(text);
 }
+
+void TerminalProgram::Paste(std::u16string_view text) { StartSearch(text); }
 
 void TerminalProgram::UseMouse(const terminal::MouseAction& action) { tables_.View().UseMouse(action); }
 

@@ -49,6 +49,7 @@ class TerminalProgram final : public terminal::Desktop {
             bool focused) override;
   bool Navigate(const terminal::KeyPress& press) override;
   void Press(const terminal::KeyPress& press) override;
+  void Paste(std::u16string_view text) override;
   void UseMouse(const terminal::MouseAction& action) override;
 
  private:
@@ -57,7 +58,8 @@ class TerminalProgram final : public terminal::Desktop {
   void Save();
   void EndLoading();
 
-  void StartSearch(const terminal::KeyPress& press);
+  // Opens the search form with a text that the user has begun with.
+  void StartSearch(std::u16string_view text);
   void evtRLRTM_Searching(bool searching);
   // The profile of the active workbook with what it leaves open filled in; null when that fails.
   std::shared_ptr<clsVTRLKItem> DetectedProfile();

@@ -16,6 +16,8 @@
 namespace rowlark::controls {
 namespace {
 
+bool IsControl(char16_t c) { return c < u' ' || c == 127; }
+
 void MoveFocus(Form& form, bool back) {
   auto controls = form.InTabOrder();
   if (back) std::ranges::reverse(controls);
@@ -146,21 +148,26 @@ class KeyUser final : public Visitor {
   int32_t step_;  // in a list
 };
 
-// What a character does there.
-class CharacterUser final : public Visitor {
+// What a text that was typed or pasted does there.
+class TextUser final : public Visitor {
  public:
-  explicit CharacterUser(char16_t character) : character_(character) {}
-  void Visit(TextBox& box) override { Insert(box); }
+  explicit TextUser(std::u16string_view text) : text_(text) {}
+  void Visit(TextBox& box) override { Insert(box, box.MultiLine); }
   void Visit(ComboBox& box) override {
-    if (!box.DropDownList) Insert(box);
+    if (!box.DropDownList) Insert(box, false);
   }
 
  private:
-  void Insert(TextInput& input) const {
-    Replace(input, input.SelStart(), input.SelLength(), std::u16string_view(&character_, 1));
+  void Insert(TextInput& input, bool lines) const {
+    std::u16string text(text_);
+    const auto end = text.find_last_not_of(u"\r\n");
+    if (!lines) text.erase(end == std::u16string::npos ? 0 : end + 1);
+    std::ranges::replace_if(
+        text, [lines](char16_t c) { return IsControl(c) && !(lines && c == u'\n'); }, u' ');
+    Replace(input, input.SelStart(), input.SelLength(), text);
   }
 
-  char16_t character_;
+  std::u16string_view text_;
 };
 
 void UseKey(Form& form, int32_t key, int32_t shift) {
@@ -178,10 +185,9 @@ void UseKey(Form& form, int32_t key, int32_t shift) {
   if (control != nullptr) control->Accept(user);
 }
 
-void UseCharacter(Form& form, char16_t character) {
-  if (form.ActiveControl() == nullptr || character < u' ' || character == 127) return;
-  CharacterUser user(character);
-  form.ActiveControl()->Accept(user);
+void UseText(Form& form, std::u16string_view text) {
+  TextUser user(text);
+  if (form.ActiveControl() != nullptr) form.ActiveControl()->Accept(user);
 }
 
 }  // namespace
@@ -192,10 +198,16 @@ void PressKey(Form& form, int32_t key, int32_t shift, char16_t character) {
     if (character != 0) character = form.UserKeyPress(character);
     if (form.Loaded()) {
       UseKey(form, left, shift);
-      if (character != 0 && (shift & (kCtrl | kAlt)) == 0) UseCharacter(form, character);
+      const bool typed = !IsControl(character) && (shift & (kCtrl | kAlt)) == 0;
+      if (typed) UseText(form, {&character, 1});
     }
   }
   form.UserKeyUp(key, shift);
+}
+
+void Paste(Form& form, std::u16string_view text) {
+  const Ref<Form> keep(&form);
+  UseText(form, text);
 }
 
 }  // namespace rowlark::controls

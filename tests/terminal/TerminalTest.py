@@ -73,10 +73,12 @@ class Table(Session):
    2│ ann   Köln          12
    4╪ cid   KÖLN         130
    7╪ fay   Köln-Süd       8""")
-        terminal.press("-").wait("1 of 6 rows")
+        terminal.press("\x1b[?62;22c\x1b[99;5~\x1b]11;rgb:0/0/0\x1b\\", "-").wait("1 of 6 rows")
         terminal.press("xyz").wait("Text not found")
         terminal.press("Esc").wait_gone("Search -").wait("6 of 6 rows")
         terminal.press("/", "F4").wait("│  köln-xyz").press("Enter").wait("Text not found")  # the history
+        terminal.press("Esc").wait_gone("Search -").press("\x1b[200~?\x1b[201~").wait("│ ?")
+        terminal.press("\x1b[200~praha\r\n\x1b[201~").wait("?praha").press("Home", "Delete").wait("1 of 6 rows")
 
     def test_edits_in_place(self):
         terminal = self.start().wait("6 of 6 rows")

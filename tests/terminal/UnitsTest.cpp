@@ -1,5 +1,4 @@
 // What a terminal shows and understands, without a terminal.
-#include <curses.h>
 #include <gtest/gtest.h>
 
 #include <clocale>
@@ -18,7 +17,7 @@
 #include "controls/TextBox.h"
 #include "host/terminal/CellMetrics.h"
 #include "host/terminal/FormPainter.h"
-#include "host/terminal/Keymap.h"
+#include "host/terminal/InputDecoder.h"
 #include "host/terminal/TextLines.h"
 #include "util/Utf.h"
 
@@ -121,35 +120,113 @@ TEST(TextLines, BreakAtBlanksAndShowTheCaret) {
   EXPECT_EQ(TextPane(form->box, {6, 2}).OffsetAt({9, 9}), 13);
 }
 
-TEST(Keymap, KnowsWhatArrives) {
-  const auto is = [](const std::optional<KeyPress>& press, int32_t key, int32_t shift,
-                     char32_t character = 0) {
-    return press && press->Is(key, shift) && press->character == character;
+// What the user has done, as "Ctrl+End", "Down at 3,5", "'x'" for a key that types, "\"text\"" for a pasted
+// one.
+std::string Told(const Input& input) {
+  std::string told;
+  const auto shift = [&told](int32_t bits) {
+    if ((bits & controls::kCtrl) != 0) told += "Ctrl+";
+    if ((bits & controls::kAlt) != 0) told += "Alt+";
+    if ((bits & controls::kShift) != 0) told += "Shift+";
   };
-  using namespace controls;
-  EXPECT_TRUE(is(FromCode(KEY_LEFT), kKeyLeft, kNoShift));
-  EXPECT_TRUE(is(FromCode(KEY_BTAB), kKeyTab, kShift));
-  EXPECT_TRUE(is(FromCode(KEY_ENTER), kKeyReturn, kNoShift, U'\r'));
-  EXPECT_TRUE(is(FromCode(KEY_F(12)), kKeyF12, kNoShift));
-  EXPECT_TRUE(is(FromCode(KEY_F(13)), kKeyF1, kShift));
-  EXPECT_FALSE(FromCode(KEY_HELP));
-  EXPECT_TRUE(is(FromCharacter(U'a', false, 127), u'A', kNoShift, U'a'));
-  EXPECT_TRUE(is(FromCharacter(U'f' & 31, false, 127), u'F', kCtrl));
-  EXPECT_TRUE(is(FromCharacter(U'm', true, 127), u'M', kAlt));
-  EXPECT_TRUE(is(FromCharacter(U'ж', false, 127), kKeyPacket, kNoShift, U'ж'));
-  EXPECT_TRUE(is(FromCharacter(U'ж', true, 127), static_cast<int32_t>(U'Ж'), kAlt));
-  EXPECT_TRUE(is(FromCharacter(8, false, 127), kKeyBack, kCtrl, 127));
-  EXPECT_TRUE(is(FromCharacter(8, false, 8), kKeyBack, kNoShift));
-  EXPECT_TRUE(is(FromCharacter(0, false, 127), kKeySpace, kCtrl));
-  // Every sequence stands for one key with its modifiers.
-  std::map<std::string, int32_t> codes;
-  for (const auto& [bytes, code] : KeySequences()) EXPECT_TRUE(codes.emplace(bytes, code).second) << bytes;
-  EXPECT_TRUE(is(FromCode(codes["\033[1;5F"]), kKeyEnd, kCtrl));
-  EXPECT_TRUE(is(FromCode(codes["\033[6;5~"]), kKeyPageDown, kCtrl));
-  EXPECT_TRUE(is(FromCode(codes["\033[1;2C"]), kKeyRight, kShift));
-  EXPECT_TRUE(is(FromCode(codes["\033[1;3A"]), kKeyUp, kAlt));
-  EXPECT_TRUE(is(FromCode(codes["\033[27;6;70~"]), u'F', kShift | kCtrl));
-  EXPECT_TRUE(is(FromCode(codes["\033[102;5u"]), u'F', kCtrl));
+  if (const auto* pasted = std::get_if<Pasted>(&input)) return '"' + ToUtf8(pasted->text) + '"';
+  if (const auto* action = std::get_if<MouseAction>(&input)) {
+    shift(action->shift);
+    constexpr const char* kKinds[] = {"Press", "Drag", "Release", "Up", "Down"};
+    return told + kKinds[static_cast<std::size_t>(action->kind)] + ' ' + std::to_string(action->at.x) + ',' +
+           std::to_string(action->at.y);
+  }
+  const auto& press = std::get<KeyPress>(input);
+  static const std::map<int32_t, const char*> kNames{
+      {8, "Back"},  {9, "Tab"},    {13, "Enter"}, {27, "Esc"},    {32, "Space"},
+      {33, "PgUp"}, {34, "PgDn"},  {35, "End"},   {36, "Home"},   {37, "Left"},
+      {38, "Up"},   {39, "Right"}, {40, "Down"},  {45, "Insert"}, {46, "Delete"}};
+  shift(press.shift);
+  if (const auto name = kNames.find(press.key); name != kNames.end() && press.character != U' ')
+    return told + name->second;
+  if (press.key >= kKeyF1 && press.key <= kKeyF12) return told + 'F' + std::to_string(press.key - kKeyF1 + 1);
+  if (press.character == 0) {
+    AppendUtf8(told, static_cast<char32_t>(press.key));
+    return told;
+  }
+  told += '\'';
+  AppendUtf8(told, press.character);
+  return told + '\'';
+}
+
+TEST(InputDecoder, KnowsWhatArrives) {
+  using namespace std::string_literals;
+  InputDecoder decoder;
+  decoder.Named["\033[25~"] = {kKeyF1, controls::kShift};
+  decoder.Named["\033A"] = {controls::kKeyUp};
+  const auto read = [&decoder](bool late) {
+    std::string told;
+    while (const auto input = decoder.Next(late)) told += (told.empty() ? "" : " ") + Told(*input);
+    return told;
+  };
+  const struct {
+    std::string bytes;
+    std::string input;
+  } kCases[] = {
+      {"aZ7 ж😀\r\t\x7f\b\0\x06"s, "'a' 'Z' '7' ' ' 'ж' '😀' Enter Tab Back Ctrl+Back Ctrl+Space Ctrl+F"},
+      {"\033m\033ж\033\033\r\033", "Alt+M Alt+Ж Esc Esc Enter Esc"},
+      {"a\xFF\xC3(b", "'a' '(' 'b'"},
+      // Cursor keys of every tradition, and what terminals without one say of themselves.
+      {"\033[A\033OB\033[1;5F\033[1;2C\033O5D\033[1;3A\033Oa\033[d",
+       "Up Down Ctrl+End Shift+Right Ctrl+Left Alt+Up Ctrl+Up Shift+Left"},
+      {"\033[H\033OF\033[1~\033[4~\033[7~\033[8^\033[7$\033[8@",
+       "Home End Home End Home Ctrl+End Shift+Home Ctrl+Shift+End"},
+      {"\033[2~\033[3;5~\033[5~\033[6;6~\033[Z", "Insert Ctrl+Delete PgUp Ctrl+Shift+PgDn Shift+Tab"},
+      {"\033OP\033[12~\033[13;2~\033[[D\033[15~\033[17;5~\033[24~\033[1;2R\033[25~\033A",
+       "F1 F2 Shift+F3 F4 F5 Ctrl+F6 F12 Shift+F3 Shift+F1 Up"},
+      {"\033[27;6;70~\033[102;5u\033[27;5;13~\033[9;2u\033[97;1:1u\033[27;1;228~\033[57399u",
+       "Ctrl+Shift+F Ctrl+F Ctrl+Enter Shift+Tab 'a' 'ä'"},
+      {"\033Oj\033Op\033Oy\033OM", "'*' '0' '9' Enter"},
+      // The mouse in both ways.
+      {"\033[<0;4;6M\033[<32;5;6M\033[<0;5;6m\033[<64;1;1M\033[<81;1;1M\033[<2;1;1M",
+       "Press 3,5 Drag 4,5 Release 4,5 Up 0,0 Ctrl+Down 0,0"},
+      {"\033[M $&\033[M#$&\033[M\x60!!", "Press 3,5 Release 3,5 Up 0,0"},
+      // What means nothing is passed over whole.
+      {"\033[?62;22c\033[12;40R\033[>41;354;0c\033[99~\033[I\033[?2004;1$yx", "'x'"},
+      {"\033]11;rgb:ffff/ffff/ffff\033\\\033]0;x\a\033P1$r0m\033\\\033_x\033\\x", "'x'"},
+      {"\033[12\033[A\033]0;x\033[A\033Ox", "Up Up '8'"},
+      // Pasted text is no command, whatever is in it.
+      {"\033[200~a\tb\r\033[Aж\x11\033[201~", "\"a\tb\n[Aж\x11\""},
+      {"\033[200~\033[201~x", "'x'"},
+  };
+  for (const auto& [bytes, input] : kCases) {
+    decoder.Feed(bytes + "\r");
+    EXPECT_EQ(read(false), input + " Enter") << bytes;
+    if (input.front() == '"') continue;
+    std::string told;
+    for (const char byte : bytes + '\r') {
+      decoder.Feed({&byte, 1});
+      if (const auto next = read(false); !next.empty()) told += next + ' ';
+    }
+    EXPECT_EQ(told, input + " Enter ") << "byte by byte: " << bytes;
+  }
+  // What never comes: half a sequence means nothing, and a paste ends with the Escape key.
+  constexpr struct {
+    const char* bytes;
+    const char* input;
+  } kBroken[] = {{"\033[1;", ""}, {"\033O5", ""},     {"\033]0;x", ""},   {"\xC3", ""},      {"\033[M ", ""},
+                 {"\033", "Esc"}, {"\033[", "Alt+ç"}, {"\033O", "Alt+O"}, {"\033P", "Alt+P"}};
+  for (const auto& [bytes, input] : kBroken) {
+    decoder.Feed(bytes);
+    EXPECT_EQ(read(false), "") << bytes;
+    EXPECT_TRUE(decoder.Waiting()) << bytes;
+    EXPECT_EQ(read(true), input) << bytes;
+    EXPECT_FALSE(decoder.Waiting()) << bytes;
+  }
+  decoder.Feed("\033[200~lost");
+  EXPECT_EQ(read(true), "\"lost\"");
+  decoder.Feed("\033");
+  EXPECT_EQ(read(false) + read(true), "");
+  decoder.Feed("x");
+  EXPECT_EQ(read(false), "'x'");
+  decoder.Backspace = 8;
+  decoder.Feed("\b");
+  EXPECT_EQ(read(false), "Back");
 }
 
 struct Folding final : controls::Form, controls::View {

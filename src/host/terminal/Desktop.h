@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "host/terminal/Canvas.h"
 #include "host/terminal/Input.h"
@@ -22,6 +23,8 @@ class Desktop {
   virtual bool Navigate(const KeyPress& press) = 0;
   // Keys that no form wanted.
   virtual void Press(const KeyPress& press) = 0;
+  // A text that no form takes.
+  virtual void Paste(std::u16string_view text) = 0;
   virtual void UseMouse(const MouseAction& action) = 0;
 };
 

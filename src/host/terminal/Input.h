@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <variant>
 
 #include "controls/Keys.h"
@@ -36,6 +37,11 @@ struct MouseAction {
   int32_t shift = controls::kNoShift;
 };
 
-using Input = std::variant<KeyPress, MouseAction>;
+// Text from the clipboard, its line breaks as "\n".
+struct Pasted {
+  std::u16string text;
+};
+
+using Input = std::variant<KeyPress, MouseAction, Pasted>;
 
 }  // namespace rowlark::terminal

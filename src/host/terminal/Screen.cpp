@@ -1,6 +1,7 @@
 #include "host/terminal/Screen.h"
 
 #include <curses.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <term.h>
 #include <unistd.h>
@@ -8,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <charconv>
 #include <clocale>
 #include <cstdint>
 #include <cstdio>
@@ -16,7 +18,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "host/terminal/Keymap.h"
+#include "host/terminal/InputDecoder.h"
 
 namespace rowlark::terminal {
 namespace {
@@ -79,15 +81,43 @@ void UseUtf8() {
 }
 
 // Modes that the library does not switch as they are wanted here: the mouse, reported by its own sequences
-// and while a button is held, and letters with Ctrl and Shift as keys of their own.
+// and while a button is held, pasted text in brackets, and letters with Ctrl and Shift as keys of their own.
 struct Mode {
   const char* capability;  // of terminals that may be asked for it
   const char* on;
   const char* off;
 };
 constexpr Mode kModes[] = {{"kmous", "\033[?1000;1002;1006h", "\033[?1000;1002;1006l"},
+                           {"kmous", "\033[?2004h", "\033[?2004l"},
                            {"kUP5", "\033[>4;1m\033[m", "\033[>4m\033[m"}};
-constexpr const char* kMouseSequence = "\033[<";
+
+// The names that terminals' descriptions have for keys.
+struct NamedKey {
+  const char* name;
+  int32_t key;
+  int32_t shift = controls::kNoShift;
+};
+constexpr NamedKey kNamedKeys[] = {{"kcuu1", controls::kKeyUp},
+                                   {"kcud1", controls::kKeyDown},
+                                   {"kcub1", controls::kKeyLeft},
+                                   {"kcuf1", controls::kKeyRight},
+                                   {"khome", controls::kKeyHome},
+                                   {"kend", controls::kKeyEnd},
+                                   {"kpp", kKeyPageUp},
+                                   {"knp", kKeyPageDown},
+                                   {"kich1", kKeyInsert},
+                                   {"kdch1", controls::kKeyDelete},
+                                   {"kcbt", controls::kKeyTab, controls::kShift},
+                                   {"kri", controls::kKeyUp, controls::kShift},
+                                   {"kind", controls::kKeyDown, controls::kShift},
+                                   {"kLFT", controls::kKeyLeft, controls::kShift},
+                                   {"kRIT", controls::kKeyRight, controls::kShift},
+                                   {"kHOM", controls::kKeyHome, controls::kShift},
+                                   {"kEND", controls::kKeyEnd, controls::kShift},
+                                   {"kPRV", kKeyPageUp, controls::kShift},
+                                   {"kNXT", kKeyPageDown, controls::kShift},
+                                   {"kIC", kKeyInsert, controls::kShift},
+                                   {"kDC", controls::kKeyDelete, controls::kShift}};
 
 // What the terminal's description says; null when it says nothing.
 const char* Capability(const char* name) {
@@ -107,7 +137,6 @@ class Screen::Library {
 
   void Show(const Canvas& canvas);
   std::optional<Input> Read();
-  std::optional<Input> ReadMouse();
   void SwitchModes(bool on) const;
 
   SCREEN* screen = nullptr;
@@ -116,14 +145,19 @@ class Screen::Library {
  private:
   void UseColours();
   void LearnKeys();
+  bool FeedWithin(int milliseconds);
 
   std::array<attr_t, static_cast<std::size_t>(Style::kCount)> attributes_{};
-  char32_t backspace_ = 127;
+  InputDecoder decoder_;
+  // Milliseconds after which what follows an Escape is a key of its own.
+  int late_ = 50;
 };
 
 Screen::Library::Library() {
   UseUtf8();
   screen = newterm(nullptr, stdout, stdin);
+  if (screen == nullptr)
+    screen = newterm("xterm-256color", stdout, stdin);  // what most of the unknown ones are
   if (screen == nullptr || Capability("cup") == nullptr) {
     if (screen != nullptr) {
       endwin();
@@ -136,10 +170,10 @@ Screen::Library::Library() {
   noecho();
   nonl();
   keypad(stdscr, TRUE);
-  nodelay(stdscr, TRUE);
   intrflush(stdscr, FALSE);
-  // What follows an Escape this long after it is a key of its own.
-  if (Environment("ESCDELAY").empty()) set_escdelay(50);
+  const auto delay = Environment("ESCDELAY");
+  std::from_chars(delay.data(), delay.data() + delay.size(), late_);
+  late_ = std::clamp(late_, 0, 10'000);
   UseColours();
   LearnKeys();
   SwitchModes(true);
@@ -173,10 +207,17 @@ void Screen::Library::UseColours() {
 }
 
 void Screen::Library::LearnKeys() {
-  for (const auto& [bytes, code] : KeySequences()) define_key(bytes.c_str(), code);
-  define_key(kMouseSequence, kMouseCode);
+  for (const auto& [name, key, shift] : kNamedKeys) {
+    const char* bytes = Capability(name);
+    if (bytes != nullptr && bytes[0] == 27) decoder_.Named.emplace(bytes, KeyPress{key, shift});
+  }
+  for (int32_t i = 0; i < 24; ++i) {
+    const char* bytes = Capability(("kf" + std::to_string(i + 1)).c_str());
+    if (bytes == nullptr || bytes[0] != 27) continue;
+    decoder_.Named.emplace(bytes, KeyPress{kKeyF1 + i % 12, i < 12 ? controls::kNoShift : controls::kShift});
+  }
   const char* key = Capability("kbs");
-  if (key != nullptr && key[0] == 8) backspace_ = 8;
+  if (key != nullptr && key[0] == 8) decoder_.Backspace = 8;
 }
 
 void Screen::Library::Show(const Canvas& canvas) {
@@ -204,65 +245,23 @@ void Screen::Library::Show(const Canvas& canvas) {
   refresh();
 }
 
+// A part of a sequence that is not there yet is waited for.
 std::optional<Input> Screen::Library::Read() {
   for (;;) {
-    wint_t character = 0;
-    const int kind = get_wch(&character);
-    if (kind == ERR) return std::nullopt;
-    if (kind == KEY_CODE_YES) {
-      if (character == kMouseCode) {
-        if (auto action = ReadMouse()) return action;
-        continue;
-      }
-      if (const auto press = FromCode(static_cast<int32_t>(character))) return *press;
-      continue;
-    }
-    if (character != 27) return FromCharacter(character, false, backspace_);
-    // With Alt held a terminal sends Escape first.
-    wint_t next = 0;
-    const int next_kind = get_wch(&next);
-    if (next_kind == OK && next >= L' ' && next != 127) return FromCharacter(next, true, backspace_);
-    if (next_kind == OK) unget_wch(static_cast<wchar_t>(next));
-    if (next_kind == KEY_CODE_YES) ungetch(static_cast<int>(next));
-    return FromCharacter(27, false, backspace_);
+    if (auto input = decoder_.Next(false)) return input;
+    if (FeedWithin(decoder_.Waiting() ? late_ : 0)) continue;
+    return decoder_.Waiting() ? decoder_.Next(true) : std::nullopt;
   }
 }
 
-// The rest of "ESC [ < buttons ; column ; row M", which ends in "m" when a button was released.
-std::optional<Input> Screen::Library::ReadMouse() {
-  constexpr int kLate = 50;  // milliseconds that a part of it may take
-  std::array<int32_t, 3> numbers{};
-  std::size_t at = 0;
-  wint_t character = 0;
-  timeout(kLate);
-  int kind = OK;
-  while ((kind = get_wch(&character)) == OK && character != L'M' && character != L'm') {
-    if (character == L';') at = std::min(at + 1, numbers.size() - 1);
-    if (character >= L'0' && character <= L'9' && numbers[at] < 10'000) {
-      numbers[at] = numbers[at] * 10 + static_cast<int32_t>(character - L'0');
-    }
-  }
-  timeout(0);
-  if (kind != OK) return std::nullopt;
-  const int32_t state = numbers[0];
-  constexpr int32_t kMoved = 32;
-  constexpr int32_t kWheel = 64;
-  MouseAction action;
-  action.at = {numbers[1] - 1, numbers[2] - 1};
-  if ((state & 4) != 0) action.shift |= controls::kShift;
-  if ((state & 8) != 0) action.shift |= controls::kAlt;
-  if ((state & 16) != 0) action.shift |= controls::kCtrl;
-  using Kind = MouseAction::Kind;
-  const int32_t button = state & 3;
-  if ((state & kWheel) != 0) {
-    if (button > 1) return std::nullopt;
-    action.kind = button == 0 ? Kind::WheelUp : Kind::WheelDown;
-  } else if (button != 0) {
-    return std::nullopt;  // only the left one means anything
-  } else {
-    action.kind = character == L'm' ? Kind::Release : (state & kMoved) != 0 ? Kind::Drag : Kind::Press;
-  }
-  return action;
+// False where nothing has come after so many milliseconds.
+bool Screen::Library::FeedWithin(int milliseconds) {
+  pollfd descriptor{STDIN_FILENO, POLLIN, 0};
+  if (poll(&descriptor, 1, milliseconds) <= 0) return false;
+  std::array<char, 4096> bytes;
+  const ssize_t count = read(STDIN_FILENO, bytes.data(), bytes.size());
+  if (count > 0) decoder_.Feed({bytes.data(), static_cast<std::size_t>(count)});
+  return count > 0;
 }
 
 Screen::Screen() : library_(std::make_unique<Library>()) {}

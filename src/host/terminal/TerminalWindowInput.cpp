@@ -80,6 +80,13 @@ class Clicker final : public controls::Visitor {
 void TerminalWindowSystem::UseInput(const Input& input) {
   if (const auto* press = std::get_if<KeyPress>(&input)) UseKey(*press);
   if (const auto* action = std::get_if<MouseAction>(&input)) UseMouse(*action);
+  if (const auto* pasted = std::get_if<Pasted>(&input)) Paste(pasted->text);
+}
+
+void TerminalWindowSystem::Paste(std::u16string_view text) {
+  auto* window = Active();
+  if (window == nullptr || (desktop_focus_ && !window->form->Modal())) return desktop_->Paste(text);
+  controls::Paste(*window->form, text);
 }
 
 void TerminalWindowSystem::UseDesktop(const KeyPress& press) {

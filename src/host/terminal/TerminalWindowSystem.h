@@ -77,6 +77,7 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
 
   void UseInput(const Input& input);
   void UseKey(const KeyPress& press);
+  void Paste(std::u16string_view text);
   void UseMouse(const MouseAction& action);
   void UseMouse(Window& window, const MouseAction& action);
   void UseDesktop(const KeyPress& press);
