@@ -3,23 +3,14 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "host/Block.h"
 #include "host/standalone/Application.h"
 #include "host/standalone/Range.h"
+#include "util/Text.h"
 #include "util/Utf.h"
 
 namespace rowlark::testing {
-
-inline std::vector<std::string_view> SplitAt(std::string_view text, char separator) {
-  std::vector<std::string_view> pieces;
-  for (;;) {
-    const auto end = text.find(separator);
-    pieces.push_back(text.substr(0, end));
-    if (end == std::string_view::npos) return pieces;
-    text.remove_prefix(end + 1);
-  }
-}
 
 // An application with one workbook, whose one sheet holds the cells.
 struct SampleHost {
@@ -29,7 +20,7 @@ struct SampleHost {
         book(application->AddWorkbook(book_name, read_only)),
         sheet(static_cast<standalone::Worksheet*>(book->ActiveSheet().get())) {
     if (cells.empty()) return;
-    for (const auto row : SplitAt(cells, '|')) sheet->AppendRow(SplitAt(row, ','));
+    for (const auto row : Pieces(cells, "|")) sheet->AppendRow(Pieces(row, ","));
   }
 
   // "1 2 5": the rows from 1 to `last` that are visible.
@@ -45,11 +36,7 @@ struct SampleHost {
   std::string ActiveCell() const { return Plain(*application->ActiveCell()); }
 
   // The address without dollar signs.
-  static std::string Plain(const host::Range& range) {
-    auto address = ToUtf8(range.Address());
-    std::erase(address, '$');
-    return address;
-  }
+  static std::string Plain(const host::Range& range) { return ToUtf8(PlainAddress(range)); }
 
   Ref<standalone::Application> application;
   Ref<standalone::Workbook> book;

@@ -8,18 +8,16 @@
 
 namespace rowlark {
 
-Highlight::Highlight(std::u16string_view text, const clsVTRLKOptions& options, const standalone::Rect& area,
+Highlight::Highlight(std::u16string_view text, const clsVTRLKOptions& options, const Block& area,
                      std::vector<int32_t> columns)
     : mode_(options.CompareMethod), area_(area), columns_(std::move(columns)) {
   const bool any = options.SearchWords == xcVT_SEARCH_WORDS_ANY;
   const bool whole = options.SearchWords == xcVT_SEARCH_WORDS_CELL;
-  while (!text.empty()) {
-    const auto end = any ? std::min(text.find(u' '), text.size()) : text.size();
-    const std::u16string word(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
+  for (const auto word : any ? Pieces(text, u" ") : std::vector{text}) {
     if (word.empty()) continue;
     const bool literal = !whole && word.find_first_of(u"*?~") == word.npos;
-    words_.push_back({word, literal, standalone::Pattern(word, whole, mode_ == CompareMode::Binary)});
+    words_.push_back(
+        {std::u16string(word), literal, standalone::Pattern(word, whole, mode_ == CompareMode::Binary)});
   }
 }
 

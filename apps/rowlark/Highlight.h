@@ -21,7 +21,7 @@ class Highlight {
  public:
   Highlight() = default;
   // `columns` are those searched, in ascending order; empty: all of `area`.
-  Highlight(std::u16string_view text, const clsVTRLKOptions& options, const standalone::Rect& area,
+  Highlight(std::u16string_view text, const clsVTRLKOptions& options, const Block& area,
             std::vector<int32_t> columns);
 
   bool Covers(int32_t row, int32_t column) const;
@@ -37,7 +37,7 @@ class Highlight {
 
   CompareMode mode_ = CompareMode::Text;
   std::vector<Word> words_;
-  standalone::Rect area_;
+  Block area_;
   std::vector<int32_t> columns_;
 };
 

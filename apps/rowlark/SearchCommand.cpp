@@ -84,12 +84,8 @@ int32_t ColumnNumber(const Table& table, const char* option, const std::string& 
     } catch (const host::Error&) {  // beyond the sheet, so beyond the table
     }
   }
-  const auto name = [&](int32_t column) {
-    const std::string address = ToUtf8(PlainAddress(*table.sheet->Cells(1, column)));
-    return address.substr(0, address.size() - 1);
-  };
   throw std::runtime_error(std::string(option) + ": no column '" + letters + "' in the table (" +
-                           name(first) + " to " + name(last) + ")");
+                           ToUtf8(ColumnLetters(first)) + " to " + ToUtf8(ColumnLetters(last)) + ")");
 }
 
 void SetRange(const Table& table, const std::string& address, clsVTRLKItem& profile) {

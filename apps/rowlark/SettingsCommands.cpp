@@ -78,18 +78,17 @@ std::string SearchedColumns(const clsVTRLKItem& item) {
   return item.SearchCols.empty() ? "all" : ToUtf8(item.SearchCols);
 }
 
-std::string Jump(const clsVTRLKItem& item, Program& program) {
-  if (item.SelectCol < 1) return "auto";
-  const auto address = ToUtf8(PlainAddress(*Cell(1, item.SelectCol, program)));
-  return address.substr(0, address.size() - 1);
+std::string Jump(const clsVTRLKItem& item) {
+  return item.SelectCol < 1 ? "auto"
+                            : ToUtf8(ColumnLetters(std::min(item.SelectCol, standalone::kMaxColumn)));
 }
 
 }  // namespace
 
 int ListProfiles(Program& program, Output& output) {
   const auto print = [&](const std::string& name, const clsVTRLKItem& item) {
-    output.Write(name + '\t' + Range(item, program) + '\t' + SearchedColumns(item) + '\t' +
-                 Jump(item, program) + '\n');
+    output.Write(name + '\t' + Range(item, program) + '\t' + SearchedColumns(item) + '\t' + Jump(item) +
+                 '\n');
   };
   print(kDefault, *program.Items().DefaultItem);
   for (int32_t i = 0; i < program.Items().count(); ++i) {
@@ -107,7 +106,7 @@ int ShowProfile(const std::string& workbook, Program& program, Output& output) {
                (workbook == kDefault ? kDefault : platform::ToPath(item->FileFullName()).string()) + '\n');
   output.Write("range: " + Range(*item, program) + '\n');
   output.Write("columns: " + SearchedColumns(*item) + '\n');
-  output.Write("jump: " + Jump(*item, program) + '\n');
+  output.Write("jump: " + Jump(*item) + '\n');
   output.Write(std::string("jump-first-row: ") + yes(item->UnhideJumpFirstRow) + '\n');
   output.Write(std::string("dont-save: ") + yes(item->DontSaveChanges) + '\n');
   return 0;

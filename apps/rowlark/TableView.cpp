@@ -133,7 +133,7 @@ void TableView::Draw(Canvas& canvas, const terminal::Rect& area, const Highlight
   for (const auto& column : view_.Columns()) {
     if (!letters || column.start >= area.width) break;
     const Style style = column.index == view_.Cursor().At().column ? Style::Bold : Style::Dim;
-    canvas.Write({area.left + column.start, area.top}, standalone::ColumnLetters(column.index), style,
+    canvas.Write({area.left + column.start, area.top}, ColumnLetters(column.index), style,
                  std::min(column.size, area.width - column.start));
   }
   for (const auto& row : view_.Rows()) {

@@ -139,12 +139,9 @@ std::shared_ptr<clsVTRLKItem> TerminalProgram::DetectedProfile() {
 Highlight TerminalProgram::MakeHighlight() {
   const auto profile = DetectedProfile();
   if (!profile) return {};
-  const auto& block = profile->Block();
   Highlight highlight;  // none where the search will fail
   Attempt(program_.Trace(), [&] {
-    highlight = {searched_,
-                 *program_.Runtime().SearchOptions,
-                 {block.first_row, block.first_column, block.last_row, block.last_column},
+    highlight = {searched_, *program_.Runtime().SearchOptions, profile->Block(),
                  Columns(profile->SearchCols).On(tables_.View().Sheet())};
   });
   return highlight;
@@ -292,7 +289,7 @@ void TerminalProgram::Draw(terminal::Canvas& canvas, const terminal::Rect& pictu
 // Counting goes through all rows, so it is done again only when rows were hidden or shown.
 std::u16string TerminalProgram::CountRows() {
   const auto& sheet = tables_.View().Sheet();
-  const auto used = sheet.Text().Used().value_or(standalone::Rect{});
+  const auto used = sheet.UsedBlock();
   const int32_t last = used.last_row;
   const int32_t all = last - used.first_row;
   if (count_.sheet != &sheet || count_.layout != sheet.Layout() || count_.all != all) {

@@ -15,7 +15,6 @@ namespace {
 using automation::Wide;
 using sheetview::SheetView;
 using sheetview::Strip;
-using standalone::Rect;
 
 // `share` percent of the one colour in the other.
 COLORREF Blend(COLORREF from, COLORREF into, int share) {
@@ -87,18 +86,18 @@ class Painter {
               alignment | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
   }
 
-  bool Selected(const Rect& area) const {
-    return std::ranges::any_of(sheet_.Selection(), [&](const Rect& selected) {
+  bool Selected(const Block& area) const {
+    return std::ranges::any_of(sheet_.Selection(), [&](const Block& selected) {
       return selected.first_row <= area.last_row && selected.last_row >= area.first_row &&
              selected.first_column <= area.last_column && selected.last_column >= area.first_column;
     });
   }
 
   void Cells() const {
-    const Rect active = sheet_.ActiveCell();
+    const Block active = sheet_.ActiveCell();
     for (const auto& row : rows_) {
       for (const auto& column : columns_) {
-        const Rect cell{row.index, column.index, row.index, column.index};
+        const auto cell = Block::OfCell(row.index, column.index);
         const RECT box{column.start, row.start, column.start + column.size - 1, row.start + row.size - 1};
         Fill({box.left, box.top, box.right + 1, box.bottom + 1}, colours_.line);
         Fill(box, Selected(cell) && cell != active ? colours_.selected_cell : colours_.cell);
@@ -111,7 +110,7 @@ class Painter {
 
   // A frame around each selected area, and one around the active cell.
   void Selection() const {
-    const Rect active = sheet_.ActiveCell();
+    const Block active = sheet_.ActiveCell();
     for (const auto& area : sheet_.Selection()) {
       if (const auto box = view_.BoxOf(area)) {
         Frame({box->left - 1, box->top - 1, box->right, box->bottom}, colours_.selection, 2);
@@ -158,7 +157,7 @@ class Painter {
 
   void RowHeaders() const {
     const auto& hidden = sheet_.HiddenRows();
-    const auto used = sheet_.Text().Used().value_or(Rect{});
+    const auto used = sheet_.UsedBlock();
     const bool any_hidden = hidden.Next(used.first_row, used.last_row, true) <= used.last_row;
     for (const auto& row : rows_) {
       const RECT box{0, row.start, view_.HeaderWidth(), row.start + row.size};
@@ -174,8 +173,7 @@ class Painter {
 
   void ColumnHeaders() const {
     for (const auto& column : columns_) {
-      Header({column.start, 0, column.start + column.size, view_.HeaderHeight()},
-             standalone::ColumnLetters(column.index),
+      Header({column.start, 0, column.start + column.size, view_.HeaderHeight()}, ColumnLetters(column.index),
              Selected({1, column.index, standalone::kMaxRow, column.index}), colours_.header_text);
     }
     Header({0, 0, view_.HeaderWidth(), view_.HeaderHeight()}, u"", false, colours_.header_text);

@@ -21,7 +21,6 @@ using sheetview::Span;
 using sheetview::StepRows;
 using standalone::kMaxColumn;
 using standalone::kMaxRow;
-using standalone::Rect;
 using Part = SheetView::Part;
 
 constexpr UINT_PTR kDragTimer = 1;
@@ -119,7 +118,7 @@ void GridWindow::Resize() {
 // The bars count in rows and columns; they reach one page beyond what is in use, or as far as the user went.
 void GridWindow::UpdateScrollBars() {
   if (view_ == nullptr) return;
-  const auto used = view_->Sheet().Text().Used().value_or(Rect{});
+  const auto used = view_->Sheet().UsedBlock();
   const auto set = [this](int bar, int32_t used_last, int32_t first, int32_t last, int32_t most) {
     SCROLLINFO info{sizeof info, SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL, 1, 0, 0, first, 0};
     info.nPage = static_cast<UINT>(last - first + 1);
@@ -241,7 +240,7 @@ void GridWindow::Go(Cell to, bool extend) {
     cursor.MoveTo(to);
   }
   // Of whole rows and columns the far end is of no interest.
-  const Rect& area = view_->Sheet().Selection().back();
+  const Block& area = view_->Sheet().Selection().back();
   if (area.Rows() < kMaxRow) view_->RevealRow(to.row);
   if (area.Columns() < kMaxColumn) view_->RevealColumn(to.column);
   callbacks_.selected();

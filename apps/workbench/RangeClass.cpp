@@ -10,7 +10,6 @@ namespace {
 using automation::Variant;
 using standalone::kMaxColumn;
 using standalone::kMaxRow;
-using standalone::Rect;
 
 [[noreturn]] void Fail(std::u16string description) { throw host::Error(1004, std::move(description)); }
 
@@ -28,7 +27,7 @@ void Text(Call& call) {
   const auto& range = RangeOf(call);
   const auto& text = range.Sheet().Text();
   const auto first = text.Cell(range.Row(), range.Column());
-  const Rect used = text.Used().value_or(Rect{});
+  const Block used = range.Sheet().UsedBlock();
   for (const auto& area : range.Areas()) {
     // One row and one column of empty cells stand for all behind the used ones.
     const int32_t last_row = std::min(area.last_row, std::max(area.first_row, used.last_row + 1));
@@ -81,10 +80,10 @@ void Address(Call& call) {
 }
 
 void Entire(Call& call, bool rows) {
-  std::vector<Rect> areas;
+  std::vector<Block> areas;
   for (const auto& area : RangeOf(call).Areas()) {
-    areas.push_back(rows ? Rect{area.first_row, 1, area.last_row, kMaxColumn}
-                         : Rect{1, area.first_column, kMaxRow, area.last_column});
+    areas.push_back(rows ? Block{area.first_row, 1, area.last_row, kMaxColumn}
+                         : Block{1, area.first_column, kMaxRow, area.last_column});
   }
   call.Return(rows ? kRangeRows : kRangeColumns, RangeOf(call).Sheet().MakeRange(std::move(areas)));
 }
@@ -98,7 +97,7 @@ void Hidden(Call& call) {
   }
   const auto& hidden = RangeOf(call).Sheet().HiddenRows();
   const auto any = [&](bool in) {
-    return std::ranges::any_of(areas, [&](const Rect& area) {
+    return std::ranges::any_of(areas, [&](const Block& area) {
       return hidden.Next(area.first_row, area.last_row, in) <= area.last_row;
     });
   };
@@ -134,7 +133,7 @@ void Activate(Call& call) {
 const host::Range* After(const Call& call, std::size_t argument, const char16_t* failure) {
   if (!call.Has(argument)) return nullptr;
   const auto& after = call.Range(argument);
-  const auto contains = [&](const Rect& area) { return area.Contains(after.Row(), after.Column()); };
+  const auto contains = [&](const Block& area) { return area.Contains(after.Row(), after.Column()); };
   if (&after.Sheet() != &RangeOf(call).Sheet() || after.AreasCount() != 1 ||
       !IsOneCell(after.Areas().front()) || !std::ranges::any_of(RangeOf(call).Areas(), contains)) {
     Fail(failure);

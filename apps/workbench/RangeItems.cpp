@@ -8,10 +8,9 @@ namespace {
 
 using standalone::kMaxColumn;
 using standalone::kMaxRow;
-using standalone::Rect;
 
 // Of the first area: from the given row and column on, which count from its first cell, so many.
-Rect Part(const Call& call, int64_t row, int64_t column, int32_t rows = 1, int32_t columns = 1) {
+Block Part(const Call& call, int64_t row, int64_t column, int32_t rows = 1, int32_t columns = 1) {
   const auto& first = RangeOf(call).Areas().front();
   row += first.first_row - 1;
   column += first.first_column - 1;
@@ -24,7 +23,7 @@ Rect Part(const Call& call, int64_t row, int64_t column, int32_t rows = 1, int32
 }
 
 // What a text argument names: "5" and "2:4" whole rows, "B" and "B:D" whole columns.
-std::optional<Rect> Strip(const Call& call, std::size_t argument) {
+std::optional<Block> Strip(const Call& call, std::size_t argument) {
   if (!call.IsText(argument)) return std::nullopt;
   const auto text = call.Text(argument);
   return standalone::ParseArea(text.find(u':') == std::u16string::npos ? text + u":" + text : text);

@@ -13,13 +13,13 @@ inline standalone::Range& RangeOf(const Object& object) {
 }
 inline standalone::Range& RangeOf(const Call& call) { return RangeOf(call.Self()); }
 
-inline Ref<host::Range> MakeRange(const Call& call, const standalone::Rect& area) {
+inline Ref<host::Range> MakeRange(const Call& call, const Block& area) {
   return RangeOf(call).Sheet().MakeRange(area);
 }
 
-inline bool IsOneCell(const standalone::Rect& area) { return area.Rows() == 1 && area.Columns() == 1; }
-inline bool SpansColumns(const standalone::Rect& area) { return area.Columns() == standalone::kMaxColumn; }
-inline bool SpansRows(const standalone::Rect& area) { return area.Rows() == standalone::kMaxRow; }
+inline bool IsOneCell(const Block& area) { return area.Rows() == 1 && area.Columns() == 1; }
+inline bool SpansColumns(const Block& area) { return area.Columns() == standalone::kMaxColumn; }
+inline bool SpansRows(const Block& area) { return area.Rows() == standalone::kMaxRow; }
 
 // Item(RowIndex, [ColumnIndex]): counted in cells, rows or columns, as the class of the range says; rows and
 // columns by their names too.

@@ -100,7 +100,7 @@ Variant ToValue(std::string_view cell) {
   return std::u16string_view(ToUtf16(cell));
 }
 
-Variant ToValues(const standalone::CellText& text, const standalone::Rect& block) {
+Variant ToValues(const standalone::CellText& text, const Block& block) {
   SAFEARRAYBOUND bounds[] = {{static_cast<ULONG>(block.Rows()), 1}, {static_cast<ULONG>(block.Columns()), 1}};
   Array array(2, bounds);
   VARIANT* place = array.Data();  // column after column

@@ -23,7 +23,6 @@ namespace {
 
 using automation::Narrow;
 using automation::Wide;
-using standalone::Rect;
 
 constexpr UINT kUpdate = WM_APP;
 constexpr wchar_t kTitle[] = L"Rowlark Workbench";
@@ -201,7 +200,7 @@ void WorkbookWindow::Refresh() {
 
 // A field that the user is typing into stays as it is.
 void WorkbookWindow::RefreshFields(const standalone::Worksheet& sheet) {
-  const Rect cell = sheet.ActiveCell();
+  const Block cell = sheet.ActiveCell();
   if (GetFocus() != name_) {
     std::u16string address;
     AppendAddress(address, cell);
@@ -304,7 +303,7 @@ bool WorkbookWindow::FieldKey(HWND field, WPARAM key) {
   const auto text = TextOf(field);
   SetFocus(grid_->Hwnd());
   if (key == VK_RETURN && sheet != nullptr) {
-    const Rect cell = sheet->ActiveCell();
+    const Block cell = sheet->ActiveCell();
     if (field == name_) {
       sheet->Select(text);
     } else {

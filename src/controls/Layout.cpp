@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "controls/Frame.h"
+#include "util/Text.h"
 
 namespace rowlark::controls {
 namespace {
@@ -37,13 +38,11 @@ int32_t Less(int32_t width, int32_t by) { return width == kUnlimited ? width : s
 
 Size Ruler::TextSize(std::u16string_view text) const {
   Size size;
-  for (;;) {
-    const auto end = text.find(u"\r\n");
-    size.width = std::max(size.width, TextWidth(text.substr(0, end)));
+  for (const auto line : Pieces(text, u"\r\n")) {
+    size.width = std::max(size.width, TextWidth(line));
     size.height += metrics.line;
-    if (end == text.npos) return size;
-    text.remove_prefix(end + 2);
   }
+  return size;
 }
 
 Layout Layout::Grid(std::size_t columns, std::vector<Layout> cells) {

@@ -131,7 +131,6 @@ class frmOptions final : public BaseForm {
   std::u16string PickedCol(std::u16string_view address) const;
   std::u16string PickedSearchCols(std::u16string_view address) const;
   // Of the active sheet; throw host::Error.
-  std::u16string ColumnLetters(int32_t column) const;
   int32_t ColumnNumber(std::u16string_view letters) const;
 
   std::optional<HotKeys> old_keys_;  // before any were changed here

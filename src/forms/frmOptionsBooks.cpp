@@ -118,7 +118,11 @@ void frmOptions::ShowProfile() {
                                          *sheet->Cells(block.last_row, block.last_column)));
     });
   }
-  if (profile->SelectCol > 0) Attempt([&] { column = ColumnLetters(profile->SelectCol); });
+  if (profile->SelectCol > 0) {
+    // Empty when it is off this sheet.
+    Attempt(
+        [&] { column = ColumnsOf(Require(Host()->ActiveSheet())->Cells(1, profile->SelectCol)->Address()); });
+  }
   box1_SearchCols.SetText(profile->SearchCols);
   box1_Range.SetText(range);
   box1_Col.SetText(column);
@@ -246,10 +250,6 @@ std::u16string frmOptions::PickedSearchCols(std::u16string_view address) const {
     text += column;
   }
   return text;
-}
-
-std::u16string frmOptions::ColumnLetters(int32_t column) const {
-  return ColumnsOf(Require(Host()->ActiveSheet())->Cells(1, column)->Address());
 }
 
 int32_t frmOptions::ColumnNumber(std::u16string_view letters) const {

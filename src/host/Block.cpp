@@ -31,7 +31,9 @@ Block Block::Of(const host::Range& range) {
 }
 
 Columns::Columns(std::u16string_view text) {
-  if (!text.empty()) names_ = Split(text, u',');
+  if (text.empty()) return;
+  const auto names = Pieces(text, u",");
+  names_.assign(names.begin(), names.end());
 }
 
 std::vector<int32_t> Columns::On(const host::Worksheet& sheet) const {
@@ -47,14 +49,12 @@ std::vector<int32_t> Columns::On(const host::Worksheet& sheet) const {
   return numbers;
 }
 
-std::vector<std::u16string> Split(std::u16string_view text, char16_t separator) {
-  std::vector<std::u16string> pieces;
-  for (;;) {
-    const auto end = text.find(separator);
-    pieces.emplace_back(text.substr(0, end));
-    if (end == std::u16string_view::npos) return pieces;
-    text.remove_prefix(end + 1);
+std::u16string ColumnLetters(int32_t column) {
+  std::u16string letters;
+  for (; column > 0; column = (column - 1) / 26) {
+    letters.insert(letters.begin(), static_cast<char16_t>(u'A' + (column - 1) % 26));
   }
+  return letters;
 }
 
 std::u16string WithoutDollars(std::u16string address) {

@@ -2,6 +2,7 @@
 // the user.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -21,10 +22,24 @@ struct Block {
 
   // The first area of a range. Throws host::Error.
   static Block Of(const host::Range& range);
+  static constexpr Block OfCell(int32_t row, int32_t column) { return {row, column, row, column}; }
 
   bool IsClosed() const { return first_row > 0 && first_column > 0 && last_row > 0 && last_column > 0; }
   friend bool operator==(const Block&, const Block&) = default;
+
+  // Of closed ones:
+  int32_t Rows() const { return last_row - first_row + 1; }
+  int32_t Columns() const { return last_column - first_column + 1; }
+  bool Contains(int32_t row, int32_t column) const {
+    return row >= first_row && row <= last_row && column >= first_column && column <= last_column;
+  }
 };
+
+// The smallest block that holds two closed ones.
+inline Block Join(const Block& a, const Block& b) {
+  return {std::min(a.first_row, b.first_row), std::min(a.first_column, b.first_column),
+          std::max(a.last_row, b.last_row), std::max(a.last_column, b.last_column)};
+}
 
 // The columns that a text names by their letters, with commas between ("A,C"); an empty text names none.
 class Columns {
@@ -42,8 +57,8 @@ class Columns {
   std::vector<std::u16string> names_;
 };
 
-// At least one piece, which may be empty.
-std::vector<std::u16string> Split(std::u16string_view text, char16_t separator);
+// "A" to "XFD".
+std::u16string ColumnLetters(int32_t column);
 
 // "B3:F200" of "$B$3:$F$200".
 std::u16string WithoutDollars(std::u16string address);

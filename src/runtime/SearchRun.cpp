@@ -46,7 +46,9 @@ void SearchRun::Resume() {
 
 std::vector<std::u16string> SearchRun::Words() const {
   if (options_.SearchWords != xcVT_SEARCH_WORDS_ANY) return {text_};
-  return Split(mclsVTString::Replace(text_, u"  ", u" ", CompareMode::Binary), u' ');
+  const auto text = mclsVTString::Replace(text_, u"  ", u" ", CompareMode::Binary);
+  const auto words = Pieces(text, u" ");
+  return {words.begin(), words.end()};
 }
 
 host::FindArguments SearchRun::What(std::u16string_view word) const {

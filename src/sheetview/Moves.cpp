@@ -7,13 +7,12 @@ namespace {
 
 using standalone::kMaxColumn;
 using standalone::kMaxRow;
-using standalone::Rect;
 using standalone::Worksheet;
 
 bool HasText(const Worksheet& sheet, Cell cell) { return !sheet.Text().Cell(cell.row, cell.column).empty(); }
 
 // The cell of the used range that is met first on the way, or nothing: all cells there are empty.
-bool EntersUsedRange(const Rect& used, Cell& cell, Direction direction) {
+bool EntersUsedRange(const Block& used, Cell& cell, Direction direction) {
   const bool in_columns = cell.column >= used.first_column && cell.column <= used.last_column;
   const bool in_rows = cell.row >= used.first_row && cell.row <= used.last_row;
   switch (direction) {
@@ -50,7 +49,7 @@ Cell SheetEdge(const Worksheet& sheet, Cell from, Direction direction) {
 
 }  // namespace
 
-int32_t StepRows(const Worksheet& sheet, int32_t row, int32_t count, const Rect& bounds) {
+int32_t StepRows(const Worksheet& sheet, int32_t row, int32_t count, const Block& bounds) {
   const auto& hidden = sheet.HiddenRows();
   for (; count > 0; --count) {
     const int32_t next = hidden.Next(std::max(row + 1, bounds.first_row), bounds.last_row, false);
@@ -103,7 +102,7 @@ Cell StepToEdge(const Worksheet& sheet, Cell from, Direction direction) {
 }
 
 Cell LastUsed(const Worksheet& sheet) {
-  const auto used = sheet.Text().Used().value_or(Rect{});
+  const auto used = sheet.UsedBlock();
   const int32_t row = sheet.HiddenRows().Previous(used.last_row, 1, false);
   return {std::max(row, used.first_row), used.last_column};
 }

@@ -11,12 +11,12 @@ enum class Direction { Up, Down, Left, Right };
 
 using standalone::Cell;
 
-inline constexpr standalone::Rect kWholeSheet{1, 1, standalone::kMaxRow, standalone::kMaxColumn};
+inline constexpr Block kWholeSheet{1, 1, standalone::kMaxRow, standalone::kMaxColumn};
 
 // The visible row that lies so many visible rows below (above, when negative) a row; the last one on the way
 // when the rows of `bounds` end before, and the row itself when there is none.
 int32_t StepRows(const standalone::Worksheet& sheet, int32_t row, int32_t count,
-                 const standalone::Rect& bounds = kWholeSheet);
+                 const Block& bounds = kWholeSheet);
 
 // The neighbour in that direction; the cell itself at the sheet's edge.
 Cell Step(const standalone::Worksheet& sheet, Cell from, Direction direction);

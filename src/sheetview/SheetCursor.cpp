@@ -6,10 +6,8 @@
 namespace rowlark::sheetview {
 namespace {
 
-using standalone::Rect;
-
-Rect Between(Cell a, Cell b, Span span) {
-  Rect area = standalone::Join({a.row, a.column, a.row, a.column}, {b.row, b.column, b.row, b.column});
+Block Between(Cell a, Cell b, Span span) {
+  Block area = Join(Block::OfCell(a.row, a.column), Block::OfCell(b.row, b.column));
   if (span == Span::Rows || span == Span::Sheet) {
     area.first_column = kWholeSheet.first_column;
     area.last_column = kWholeSheet.last_column;
@@ -24,7 +22,7 @@ Rect Between(Cell a, Cell b, Span span) {
 }  // namespace
 
 Cell SheetCursor::Active() const {
-  const Rect active = sheet_->ActiveCell();
+  const Block active = sheet_->ActiveCell();
   return {active.first_row, active.first_column};
 }
 
@@ -32,7 +30,7 @@ Cell SheetCursor::MovingCorner() const {
   const Cell here = Active();
   const auto& areas = sheet_->Selection();
   const auto area = std::find_if(areas.rbegin(), areas.rend(),
-                                 [&](const Rect& each) { return each.Contains(here.row, here.column); });
+                                 [&](const Block& each) { return each.Contains(here.row, here.column); });
   if (area == areas.rend()) return here;
   return {here.row == area->first_row ? area->last_row : area->first_row,
           here.column == area->first_column ? area->last_column : area->first_column};
@@ -40,7 +38,7 @@ Cell SheetCursor::MovingCorner() const {
 
 bool SheetCursor::IsSelected(Cell cell) const {
   return std::ranges::any_of(sheet_->Selection(),
-                             [&](const Rect& area) { return area.Contains(cell.row, cell.column); });
+                             [&](const Block& area) { return area.Contains(cell.row, cell.column); });
 }
 
 bool SheetCursor::MoveTo(Cell cell, Span span, bool add) {
@@ -72,7 +70,7 @@ bool SheetCursor::Follow() {
   at_ = active_ = Active();
   beside_ = selected_;
   const auto area = std::find_if(beside_.rbegin(), beside_.rend(),
-                                 [&](const Rect& each) { return each.Contains(at_.row, at_.column); });
+                                 [&](const Block& each) { return each.Contains(at_.row, at_.column); });
   if (area != beside_.rend()) beside_.erase(std::next(area).base());
   return true;
 }

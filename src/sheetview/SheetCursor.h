@@ -40,8 +40,8 @@ class SheetCursor {
   Ref<standalone::Worksheet> sheet_;
   Cell at_{1, 1};
   bool keep_ = false;
-  std::vector<standalone::Rect> beside_;    // areas beside the active one
-  std::vector<standalone::Rect> selected_;  // as last seen, with the active cell
+  std::vector<Block> beside_;    // areas beside the active one
+  std::vector<Block> selected_;  // as last seen, with the active cell
   Cell active_;
 };
 

@@ -6,8 +6,6 @@
 namespace rowlark::sheetview {
 namespace {
 
-using standalone::Rect;
-
 bool Holds(const Strip& strip, int32_t place) {
   return place >= strip.start && place < strip.start + std::max(strip.size, 1);
 }
@@ -29,9 +27,9 @@ SheetView::SheetView(Ref<standalone::Worksheet> sheet, Measure measure, Extent e
       left_(Body().first_column),
       widths_(std::move(sheet), std::move(measure)) {}
 
-Rect SheetView::Bounds() const { return IsTable() ? sheet_->Text().Used().value_or(Rect{}) : kWholeSheet; }
+Block SheetView::Bounds() const { return IsTable() ? sheet_->UsedBlock() : kWholeSheet; }
 
-Rect SheetView::Body() const {
+Block SheetView::Body() const {
   auto body = Bounds();
   if (IsTable()) ++body.first_row;
   return body;
@@ -65,7 +63,7 @@ void SheetView::FillPage() {
 
 int32_t SheetView::HeaderWidth() const {
   int32_t digits = 0;
-  for (int32_t rest = sheet_->Text().Used().value_or(Rect{}).last_row; rest > 0; rest /= 10) ++digits;
+  for (int32_t rest = sheet_->UsedBlock().last_row; rest > 0; rest /= 10) ++digits;
   return (std::max(digits, 3) + metrics_.number_margin) * metrics_.digit_width;
 }
 
@@ -103,7 +101,7 @@ int32_t SheetView::PageRows() const {
   return std::max(IsTable() ? rows - 1 : rows, 1);
 }
 
-std::optional<Box> SheetView::BoxOf(const Rect& area) const {
+std::optional<Box> SheetView::BoxOf(const Block& area) const {
   const auto clip = [](const std::vector<Strip>& strips, int32_t first, int32_t last, int32_t& start,
                        int32_t& end) {
     bool any = false;

@@ -61,7 +61,7 @@ class SheetView {
   SheetCursor& Cursor() { return cursor_; }
   const SheetCursor& Cursor() const { return cursor_; }
   // The cells that can be gone to.
-  standalone::Rect Bounds() const;
+  Block Bounds() const;
 
   void Resize(int32_t width, int32_t height, const Metrics& metrics);
   // Follows rows that were hidden, shown or loaded: of a table, no room is left below its last row while rows
@@ -78,7 +78,7 @@ class SheetView {
   int32_t PageRows() const;
 
   // Where cells lie on the screen, clipped to it; nothing when they are off it.
-  std::optional<Box> BoxOf(const standalone::Rect& area) const;
+  std::optional<Box> BoxOf(const Block& area) const;
   Hit HitTest(int32_t x, int32_t y) const;
 
   int32_t TopRow() const { return top_; }
@@ -99,7 +99,7 @@ class SheetView {
  private:
   bool IsTable() const { return extent_ == Extent::Table; }
   // The cells that scroll.
-  standalone::Rect Body() const;
+  Block Body() const;
   void FillPage();
 
   Ref<standalone::Worksheet> sheet_;

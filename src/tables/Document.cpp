@@ -14,18 +14,14 @@ namespace {
 struct SavingStopped {};
 
 std::string CellName(std::size_t row, std::size_t column) {
-  std::u16string address;
-  const auto at = [](std::size_t place) { return static_cast<int32_t>(place) + 1; };
-  standalone::AppendAddress(address, {at(row), at(column), at(row), at(column)});
-  std::erase(address, u'$');
-  return ToUtf8(address);
+  return ToUtf8(ColumnLetters(static_cast<int32_t>(column) + 1)) + std::to_string(row + 1);
 }
 
 // Writes the cells of a sheet.
 class SheetWriter {
  public:
   SheetWriter(const standalone::CellText& text, const CsvFormat& format)
-      : text_(text), writer_(format), used_(text.Used().value_or(standalone::Rect{1, 1, 0, 0})) {}
+      : text_(text), writer_(format), used_(text.Used().value_or(Block{1, 1, 0, 0})) {}
 
   std::string Next() {
     std::string bytes = writer_.Take();
@@ -52,7 +48,7 @@ class SheetWriter {
 
   const standalone::CellText& text_;
   CsvWriter writer_;
-  standalone::Rect used_;
+  Block used_;
   std::size_t row_ = 0;
   std::size_t column_ = 0;
 };
@@ -137,7 +133,7 @@ std::string Document::RowText(const standalone::Worksheet& sheet, int32_t row) {
 
   CsvWriter writer({csv != nullptr ? csv->Separator() : ',', "", Encoding::Utf8, false});
   const auto cells = sheet.Text().Cells(row);
-  const auto columns = sheet.Text().Used().value_or(standalone::Rect{}).last_column;
+  const auto columns = sheet.UsedBlock().last_column;
   for (std::size_t i = 0; i < static_cast<std::size_t>(columns); ++i) {
     writer.Cell(i < cells.size() ? cells[i] : std::string_view());
   }

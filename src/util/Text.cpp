@@ -59,6 +59,17 @@ std::u16string MapText(std::u16string_view text, const CaseTable& table) {
   return mapped;
 }
 
+template <class View>
+std::vector<View> PiecesOf(View text, View separator) {
+  std::vector<View> pieces;
+  for (;;) {
+    const auto end = text.find(separator);
+    pieces.push_back(text.substr(0, end));
+    if (end == View::npos) return pieces;
+    text.remove_prefix(end + separator.size());
+  }
+}
+
 }  // namespace
 
 char32_t FoldCase(char32_t c) noexcept { return kFold.Map(c); }
@@ -87,6 +98,14 @@ std::size_t Find(std::u16string_view source, std::u16string_view find, std::size
   if (from > source.size()) return std::u16string_view::npos;
   const std::size_t offset = FoldCase(source.substr(from)).find(FoldCase(find));
   return offset == std::u16string::npos ? offset : from + offset;
+}
+
+std::vector<std::u16string_view> Pieces(std::u16string_view text, std::u16string_view separator) {
+  return PiecesOf(text, separator);
+}
+
+std::vector<std::string_view> Pieces(std::string_view text, std::string_view separator) {
+  return PiecesOf(text, separator);
 }
 
 std::u16string ToText(int32_t number) {

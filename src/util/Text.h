@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace rowlark {
 
@@ -30,6 +31,10 @@ int32_t Compare(std::u16string_view a, std::u16string_view b, CompareMode mode);
 
 // Offset (from 0) of the first occurrence of `find` at or after `from`; npos when there is none.
 std::size_t Find(std::u16string_view source, std::u16string_view find, std::size_t from, CompareMode mode);
+
+// The pieces of a text between separators: at least one, which may be empty. They are parts of the text.
+std::vector<std::u16string_view> Pieces(std::u16string_view text, std::u16string_view separator);
+std::vector<std::string_view> Pieces(std::string_view text, std::string_view separator);
 
 // A number in decimal digits, with a leading "-" below 0.
 std::u16string ToText(int32_t number);

@@ -162,7 +162,7 @@ TEST(Find, AgreesWithAnObviousModel) {
       }
       if (pick(4) == 0) sample.sheet->SetHidden({kTop + row, 1, kTop + row, 1}, true);
     }
-    std::vector<standalone::Rect> areas;
+    std::vector<Block> areas;
     for (int32_t i = 0; i <= pick(2); ++i) {
       const int32_t row = kTop + (i == 0 ? 0 : 4) + pick(2);
       const int32_t column = 1 + pick(kColumns);

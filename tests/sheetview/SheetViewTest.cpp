@@ -67,7 +67,7 @@ TEST_F(SheetViewTest, ShiftExtendsFromTheActiveCellInAnyDirection) {
   cursor_.MoveTo({5, 2});
   cursor_.ExtendTo({3, 3});
   EXPECT_EQ(Selection(), u"$B$3:$C$5");
-  EXPECT_EQ(sheet_->ActiveCell(), (standalone::Rect{5, 2, 5, 2}));
+  EXPECT_EQ(sheet_->ActiveCell(), (Block{5, 2, 5, 2}));
   EXPECT_EQ(cursor_.MovingCorner(), (Cell{3, 3}));
   cursor_.ExtendTo({7, 1});
   EXPECT_EQ(Selection(), u"$A$5:$B$7");

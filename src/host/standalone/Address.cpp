@@ -1,5 +1,7 @@
 #include "host/standalone/Address.h"
 
+#include <algorithm>
+
 #include "util/Text.h"
 
 namespace rowlark::standalone {
@@ -41,15 +43,8 @@ std::optional<Corner> ParseCorner(std::u16string_view text, const SheetSize& siz
 }
 
 void AppendColumn(std::u16string& text, int32_t column) {
-  char16_t letters[3];
-  auto* begin = std::end(letters);
-  do {
-    --column;
-    *--begin = static_cast<char16_t>(u'A' + column % 26);
-    column /= 26;
-  } while (column > 0);
   text += u'$';
-  text.append(begin, std::end(letters));
+  text += ColumnLetters(column);
 }
 
 void AppendRow(std::u16string& text, int32_t row) {
@@ -59,45 +54,37 @@ void AppendRow(std::u16string& text, int32_t row) {
 
 }  // namespace
 
-std::optional<Rect> ParseArea(std::u16string_view address, const SheetSize& size) {
+std::optional<Block> ParseArea(std::u16string_view address, const SheetSize& size) {
   const auto colon = address.find(u':');
   const auto first = ParseCorner(address.substr(0, colon), size);
   if (!first) return std::nullopt;
   if (colon == std::u16string_view::npos) {
     if (first->row == 0 || first->column == 0) return std::nullopt;
-    return Rect{first->row, first->column, first->row, first->column};
+    return Block::OfCell(first->row, first->column);
   }
   const auto second = ParseCorner(address.substr(colon + 1), size);
   // Both sides are cells, both are rows or both are columns.
   if (!second || (first->row == 0) != (second->row == 0) || (first->column == 0) != (second->column == 0)) {
     return std::nullopt;
   }
-  Rect area{std::min(first->row, second->row), std::min(first->column, second->column),
-            std::max(first->row, second->row), std::max(first->column, second->column)};
+  Block area{std::min(first->row, second->row), std::min(first->column, second->column),
+             std::max(first->row, second->row), std::max(first->column, second->column)};
   if (area.first_row == 0) area.first_row = 1, area.last_row = size.rows;
   if (area.first_column == 0) area.first_column = 1, area.last_column = size.columns;
   return area;
 }
 
-bool ParseAddress(std::u16string_view address, std::vector<Rect>& areas, const SheetSize& size) {
+bool ParseAddress(std::u16string_view address, std::vector<Block>& areas, const SheetSize& size) {
   areas.clear();
-  for (;;) {
-    const auto comma = address.find(u',');
-    const auto area = ParseArea(address.substr(0, comma), size);
+  for (const auto piece : Pieces(address, u",")) {
+    const auto area = ParseArea(piece, size);
     if (!area) return false;
     areas.push_back(*area);
-    if (comma == std::u16string_view::npos) return true;
-    address.remove_prefix(comma + 1);
   }
+  return true;
 }
 
-std::u16string ColumnLetters(int32_t column) {
-  std::u16string text;
-  AppendColumn(text, column);
-  return text.substr(1);
-}
-
-void AppendAddress(std::u16string& text, const Rect& area, const SheetSize& size) {
+void AppendAddress(std::u16string& text, const Block& area, const SheetSize& size) {
   if (area.Rows() == size.rows) {
     AppendColumn(text, area.first_column);
     text += u':';

@@ -76,7 +76,7 @@ CellText::Block& CellText::BlockFor(int32_t row) {
 }
 
 void CellText::Use(int32_t row, int32_t first_column, int32_t last_column) {
-  const Rect rect{row, first_column, row, last_column};
+  const rowlark::Block rect{row, first_column, row, last_column};
   used_ = used_ ? Join(*used_, rect) : rect;
 }
 

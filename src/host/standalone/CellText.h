@@ -48,7 +48,7 @@ class CellText {
   void SetCell(int32_t row, int32_t column, std::string_view text);
 
   // The smallest rectangle that holds every cell that ever had a text.
-  const std::optional<Rect>& Used() const { return used_; }
+  const std::optional<rowlark::Block>& Used() const { return used_; }
 
   // Changes with every change of the text.
   uint64_t Version() const { return version_; }
@@ -65,7 +65,7 @@ class CellText {
   void Use(int32_t row, int32_t first_column, int32_t last_column);
 
   std::vector<std::unique_ptr<Block>> blocks_;
-  std::optional<Rect> used_;
+  std::optional<rowlark::Block> used_;
   int32_t appended_rows_ = 0;
   uint64_t version_ = 0;
 };

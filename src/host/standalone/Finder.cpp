@@ -34,19 +34,19 @@ const char* CellBegin(const char* place) {
   return place;
 }
 
-std::optional<Rect> Intersect(const Rect& a, const Rect& b) {
-  const Rect both{std::max(a.first_row, b.first_row), std::max(a.first_column, b.first_column),
-                  std::min(a.last_row, b.last_row), std::min(a.last_column, b.last_column)};
+std::optional<Block> Intersect(const Block& a, const Block& b) {
+  const Block both{std::max(a.first_row, b.first_row), std::max(a.first_column, b.first_column),
+                   std::min(a.last_row, b.last_row), std::min(a.last_column, b.last_column)};
   if (both.Rows() <= 0 || both.Columns() <= 0) return std::nullopt;
   return both;
 }
 
 // Rows and columns change places, so that a search by columns is one by rows.
-Rect Transpose(const Rect& r) { return {r.first_column, r.first_row, r.last_column, r.last_row}; }
+Block Transpose(const Block& r) { return {r.first_column, r.first_row, r.last_column, r.last_row}; }
 Cell Transpose(Cell c) { return {c.column, c.row}; }
 
 // The cell behind (or before) `cell` in the area's order of rows.
-std::optional<Cell> Step(const Rect& area, Cell cell, bool forward) {
+std::optional<Cell> Step(const Block& area, Cell cell, bool forward) {
   if (forward) {
     if (cell.column < area.last_column) return Cell{cell.row, std::max(cell.column + 1, area.first_column)};
     if (cell.row < area.last_row) return Cell{cell.row + 1, area.first_column};
@@ -58,7 +58,7 @@ std::optional<Cell> Step(const Rect& area, Cell cell, bool forward) {
 }
 
 // The first cell of the area at or behind (or before) `cell`, which may lie outside of it.
-std::optional<Cell> Enter(const Rect& area, Cell cell, bool forward) {
+std::optional<Cell> Enter(const Block& area, Cell cell, bool forward) {
   if (forward) {
     if (cell.row < area.first_row) return Cell{area.first_row, area.first_column};
     if (cell.row > area.last_row) return std::nullopt;
@@ -142,7 +142,7 @@ std::optional<Cell> Finder::Wrap(const Haystack& haystack, std::size_t after_are
   }
   const std::size_t begin = Forward() ? 0 : areas.size() - 1;
   for (std::size_t area = begin;; area = Forward() ? area + 1 : area - 1) {
-    Rect rect = areas[area];
+    Block rect = areas[area];
     if (area == after_area) {  // no farther than `after`
       if (ByRows()) {
         (Forward() ? rect.last_row : rect.first_row) = after.row;
@@ -165,13 +165,13 @@ bool Finder::Matches(const Haystack& haystack, Cell cell) {
   return pattern_.Matches(reader_->Cell(cell.row, cell.column));
 }
 
-std::optional<Cell> Finder::Successor(const Rect& area, Cell cell) const {
+std::optional<Cell> Finder::Successor(const Block& area, Cell cell) const {
   if (ByRows()) return Step(area, cell, Forward());
   const auto next = Step(Transpose(area), Transpose(cell), Forward());
   return next ? std::optional(Transpose(*next)) : std::nullopt;
 }
 
-void Finder::StartBatch(const Haystack& haystack, const Rect& area) {
+void Finder::StartBatch(const Haystack& haystack, const Block& area) {
   batch_.text = &haystack.text;
   batch_.version = haystack.text.Version();
   batch_.layout = haystack.layout;
@@ -179,7 +179,7 @@ void Finder::StartBatch(const Haystack& haystack, const Rect& area) {
   batch_.count = batch_.next = 0;
 }
 
-std::optional<Cell> Finder::InArea(const Haystack& haystack, const Rect& area, std::optional<Cell> from) {
+std::optional<Cell> Finder::InArea(const Haystack& haystack, const Block& area, std::optional<Cell> from) {
   StartBatch(haystack, area);
   if (!pattern_.Literal().empty() && ByRows() && Forward()) {
     FillBatch(haystack, area, from.value_or(Cell{area.first_row, area.first_column}), false);
@@ -193,7 +193,7 @@ std::optional<Cell> Finder::InArea(const Haystack& haystack, const Rect& area, s
   return batch_.matches[batch_.next++].cell;
 }
 
-void Finder::FillBatch(const Haystack& haystack, const Rect& area, Cell from, bool resume) {
+void Finder::FillBatch(const Haystack& haystack, const Block& area, Cell from, bool resume) {
   if (sampled_ != &haystack.text) {
     rare_ = pattern_.ChooseRareBytes(haystack.text.SampleBytes(!pattern_.MatchCase()));
     sampled_ = &haystack.text;
@@ -279,9 +279,9 @@ void Finder::FillBatch(const Haystack& haystack, const Rect& area, Cell from, bo
   }
 }
 
-std::optional<Cell> Finder::InAreaByCell(const Haystack& haystack, const Rect& area,
+std::optional<Cell> Finder::InAreaByCell(const Haystack& haystack, const Block& area,
                                          std::optional<Cell> from) {
-  Rect rect = area;
+  Block rect = area;
   if (!pattern_.IsEmpty()) {  // only cells with a text can match
     const auto used = haystack.text.Used();
     const auto both = used ? Intersect(area, *used) : std::nullopt;
@@ -289,7 +289,7 @@ std::optional<Cell> Finder::InAreaByCell(const Haystack& haystack, const Rect& a
     rect = *both;
   }
   const auto turn = [this](const auto& value) { return ByRows() ? value : Transpose(value); };
-  const Rect turned = turn(rect);
+  const Block turned = turn(rect);
   const Cell start =
       Forward() ? Cell{area.first_row, area.first_column} : Cell{area.last_row, area.last_column};
   for (auto at = Enter(turned, turn(from.value_or(start)), Forward()); at;

@@ -23,7 +23,7 @@ struct Haystack {
   const CellText& text;
   const RowSet& hidden;
   uint64_t layout;
-  std::span<const Rect> areas;
+  std::span<const Block> areas;
 };
 
 class Finder {
@@ -58,7 +58,7 @@ class Finder {
     uint64_t version = 0;
     uint64_t layout = 0;
     std::size_t area_index = 0;
-    Rect area;
+    Block area;
     std::size_t count = 0;
     std::size_t next = 0;           // of the matches to hand out
     const char* scanned = nullptr;  // behind the last match; no other starts before this place
@@ -70,8 +70,8 @@ class Finder {
     const CellText* text = nullptr;
     uint64_t version = 0;
     uint64_t layout = 0;
-    const Rect* areas = nullptr;
-    Rect area;
+    const Block* areas = nullptr;
+    Block area;
     Cell cell;
   };
 
@@ -82,15 +82,15 @@ class Finder {
   }
   // Whether the batch stands at that cell of that haystack.
   bool StandsAt(const Haystack& haystack, Cell cell) const;
-  void StartBatch(const Haystack& haystack, const Rect& area);
+  void StartBatch(const Haystack& haystack, const Block& area);
   bool Matches(const Haystack& haystack, Cell cell);
-  std::optional<Cell> Successor(const Rect& area, Cell cell) const;
+  std::optional<Cell> Successor(const Block& area, Cell cell) const;
   std::optional<Cell> Wrap(const Haystack& haystack, std::size_t area, Cell after);
   // The first match of an area at or behind `from`, or in the whole of it, as the first of a new batch.
-  std::optional<Cell> InArea(const Haystack& haystack, const Rect& area, std::optional<Cell> from);
-  std::optional<Cell> InAreaByCell(const Haystack& haystack, const Rect& area, std::optional<Cell> from);
+  std::optional<Cell> InArea(const Haystack& haystack, const Block& area, std::optional<Cell> from);
+  std::optional<Cell> InAreaByCell(const Haystack& haystack, const Block& area, std::optional<Cell> from);
   // Fills the batch, going on from where it stands when `resume` is set.
-  void FillBatch(const Haystack& haystack, const Rect& area, Cell from, bool resume);
+  void FillBatch(const Haystack& haystack, const Block& area, Cell from, bool resume);
 
   const ScanKernel& scan_;
   Pattern pattern_;

@@ -10,7 +10,7 @@
 namespace rowlark::standalone {
 namespace {
 
-Haystack HaystackOf(const Worksheet& sheet, std::span<const Rect> areas) {
+Haystack HaystackOf(const Worksheet& sheet, std::span<const Block> areas) {
   return {sheet.Text(), sheet.HiddenRows(), sheet.Layout(), areas};
 }
 
@@ -43,7 +43,7 @@ std::u16string Range::ExternalAddress() const {
 
 Ref<host::Range> Range::Offset(int32_t rows, int32_t columns) const {
   const SheetSize& size = sheet_->Size();
-  std::vector<Rect> areas(Areas().begin(), Areas().end());
+  std::vector<Block> areas(Areas().begin(), Areas().end());
   for (auto& area : areas) {
     const auto moved = [](int32_t place, int32_t by) { return int64_t{place} + by; };
     if (moved(area.first_row, rows) < 1 || moved(area.last_row, rows) > size.rows ||
@@ -71,7 +71,7 @@ void Range::SetValue(std::u16string_view text) {
 }
 
 bool Range::EntireRowHidden() const {
-  return std::ranges::all_of(Areas(), [&](const Rect& area) {
+  return std::ranges::all_of(Areas(), [&](const Block& area) {
     return sheet_->HiddenRows().Next(area.first_row, area.last_row, false) > area.last_row;
   });
 }
@@ -95,22 +95,22 @@ Ref<host::Range> Range::Find(const host::FindArguments& arguments) {
   finder.Begin(arguments);
   const auto cell = finder.Next(HaystackOf(*sheet_, Areas()), after);
   if (!cell) return nullptr;
-  return sheet_->MakeRange(Rect{cell->row, cell->column, cell->row, cell->column});
+  return sheet_->MakeRange(Block::OfCell(cell->row, cell->column));
 }
 
 Ref<host::Range> Range::FindNext(const host::Range& after) {
   const auto cell =
       sheet_->Book().Host().Find().NextForward(HaystackOf(*sheet_, Areas()), {after.Row(), after.Column()});
   if (!cell) return nullptr;
-  return sheet_->MakeRange(Rect{cell->row, cell->column, cell->row, cell->column});
+  return sheet_->MakeRange(Block::OfCell(cell->row, cell->column));
 }
 
 Ref<host::Range> Range::SpecialCells(host::XlCellType type) const {
   if (type != host::xlCellTypeVisible) throw host::Error(1004, u"Unable to get the SpecialCells property");
   // Of a single cell the host looks at the whole used range.
   const bool single = AreasCount() == 1 && first_.Rows() == 1 && first_.Columns() == 1;
-  const auto used = sheet_->Text().Used().value_or(Rect{});
-  std::vector<Rect> visible;
+  const auto used = sheet_->UsedBlock();
+  std::vector<Block> visible;
   for (const auto& area : single ? std::span(&used, 1) : Areas()) {
     sheet_->HiddenRows().ForEachRun(area.first_row, area.last_row, false, [&](RowRun run) {
       visible.push_back({run.first, area.first_column, run.last, area.last_column});

@@ -33,8 +33,8 @@ class Range final : public host::Range {
   void AutoFilter(const host::AutoFilterArguments& arguments) override;
 
   Worksheet& Sheet() const { return *sheet_; }
-  std::span<const Rect> Areas() const {
-    return areas_ ? std::span<const Rect>(*areas_) : std::span(&first_, 1);
+  std::span<const Block> Areas() const {
+    return areas_ ? std::span<const Block>(*areas_) : std::span(&first_, 1);
   }
 
  private:
@@ -43,8 +43,8 @@ class Range final : public host::Range {
   void Dispose() noexcept override;
 
   Ref<Worksheet> sheet_;
-  Rect first_;
-  std::shared_ptr<const std::vector<Rect>> areas_;  // only when there is more than one
+  Block first_;
+  std::shared_ptr<const std::vector<Block>> areas_;  // only when there is more than one
   Range* next_free_ = nullptr;
 };
 

@@ -64,7 +64,7 @@ Workbook& Worksheet::Book() const {
 
 Ref<host::Workbook> Worksheet::Parent() const { return &Book(); }
 
-Ref<host::Range> Worksheet::MakeRange(const Rect& area) const {
+Ref<host::Range> Worksheet::MakeRange(const Block& area) const {
   Book();
   auto* range = free_ranges_;
   if (range == nullptr) {
@@ -77,11 +77,11 @@ Ref<host::Range> Worksheet::MakeRange(const Rect& area) const {
   return range;
 }
 
-Ref<host::Range> Worksheet::MakeRange(std::vector<Rect> areas) const {
+Ref<host::Range> Worksheet::MakeRange(std::vector<Block> areas) const {
   auto range = MakeRange(areas.front());
   if (areas.size() > 1) {
     static_cast<standalone::Range&>(*range).areas_ =
-        std::make_shared<const std::vector<Rect>>(std::move(areas));
+        std::make_shared<const std::vector<Block>>(std::move(areas));
   }
   return range;
 }
@@ -93,26 +93,23 @@ void Worksheet::Recycle(standalone::Range* range) const noexcept {
 
 Ref<host::Range> Worksheet::Range(std::u16string_view address) const {
   if (const auto area = ParseArea(address, size_)) return MakeRange(*area);
-  std::vector<Rect> areas;
+  std::vector<Block> areas;
   if (!ParseAddress(address, areas, size_)) Fail(u"Method 'Range' of object '_Worksheet' failed");
   return MakeRange(std::move(areas));
 }
 
 Ref<host::Range> Worksheet::Range(const host::Range& cell1, const host::Range& cell2) const {
-  const auto rect = [](const host::Range& r) {
-    return Rect{r.Row(), r.Column(), r.Row() + r.RowsCount() - 1, r.Column() + r.ColumnsCount() - 1};
-  };
-  return MakeRange(Join(rect(cell1), rect(cell2)));
+  return MakeRange(Join(Block::Of(cell1), Block::Of(cell2)));
 }
 
-Ref<host::Range> Worksheet::Cells() const { return MakeRange(Rect{1, 1, size_.rows, size_.columns}); }
+Ref<host::Range> Worksheet::Cells() const { return MakeRange(Block{1, 1, size_.rows, size_.columns}); }
 
 Ref<host::Range> Worksheet::Cells(int32_t row, int32_t column) const {
   if (!IsCell(row, column, size_)) Fail(u"Application-defined or object-defined error");
-  return MakeRange(Rect{row, column, row, column});
+  return MakeRange(Block::OfCell(row, column));
 }
 
-Ref<host::Range> Worksheet::UsedRange() const { return MakeRange(text_.Used().value_or(Rect{})); }
+Ref<host::Range> Worksheet::UsedRange() const { return MakeRange(UsedBlock()); }
 
 bool Worksheet::AutoFilterMode() const { return filter_.has_value(); }
 
@@ -125,7 +122,7 @@ bool Worksheet::ProtectScenarios() const { return protection_.scenarios; }
 
 void Worksheet::Changed() const { Book().SetSaved(false); }
 
-void Worksheet::SetHidden(const Rect& rows, bool hidden) {
+void Worksheet::SetHidden(const Block& rows, bool hidden) {
   if (protection_.contents && !protection_.allow_formatting_rows) {
     Fail(u"Unable to set the Hidden property of the Range class");
   }
@@ -162,7 +159,7 @@ const FilterState& Worksheet::Filter() const {
   return *filter_;
 }
 
-void Worksheet::SetFilter(const Rect& range, const host::AutoFilterArguments& arguments) {
+void Worksheet::SetFilter(const Block& range, const host::AutoFilterArguments& arguments) {
   if (protection_.contents && !protection_.allow_filtering) Fail(u"AutoFilter method of Range class failed");
   if (!arguments.Field && filter_) {  // called without arguments, the operation takes the filter away
     SetHidden(filter_->range, false);
@@ -210,25 +207,25 @@ void Worksheet::ApplyFilter() {
 }
 
 void Worksheet::Select(std::u16string_view address) {
-  std::vector<Rect> areas;
+  std::vector<Block> areas;
   if (!ParseAddress(address, areas, size_)) Fail(u"Select method of Range class failed");
   selection_.clear();
   Activate(areas);
 }
 
-void Worksheet::Select(std::vector<Rect> areas, Cell active) {
-  active_cell_ = {active.row, active.column, active.row, active.column};
+void Worksheet::Select(std::vector<Block> areas, Cell active) {
+  active_cell_ = Block::OfCell(active.row, active.column);
   selection_ = std::move(areas);
   Book().RaiseSelectionChange(*this, *MakeRange(selection_));
 }
 
-void Worksheet::Activate(const std::vector<Rect>& areas) {
+void Worksheet::Activate(const std::vector<Block>& areas) {
   const int32_t row = areas.front().first_row;
   const int32_t column = areas.front().first_column;
   const bool single = areas.size() == 1 && areas.front().Rows() == 1 && areas.front().Columns() == 1;
-  active_cell_ = {row, column, row, column};
+  active_cell_ = Block::OfCell(row, column);
   // A cell of the selection becomes active within it; anything else becomes the selection.
-  if (single && std::ranges::any_of(selection_, [&](const Rect& r) { return r.Contains(row, column); }))
+  if (single && std::ranges::any_of(selection_, [&](const Block& r) { return r.Contains(row, column); }))
     return;
   selection_ = areas;
   Book().RaiseSelectionChange(*this, *MakeRange(areas));

@@ -32,7 +32,7 @@ struct Protection {
 
 // An AutoFilter: its range with the header row, and one filter for each column.
 struct FilterState {
-  Rect range;
+  Block range;
   std::vector<ColumnFilter> columns;
 };
 
@@ -63,6 +63,8 @@ class Worksheet final : public host::Worksheet {
   // While rows are still to come, cells behind the last one can not be changed.
   void SetLoading(bool loading);
   const CellText& Text() const { return text_; }
+  // What UsedRange is: A1 while no cell has had a text.
+  Block UsedBlock() const { return text_.Used().value_or(Block::OfCell(1, 1)); }
   const RowSet& HiddenRows() const { return hidden_; }
   // The cells that were changed since they were loaded, with their text now. `Edits` grows with every change.
   const std::map<Cell, std::string>& Changes() const { return changes_; }
@@ -72,22 +74,22 @@ class Worksheet final : public host::Worksheet {
   // What a user does with the mouse: selects cells and makes the first one active.
   void Select(std::u16string_view address);
   // The same, but with another cell of these areas as the active one.
-  void Select(std::vector<Rect> areas, Cell active);
+  void Select(std::vector<Block> areas, Cell active);
 
   // The part that ranges and filters need. Rows and columns lie on the sheet.
-  Ref<host::Range> MakeRange(const Rect& area) const;
-  Ref<host::Range> MakeRange(std::vector<Rect> areas) const;  // not empty
+  Ref<host::Range> MakeRange(const Block& area) const;
+  Ref<host::Range> MakeRange(std::vector<Block> areas) const;  // not empty
   void Recycle(standalone::Range* range) const noexcept;
   Workbook& Book() const;  // fails when the workbook has been closed
   uint64_t Layout() const { return layout_; }
-  void SetHidden(const Rect& rows, bool hidden);
+  void SetHidden(const Block& rows, bool hidden);
   void SetCell(int32_t row, int32_t column, std::u16string_view text);
-  void SetFilter(const Rect& range, const host::AutoFilterArguments& arguments);
+  void SetFilter(const Block& range, const host::AutoFilterArguments& arguments);
   void ApplyFilter();
   const FilterState& Filter() const;  // fails without an AutoFilter
-  const std::vector<Rect>& Selection() const { return selection_; }
-  Rect ActiveCell() const { return active_cell_; }
-  void Activate(const std::vector<Rect>& areas);
+  const std::vector<Block>& Selection() const { return selection_; }
+  Block ActiveCell() const { return active_cell_; }
+  void Activate(const std::vector<Block>& areas);
   void Close() { parent_ = nullptr; }
 
  private:
@@ -104,8 +106,8 @@ class Worksheet final : public host::Worksheet {
   uint64_t layout_ = 0;  // counts the changes of hidden_
   Protection protection_;
   std::optional<FilterState> filter_;
-  std::vector<Rect> selection_{Rect{}};
-  Rect active_cell_;
+  std::vector<Block> selection_{Block::OfCell(1, 1)};
+  Block active_cell_ = Block::OfCell(1, 1);
   mutable standalone::Range* free_ranges_ = nullptr;  // handles for the next use
 };
 

@@ -16,6 +16,7 @@
 #include "controls/ToolBar.h"
 #include "controls/TreeView.h"
 #include "host/terminal/TextLines.h"
+#include "util/Text.h"
 
 namespace rowlark::terminal {
 namespace {
@@ -127,11 +128,9 @@ class Painter final : public controls::Visitor {
                         : label.Link      ? Style::Link
                         : label.Enabled() ? Style::Normal
                                           : Style::Dim;
-    std::u16string_view rest = label.Caption();
-    for (int32_t y = area.top; !rest.empty(); ++y) {
-      const auto end = std::min(rest.find(u"\r\n"), rest.size());
-      WriteCaption(canvas_, {area.left, y}, rest.substr(0, end), style, area.width);
-      rest.remove_prefix(std::min(end + 2, rest.size()));
+    int32_t y = area.top;
+    for (const auto line : Pieces(label.Caption(), u"\r\n")) {
+      WriteCaption(canvas_, {area.left, y++}, line, style, area.width);
     }
   }
 
