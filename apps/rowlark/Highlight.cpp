@@ -26,6 +26,10 @@ bool Highlight::Covers(int32_t row, int32_t column) const {
          (columns_.empty() || std::ranges::binary_search(columns_, column));
 }
 
+bool Highlight::Matches(std::string_view stored) const {
+  return std::ranges::any_of(words_, [&](const Word& word) { return word.pattern.Matches(stored); });
+}
+
 std::vector<TextSpan> Highlight::In(std::u16string_view cell) const {
   std::vector<TextSpan> spans;
   for (const auto& word : words_) {

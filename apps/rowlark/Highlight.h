@@ -24,7 +24,11 @@ class Highlight {
   Highlight(std::u16string_view text, const clsVTRLKOptions& options, const Block& area,
             std::vector<int32_t> columns);
 
+  const Block& Area() const { return area_; }
   bool Covers(int32_t row, int32_t column) const;
+  // Whether a cell counts, by its text as the sheet stores it: folded, where letter case is of no matter.
+  bool Matches(std::string_view stored) const;
+  bool Folded() const { return mode_ == CompareMode::Text; }
   // In ascending order. With wildcards the whole cell counts.
   std::vector<TextSpan> In(std::u16string_view cell) const;
 

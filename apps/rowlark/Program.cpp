@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <stdexcept>
+#include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "util/FileSystemPlatform.h"
 #include "util/Utf.h"
@@ -15,6 +18,21 @@ std::u16string FullName(const std::filesystem::path& path) {
   std::error_code failed;
   const auto absolute = std::filesystem::absolute(path, failed);
   return platform::ToText(failed ? path : absolute);
+}
+
+// As the environment names it: "de_AT.UTF-8" is German.
+std::u16string UserLanguage() {
+  constexpr std::pair<std::string_view, std::u16string_view> kLanguages[] = {
+      {"de", u"german"}, {"en", u"english"}, {"es", u"spanish"},
+      {"fr", u"french"}, {"pl", u"polish"},  {"ru", u"russian"}};
+  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
+    if (value == nullptr || *value == 0) continue;
+    const auto language = std::string_view(value).substr(0, 2);
+    const auto known = std::ranges::find(kLanguages, language, [](const auto& pair) { return pair.first; });
+    return known == std::end(kLanguages) ? u"" : std::u16string(known->second);
+  }
+  return u"";
 }
 
 // The language files lie beside the program.
@@ -44,7 +62,7 @@ Program::Program(const ProgramArguments& arguments, host::MessagePump& pump, hos
       registry_(standalone::DefaultRegistryPaths()),
       application_(MakeRef<standalone::Application>()),
       shared_(Platform{pump, registry_, help, windows_, files_, LanguageFolder(), ConfigurationFolder(),
-                       arguments.trace}),
+                       arguments.trace, UserLanguage()}),
       forms_(shared_),
       runtime_(shared_, forms_) {
   runtime_.SetExcelApp(application_);

@@ -28,6 +28,7 @@ struct Table {
     }
     if (!arguments.sheet.empty()) Activate(ToUtf16(arguments.sheet));
     sheet = &document->ActiveSheet();
+    sheet->SetHeadRows(arguments.head_rows);
   }
 
   void Activate(const std::u16string& name) const {
@@ -71,21 +72,29 @@ class ProfileOverlay {
   const std::shared_ptr<clsVTRLKItem> own_;  // null when the workbook has none
 };
 
-// The number of a column of the table, by its letters; `option` is where they were given.
-int32_t ColumnNumber(const Table& table, const char* option, const std::string& letters) {
+// The column of these letters, one of the sheet; 0 for anything else.
+int32_t ColumnOfLetters(const Table& table, const std::string& letters) {
   const auto is_letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
-  const Ref<host::Range> used = table.sheet->UsedRange();
-  const int32_t first = used->Column();
-  const int32_t last = first + used->ColumnsCount() - 1;
-  if (!letters.empty() && std::ranges::all_of(letters, is_letter)) {
-    try {
-      const int32_t column = table.sheet->Range(ToUtf16(letters + "1"))->Column();
-      if (first <= column && column <= last) return column;
-    } catch (const host::Error&) {  // beyond the sheet, so beyond the table
-    }
+  if (letters.empty() || !std::ranges::all_of(letters, is_letter)) return 0;
+  try {
+    return table.sheet->Range(ToUtf16(letters + "1"))->Column();
+  } catch (const host::Error&) {
+    return 0;
   }
-  throw std::runtime_error(std::string(option) + ": no column '" + letters + "' in the table (" +
-                           ToUtf8(ColumnLetters(first)) + " to " + ToUtf8(ColumnLetters(last)) + ")");
+}
+
+// The number of a column of the table; `option` is where it was named.
+int32_t ColumnNumber(const Table& table, const char* option, const std::string& name) {
+  const auto used = table.sheet->UsedBlock();
+  const int32_t column = ColumnOfLetters(table, name);
+  if (used.first_column <= column && column <= used.last_column) return column;
+  for (int32_t named = used.first_column; named <= used.last_column && !name.empty(); ++named) {
+    const auto head = ToUtf16(table.sheet->Text().Cell(used.first_row, named));
+    if (Compare(head, ToUtf16(name), CompareMode::Text) == 0) return named;
+  }
+  throw std::runtime_error(std::string(option) + ": no column '" + name + "' in the table (" +
+                           ToUtf8(ColumnLetters(used.first_column)) + " to " +
+                           ToUtf8(ColumnLetters(used.last_column)) + ")");
 }
 
 void SetRange(const Table& table, const std::string& address, clsVTRLKItem& profile) {
@@ -108,27 +117,31 @@ void SetFilters(const Table& table, const std::vector<ColumnFilter>& filters) {
       throw std::runtime_error("--filter: column " + filter.column + " is filtered twice");
     }
     filtered.push_back(column);
-    const Ref<host::Range> used = table.sheet->UsedRange();
+    const auto used = table.sheet->UsedBlock();
     host::AutoFilterArguments set;
-    set.Field = column - used->Column() + 1;
+    set.Field = column - used.first_column + 1;
     set.Criteria1 = ToUtf16(filter.criterion);
-    used->AutoFilter(set);
+    table.sheet->MakeRange(used)->AutoFilter(set);
   }
 }
 
 void SetProfile(const Table& table, const SearchArguments& arguments, clsVTRLKItem& profile) {
   if (!arguments.range.empty()) SetRange(table, arguments.range, profile);
-  const auto columns = ToUtf16(arguments.columns);
-  for (const auto& name : Columns(columns).Names()) ColumnNumber(table, "--columns", ToUtf8(name));
+  std::u16string columns;
+  for (const auto& name : Columns(ToUtf16(arguments.columns)).Names())
+    columns += (columns.empty() ? u"" : u",") + ColumnLetters(ColumnNumber(table, "--columns", ToUtf8(name)));
   if (!columns.empty()) profile.SearchCols = columns;
-  if (!arguments.jump.empty()) profile.SelectCol = ColumnNumber(table, "--jump", arguments.jump);
+  if (arguments.jump.empty()) return;
+  profile.SelectCol = ColumnOfLetters(table, arguments.jump);  // also one beside the table
+  if (profile.SelectCol == 0) profile.SelectCol = ColumnNumber(table, "--jump", arguments.jump);
 }
 
-// Calls visit(RowRun) for every run of visible rows of the used range.
+// Calls visit(RowRun) for every run of visible rows below the head.
 template <class Visit>
 void ForEachVisibleRun(const Table& table, Visit&& visit) {
   if (const auto& used = table.sheet->Text().Used())
-    table.sheet->HiddenRows().ForEachRun(used->first_row, used->last_row, false, visit);
+    table.sheet->HiddenRows().ForEachRun(used->first_row + table.sheet->HeadRows(), used->last_row, false,
+                                         visit);
 }
 
 // One object on one line. The blocks may be very many, so they go out one by one.
@@ -148,7 +161,7 @@ void PrintJson(const Table& table, const host::Range& active_cell, bool found, c
 }
 
 void PrintRows(const Table& table, Print print, Output& output) {
-  ForEachVisibleRun(table, [&](RowRun run) {
+  const auto write = [&](RowRun run) {
     for (int32_t row = run.first; row <= run.last; ++row) {
       if (print == Print::Rows) {
         output.Write(std::to_string(row) + '\n');
@@ -157,7 +170,12 @@ void PrintRows(const Table& table, Print print, Output& output) {
         output.Write(table.document->LineEnd());
       }
     }
-  });
+  };
+  if (print == Print::Csv) {
+    const auto used = table.sheet->UsedBlock();
+    write({used.first_row, std::min(used.last_row, used.first_row + table.sheet->HeadRows() - 1)});
+  }
+  ForEachVisibleRun(table, write);
 }
 
 }  // namespace

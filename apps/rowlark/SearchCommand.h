@@ -14,7 +14,7 @@ namespace rowlark {
 
 enum class Print { Csv, Rows, Json };
 
-// A filter's column, by its letters, and its criterion.
+// A filter's column and its criterion.
 struct ColumnFilter {
   std::string column;
   std::string criterion;
@@ -30,12 +30,15 @@ struct SearchArguments {
   bool go_to = false;  // move to the first match and hide nothing
   // Empty: as the profile says.
   std::string range;    // an A1 address
-  std::string columns;  // letters with commas between
+  std::string columns;  // letters or names, with commas between
   std::string jump;
+  int32_t head_rows = 0;  // that are not searched, and printed before the rows found
   std::vector<ColumnFilter> filters;
   Print print = Print::Csv;
 };
 
+// A column goes by its letters or, where the table has none of these, by the text in the first row.
+//
 // Searches with the profile of the file's name or the default profile, unless arguments say otherwise, and
 // adds a text that was found to the history. Returns the exit status: 0 when a row was found, 1 when none
 // was, 2 after an error of the host. The reason for 1 and 2 goes to standard error. Throws std::runtime_error

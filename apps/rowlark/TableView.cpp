@@ -58,10 +58,10 @@ bool TableView::Navigate(const terminal::KeyPress& press) {
       to.row = end ? last : down(row, 1);
       break;
     case kKeyLeft:
-      to.column = end ? bounds.first_column : std::max(column - 1, bounds.first_column);
+      to.column = end ? view_.StepColumn(bounds.first_column - 1, 1) : view_.StepColumn(column, -1);
       break;
     case kKeyRight:
-      to.column = end ? bounds.last_column : std::min(column + 1, bounds.last_column);
+      to.column = end ? view_.StepColumn(bounds.last_column + 1, -1) : view_.StepColumn(column, 1);
       break;
     case terminal::kKeyPageUp:
     case terminal::kKeyPageDown:
@@ -86,6 +86,35 @@ bool TableView::Navigate(const terminal::KeyPress& press) {
   return true;
 }
 
+void TableView::GoTo(Cell cell) {
+  view_.Cursor().MoveTo(cell);
+  if (view_.IsColumnHidden(cell.column)) view_.SetColumnWidth(cell.column, std::nullopt);
+  reveal_ = true;
+}
+
+void TableView::WidenColumn(int32_t by) {
+  const int32_t column = view_.Cursor().At().column;
+  if (!view_.IsColumnHidden(column))
+    view_.SetColumnWidth(column, std::max(view_.ColumnWidth(column) + by, 1));
+  reveal_ = true;
+}
+
+// One at least stays.
+void TableView::HideColumn() {
+  const Cell at = view_.Cursor().At();
+  const int32_t right = view_.StepColumn(at.column, 1);
+  const int32_t next = right != at.column ? right : view_.StepColumn(at.column, -1);
+  if (next == at.column) return;
+  view_.SetColumnWidth(at.column, 0);
+  GoTo({at.row, next});
+}
+
+void TableView::FreezeColumns() {
+  view_.FreezeColumns(
+      view_.FrozenColumns() > 0 ? 0 : view_.Cursor().At().column - view_.Bounds().first_column + 1);
+  reveal_ = true;
+}
+
 void TableView::UseMouse(const terminal::MouseAction& action) {
   using Kind = terminal::MouseAction::Kind;
   constexpr int32_t kWheel = 3;  // rows
@@ -103,24 +132,50 @@ void TableView::UseMouse(const terminal::MouseAction& action) {
   reveal_ = true;
 }
 
-void TableView::Scroll(const terminal::Rect& area, bool letters) {
+// The width that a column may have: as much as its text asks while there is room for all of them.
+int32_t TableView::MostWidth(int32_t room, int32_t least) const {
+  constexpr int32_t kGap = 2;
+  const auto bounds = view_.Bounds();
+  std::vector<int32_t> widths;
+  for (int32_t column = bounds.first_column; column <= bounds.last_column; ++column) {
+    room -= kGap;
+    if (room < 0) return least;
+    if (!view_.IsColumnHidden(column)) widths.push_back(view_.NaturalWidth(column));
+  }
+  // The narrow ones take what they need, and the others share the rest.
+  std::ranges::sort(widths);
+  auto left = static_cast<int32_t>(widths.size());
+  for (const int32_t width : widths) {
+    if (width > room / left) return std::max(room / left, least);
+    room -= width;
+    --left;
+  }
+  return widths.empty() ? least : std::max(widths.back(), least);
+}
+
+void TableView::Scroll(const terminal::Rect& area, bool letters, const Matches& found) {
   constexpr int32_t kLeastWidth = 3;
   area_ = area;
   view_.Resize(area.width, area.height,
                {.letters_height = letters ? 1 : 0,
                 .number_margin = 3,
                 .least_width = kLeastWidth,
-                .most_width = std::clamp(area.width / 2, 8, 40),
+                .most_width = MostWidth(area.width - view_.HeaderWidth(), std::clamp(area.width / 2, 8, 40)),
                 .empty_width = kLeastWidth,
                 .text_margin = 0,
                 .gap = 2});
   view_.Settle();
+  // Where the user is has to show again when other rows do.
+  reveal_ |= std::exchange(layout_, Sheet().Layout()) != Sheet().Layout();
   if (!reveal_) return;
   reveal_ = false;
   const Cell at = view_.Cursor().At();
   const auto bounds = view_.Bounds();
   if (!Sheet().HiddenRows().Contains(at.row)) view_.RevealRow(at.row);
   if (at.column >= bounds.first_column && at.column <= bounds.last_column) view_.RevealColumn(at.column);
+  const auto matches = found.ColumnsIn(at.row);
+  if (!matches.empty() && !std::ranges::binary_search(matches, at.column))
+    view_.RevealColumn(matches.front());
   view_.Settle();
 }
 
@@ -129,7 +184,8 @@ void TableView::Draw(Canvas& canvas, const terminal::Rect& area, const Highlight
   const bool letters = area.height >= kRoomForLetters;
   Follow();
   if (area.height < 2 || area.width <= view_.HeaderWidth()) return;
-  Scroll(area, letters);
+  const Matches found(&Sheet(), highlight);
+  Scroll(area, letters, found);
   for (const auto& column : view_.Columns()) {
     if (!letters || column.start >= area.width) break;
     const Style style = column.index == view_.Cursor().At().column ? Style::Bold : Style::Dim;
@@ -138,19 +194,33 @@ void TableView::Draw(Canvas& canvas, const terminal::Rect& area, const Highlight
   }
   for (const auto& row : view_.Rows()) {
     DrawRow(canvas, row.index, {area.left, area.top + row.start}, highlight, focused);
+    MarkMatchesBeside(canvas, row.index, area.top + row.start, found);
   }
+}
+
+// At the edges, where matches of a row lie off the screen.
+void TableView::MarkMatchesBeside(Canvas& canvas, int32_t row, int32_t y, const Matches& found) const {
+  const auto columns = view_.Columns();
+  bool left = false;
+  bool right = false;
+  for (const int32_t match : found.ColumnsIn(row)) {
+    if (std::ranges::find(columns, match, &sheetview::Strip::index) != columns.end()) continue;
+    (match > columns.back().index ? right : left) = true;
+  }
+  if (left) canvas.Put({area_.left + view_.HeaderWidth() - 2, y}, terminal::MakeGlyph(U'‹'), Style::Match);
+  if (right) canvas.Put({area_.left + area_.width - 1, y}, terminal::MakeGlyph(U'›'), Style::Match);
 }
 
 void TableView::DrawRow(Canvas& canvas, int32_t row, terminal::Point at, const Highlight& highlight,
                         bool focused) {
-  const int32_t first = view_.Bounds().first_row;
-  const bool header = row == first;
+  const int32_t first = FirstRow();
+  const bool header = row < first;
   const auto number = ToText(row);
   const Cell here = view_.Cursor().At();
   const int32_t line = at.x + view_.HeaderWidth() - 2;
   canvas.Write({line - static_cast<int32_t>(number.size()), at.y}, number,
                row == here.row ? Style::Bold : Style::Dim);
-  const bool gap = row - 1 > first && Sheet().HiddenRows().Contains(row - 1);
+  const bool gap = row > first && Sheet().HiddenRows().Contains(row - 1);
   canvas.Put({line, at.y}, terminal::MakeGlyph(gap ? U'╪' : U'│'), gap ? Style::Gap : Style::Dim);
   CellReader reader(Sheet().Text(), false);
   for (const auto& column : view_.Columns()) {
@@ -177,8 +247,7 @@ void TableView::DrawCell(Canvas& canvas, Cell cell, const terminal::Rect& place,
   canvas.Fill(place, U' ', style);
   int32_t x = place.left;
   const int32_t end = place.left + place.width - (width > place.width ? 1 : 0);
-  if (IsNumber(stored) && width < place.width && cell.row != view_.Bounds().first_row)
-    x += place.width - width;
+  if (IsNumber(stored) && width < place.width && cell.row >= FirstRow()) x += place.width - width;
   std::u16string_view rest = text;
   auto span = spans.begin();
   while (!rest.empty()) {

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "Highlight.h"
+#include "Matches.h"
 #include "host/standalone/Worksheet.h"
 #include "host/terminal/Canvas.h"
 #include "host/terminal/Input.h"
@@ -23,12 +23,24 @@ class TableView {
   // Moves the active cell or, with Shift, what is selected. False for keys that do neither.
   bool Navigate(const terminal::KeyPress& press);
   void UseMouse(const terminal::MouseAction& action);
+  sheetview::Cell At() const { return view_.Cursor().At(); }
+  void GoTo(sheetview::Cell cell);
+  // So much wider; narrower below 0.
+  void WidenColumn(int32_t by);
+  void HideColumn();
+  void ShowColumns() { view_.ResetColumnWidths(); }
+  // The columns up to the active cell stay; none do when they did.
+  void FreezeColumns();
   // What is selected next comes to what is selected already.
   void KeepSelection() { view_.Cursor().KeepSelection(); }
 
  private:
+  // Below the head.
+  int32_t FirstRow() const { return view_.Bounds().first_row + Sheet().HeadRows(); }
   void Follow();
-  void Scroll(const terminal::Rect& area, bool letters);
+  void Scroll(const terminal::Rect& area, bool letters, const Matches& found);
+  int32_t MostWidth(int32_t room, int32_t least) const;
+  void MarkMatchesBeside(terminal::Canvas& canvas, int32_t row, int32_t y, const Matches& found) const;
   void DrawRow(terminal::Canvas& canvas, int32_t row, terminal::Point at, const Highlight& highlight,
                bool focused);
   void DrawCell(terminal::Canvas& canvas, sheetview::Cell cell, const terminal::Rect& place,
@@ -37,6 +49,7 @@ class TableView {
   sheetview::SheetView view_;
   terminal::Rect area_{};  // where it was drawn last
   bool reveal_ = true;     // the cell that the user is at has to show
+  uint64_t layout_ = 0;    // of the sheet, when it was drawn last
 };
 
 }  // namespace rowlark

@@ -29,6 +29,7 @@ void Tables::Activate(std::size_t document) {
 
 TableView& Tables::View() {
   auto& sheet = Active().ActiveSheet();
+  sheet.SetHeadRows(HeadRows);
   return views_.try_emplace(&sheet, Ref(&sheet)).first->second;
 }
 

@@ -22,6 +22,9 @@ class Tables {
   Tables(Program& program, terminal::TerminalMessagePump& pump, terminal::TerminalWindowSystem& windows)
       : program_(program), pump_(pump), windows_(windows) {}
 
+  // Of every table.
+  int32_t HeadRows = 1;
+
   // The document shows its first rows; the last one opened is the active one. Throws std::runtime_error.
   void Open(const std::filesystem::path& path, std::optional<char> separator);
   // Offers what earlier sessions left unsaved.

@@ -10,6 +10,8 @@
 #include "controls/Keyboard.h"
 #include "forms/HotKey.h"
 #include "host/Block.h"
+#include "host/standalone/CellText.h"
+#include "host/terminal/TextLines.h"
 #include "runtime/Failure.h"
 #include "settings/Macros.h"
 #include "settings/Product.h"
@@ -31,6 +33,14 @@ constexpr int32_t FKey(int32_t number) { return kKeyF1 + number - 1; }
 std::u16string OtherSide(const std::u16string& both, bool in_table) {
   const auto slash = std::min(both.find(u'/'), both.size());
   return in_table || slash == both.size() ? both.substr(0, slash) : both.substr(slash + 1);
+}
+
+// A cell as spreadsheet programs put it on the clipboard.
+std::string Quoted(std::string_view cell) {
+  if (cell.find_first_of("\t\r\n\"") == cell.npos) return std::string(cell);
+  std::string quoted = "\"";
+  for (const char c : cell) quoted.append(c == '"' ? 2 : 1, c);
+  return quoted + '"';
 }
 
 }  // namespace
@@ -58,6 +68,7 @@ TerminalProgram::~TerminalProgram() {
 }
 
 int TerminalProgram::Run(const TerminalArguments& arguments) {
+  tables_.HeadRows = arguments.head_rows;
   for (const auto& file : arguments.files) tables_.Open(file, arguments.separator);
   tables_.First();
   auto& runtime = program_.Runtime();
@@ -69,8 +80,9 @@ int TerminalProgram::Run(const TerminalArguments& arguments) {
     if (status_) break;
     const bool loading = tables_.Load();
     if (tables_.TakeLoaded()) EndLoading();
-    pump_.WaitForInput(loading ? 0 : std::numeric_limits<uint32_t>::max());
-    if (loading) pump_.Invalidate();
+    const bool busy = loading || CountMatches();
+    pump_.WaitForInput(busy ? 0 : std::numeric_limits<uint32_t>::max());
+    if (busy) pump_.Invalidate();
   }
   program_.Save();
   return *status_;
@@ -79,6 +91,7 @@ int TerminalProgram::Run(const TerminalArguments& arguments) {
 void TerminalProgram::NextTable(int32_t step) {
   tables_.Next(step);
   highlight_ = {};
+  matches_.reset();
 }
 
 // Rows that came after a search are searched too.
@@ -154,10 +167,134 @@ void TerminalProgram::evtRLRTM_Searching(bool searching) {
     const auto form = program_.Forms().Search();
     searched_ = form ? form->cboText.Text() : u"";
     highlight_ = MakeHighlight();
+    matches_.reset();
   } else {
     search_time_ = std::chrono::duration<double, std::milli>(steady_clock::now() - search_began_).count();
   }
   pump_.Invalidate();
+}
+
+bool TerminalProgram::Marked() {
+  const auto form = program_.Forms().Search();
+  return program_.Items().RowsIsGrouped || (form && !form->cboText.Text().empty());
+}
+
+bool TerminalProgram::CountMatches() {
+  constexpr auto kSlice = std::chrono::milliseconds(8);
+  if (!Marked()) {
+    matches_.reset();
+    return false;
+  }
+  if (!matches_ || !matches_->Holds()) matches_.emplace(&tables_.View().Sheet(), highlight_);
+  if (matches_->Counted()) return false;
+  matches_->Count(std::chrono::steady_clock::now() + kSlice);
+  return true;
+}
+
+void TerminalProgram::GoToMatch(bool back) {
+  auto& view = tables_.View();
+  const auto next = Marked() ? Matches(&view.Sheet(), highlight_).Next(view.At(), back) : std::nullopt;
+  if (next) {
+    view.GoTo(*next);
+  } else {
+    windows_.Beep();
+  }
+}
+
+void TerminalProgram::AskForCell() {
+  if (editor_ && editor_->Loaded()) return;
+  editor_ = MakeRef<CellEditor>(Text(u"Terminal.GoTo.Caption", u"Go to a row or cell"), u"",
+                                [this](CellEditor::End end, const std::u16string& place) {
+                                  if (end != CellEditor::End::Cancelled) GoTo(place);
+                                });
+  editor_->Open(windows_);
+}
+
+// "17" is a row, "B17" a cell.
+void TerminalProgram::GoTo(const std::u16string& place) {
+  auto& view = tables_.View();
+  const auto bounds = view.Sheet().UsedBlock();
+  const auto row = ToInteger(place);
+  sheetview::Cell cell{row.value_or(0), view.At().column};
+  if (!row) {
+    try {
+      const auto range = view.Sheet().Range(place);
+      cell = {range->Row(), range->Column()};
+    } catch (const host::Error&) {  // told below: row 0 is none
+    }
+  }
+  if (bounds.Contains(cell.row, cell.column)) {
+    view.GoTo(cell);
+  } else {
+    message_ = program_.Runtime().Language().GetText(u"Terminal.GoTo.None", u"No such place: %1", place);
+  }
+}
+
+void TerminalProgram::ShowCell() {
+  const auto [row, column] = tables_.View().At();
+  const auto text = ToUtf16(tables_.View().Sheet().Text().Cell(row, column));
+  std::vector<terminal::ListForm::Entry> lines;
+  for (const auto [begin, end] : terminal::BreakLines(text, screen_.Size().width - 6))
+    lines.push_back({text.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin))});
+  windows_.ChooseFrom(lines, 0, {1, 1});
+}
+
+void TerminalProgram::AskForCopy() {
+  const auto entry = [](const std::u16string& caption) {
+    return terminal::ListForm::Entry{PlainCaption(caption), Accelerator(caption)};
+  };
+  const int32_t chosen = windows_.ChooseFrom(
+      {entry(Text(u"Terminal.Copy.Selection", u"&Cells selected")),
+       entry(Text(u"Terminal.Copy.Row", u"&Row")), entry(Text(u"Terminal.Copy.Visible", u"&Visible rows"))},
+      0, {1, screen_.Size().height - 1});
+  if (chosen >= 0) Copy(static_cast<Copied>(chosen));
+}
+
+void TerminalProgram::Copy(Copied what) {
+  constexpr std::size_t kMost = 1 << 20;  // bytes, more than most terminals take
+  auto& view = tables_.View();
+  const auto& sheet = view.Sheet();
+  auto block = sheet.UsedBlock();
+  if (what == Copied::Row) block.first_row = block.last_row = view.At().row;
+  if (what == Copied::Selection) block = sheet.Selection().front();
+  block.last_row = std::min(block.last_row, sheet.UsedBlock().last_row);
+  block.last_column = std::min(block.last_column, sheet.UsedBlock().last_column);
+  std::string text;
+  const auto& hidden = sheet.HiddenRows();
+  standalone::CellReader reader(sheet.Text(), false);
+  for (int32_t row = hidden.Next(block.first_row, block.last_row, false);
+       row <= block.last_row && text.size() < kMost; row = hidden.Next(row + 1, block.last_row, false)) {
+    if (!text.empty()) text += '\n';
+    for (int32_t column = block.first_column; column <= block.last_column; ++column) {
+      if (column > block.first_column) text += '\t';
+      text += Quoted(reader.Cell(row, column));
+    }
+  }
+  if (text.size() >= kMost) {
+    message_ = Text(u"Terminal.Copy.TooMuch", u"Too much for the clipboard");
+  } else {
+    screen_.Copy(text);
+    message_ = Text(u"Terminal.Copy.Done", u"Copied");
+  }
+}
+
+bool TerminalProgram::ChangeColumns(const KeyPress& press) {
+  constexpr int32_t kStep = 2;
+  auto& view = tables_.View();
+  if (press.Is(kKeyLeft, kAlt)) {
+    view.WidenColumn(-kStep);
+  } else if (press.Is(kKeyRight, kAlt)) {
+    view.WidenColumn(kStep);
+  } else if (press.Is(u'H', kAlt)) {
+    view.HideColumn();
+  } else if (press.Is(u'U', kAlt)) {
+    view.ShowColumns();
+  } else if (press.Is(u'F', kAlt)) {
+    view.FreezeColumns();
+  } else {
+    return false;
+  }
+  return true;
 }
 
 void TerminalProgram::RunMacro(std::u16string_view name) {
@@ -209,12 +346,16 @@ void TerminalProgram::ShowKeys() {
                        u"Arrows, PgUp, PgDn, Home, End - move (Ctrl: to the end, Shift: select)\\n"
                        u"Insert - select one more block\\n"
                        u"F2, Enter - edit the cell\\n"
+                       u"F3, Shift+F3, n, N - next match, previous match\\n"
                        u"F4 - open a list in a form\\n"
                        u"F6 - from the table to the form and back\\n"
                        u"F7, Ctrl+PgDn, Ctrl+PgUp - another table\\n"
+                       u"F8, Ctrl+G - show the whole cell, go to a row or cell\\n"
                        u"F10 - menu\\n"
                        u"Ctrl+F, / - search form\\n"
                        u"Ctrl+Shift+F - show all rows\\n"
+                       u"Alt+Left, Right, H, U - narrower, wider, hide a column, show all\\n"
+                       u"Alt+F, Alt+C, Ctrl+Insert - freeze columns, copy as..., copy\\n"
                        u"Ctrl+S - save\\n"
                        u"Ctrl+Z - back to the shell for a while\\n"
                        u"Ctrl+Q, Ctrl+C - quit"),
@@ -257,10 +398,17 @@ void TerminalProgram::Press(const KeyPress& press) {
   if (press.Is(FKey(7)) || press.Is(terminal::kKeyPageDown, kCtrl)) return NextTable(1);
   if (press.Is(terminal::kKeyPageUp, kCtrl)) return NextTable(-1);
   if (press.Is(FKey(10)) || press.Is(u'R', kAlt)) return ShowMenu();
-  if (RunHotKey(press)) return;
+  if (press.key == FKey(3) && (press.shift & ~kShift) == 0) return GoToMatch(press.shift == kShift);
+  if (press.Is(FKey(8))) return ShowCell();
+  if (press.Is(terminal::kKeyInsert, kCtrl)) return Copy(Copied::Selection);
+  if (press.Is(u'C', kAlt)) return AskForCopy();
+  if (ChangeColumns(press) || RunHotKey(press)) return;
+  if (press.Is(u'G', kCtrl)) return AskForCell();
   if (press.Is(u'Q', kCtrl) || press.Is(u'C', kCtrl)) return Quit();
   if (press.Is(FKey(2)) || press.Is(kKeyReturn)) return Edit();
   if (press.character < U' ' || press.character == 127) return;
+  if ((press.character == U'n' || press.character == U'N') && Marked())
+    return GoToMatch(press.character == U'N');
   std::u16string text;  // typing is searching
   if (press.character != U'/') AppendUtf16(text, press.character);
   StartSearch(text);
@@ -278,10 +426,7 @@ int32_t TerminalProgram::StatusRows(int32_t height) const { return height >= 16 
 
 void TerminalProgram::Draw(terminal::Canvas& canvas, const terminal::Rect& picture,
                            const terminal::Rect& status, bool focused) {
-  const auto& items = program_.Items();
-  const auto form = program_.Forms().Search();
-  const bool marked = items.RowsIsGrouped || (form && !form->cboText.Text().empty());
-  tables_.View().Draw(canvas, picture, marked ? highlight_ : Highlight(), focused);
+  tables_.View().Draw(canvas, picture, Marked() ? highlight_ : Highlight(), focused);
   DrawStatus(canvas, {status.left, status.top}, status.width);
   if (status.height > 1) DrawKeys(canvas, {status.left, status.top + 1}, status.width, focused);
 }
@@ -290,13 +435,25 @@ void TerminalProgram::Draw(terminal::Canvas& canvas, const terminal::Rect& pictu
 std::u16string TerminalProgram::CountRows() {
   const auto& sheet = tables_.View().Sheet();
   const auto used = sheet.UsedBlock();
+  const int32_t first = used.first_row + sheet.HeadRows();
   const int32_t last = used.last_row;
-  const int32_t all = last - used.first_row;
+  const int32_t all = std::max(last - first + 1, 0);
   if (count_.sheet != &sheet || count_.layout != sheet.Layout() || count_.all != all) {
-    count_ = {&sheet, sheet.Layout(), all, sheet.HiddenRows().Count(used.first_row + 1, last, false)};
+    count_ = {&sheet, sheet.Layout(), all, sheet.HiddenRows().Count(first, last, false)};
   }
   return program_.Runtime().Language().GetText(u"Terminal.Status.Rows", u"%1 of %2 rows",
                                                {ToText(count_.visible), ToText(count_.all)});
+}
+
+std::u16string TerminalProgram::TellMatches() {
+  auto& language = program_.Runtime().Language();
+  const auto cells = ToText(matches_->Cells());
+  const auto rows = ToText(matches_->Rows());
+  const int32_t number = matches_->Number(tables_.View().At());
+  if (number == 0)
+    return language.GetText(u"Terminal.Status.Matches", u"%1 matches in %2 rows", {cells, rows});
+  return language.GetText(u"Terminal.Status.Match", u"match %1 of %2 in %3 rows",
+                          {ToText(number), cells, rows});
 }
 
 std::u16string TerminalProgram::Mode() const {
@@ -331,6 +488,8 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
   } else if (document.LoadState() == Document::State::Stopped) {
     parts.push_back(Text(u"Terminal.Status.Stopped", u"not loaded to its end"));
   }
+  if (matches_ && matches_->Holds() && matches_->Counted() && matches_->Cells() > 0)
+    parts.push_back(TellMatches());
   if (search_time_) {
     const auto tenths = static_cast<int32_t>(std::lround(*search_time_ * 10));
     parts.push_back(program_.Runtime().Language().GetText(u"Terminal.Status.Time", u"%1 ms",

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "CellEditor.h"
-#include "Highlight.h"
+#include "Matches.h"
 #include "Program.h"
 #include "Tables.h"
 #include "host/terminal/TerminalWindowSystem.h"
@@ -19,6 +19,7 @@ namespace rowlark {
 struct TerminalArguments {
   std::vector<std::filesystem::path> files;
   std::optional<char> separator;
+  int32_t head_rows = 1;
 };
 
 // The help there is: a list of the keys.
@@ -58,6 +59,19 @@ class TerminalProgram final : public terminal::Desktop {
   void Save();
   void EndLoading();
 
+  // Whether what was searched for last is marked in the table.
+  bool Marked();
+  // Looks on for matches for a little while; false when nothing is left to do.
+  bool CountMatches();
+  void GoToMatch(bool back);
+  void AskForCell();
+  void GoTo(const std::u16string& place);
+  void ShowCell();
+  enum class Copied { Selection, Row, VisibleRows };
+  void AskForCopy();
+  void Copy(Copied what);
+  bool ChangeColumns(const terminal::KeyPress& press);
+
   // Opens the search form with a text that the user has begun with.
   void StartSearch(std::u16string_view text);
   void evtRLRTM_Searching(bool searching);
@@ -78,6 +92,7 @@ class TerminalProgram final : public terminal::Desktop {
   void DrawKeys(terminal::Canvas& canvas, terminal::Point at, int32_t width, bool in_table) const;
   std::u16string Mode() const;
   std::u16string CountRows();
+  std::u16string TellMatches();
 
   Program& program_;
   terminal::Screen& screen_;
@@ -88,12 +103,13 @@ class TerminalProgram final : public terminal::Desktop {
   Tables tables_;
   bool quitting_ = false;   // the user is being asked about it
   std::u16string message_;  // what was done last, until the next key
-  Ref<CellEditor> editor_;
+  Ref<CellEditor> editor_;  // of a cell, or of the place to go to
   Connection searching_;
   std::chrono::steady_clock::time_point search_began_;
   std::optional<double> search_time_;  // milliseconds, of the last search
   std::u16string searched_;            // the text of the last search
   Highlight highlight_;
+  std::optional<Matches> matches_;
   std::optional<int> status_;  // the exit status, once the program ends
 
   struct Count {

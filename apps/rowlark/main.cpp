@@ -18,6 +18,7 @@
 #include "TerminalProgram.h"
 #include "host/Error.h"
 #include "util/FileSystemPlatform.h"
+#include "util/Text.h"
 #include "util/Utf.h"
 
 namespace {
@@ -67,6 +68,13 @@ std::string CheckSeparator(const std::string& text) {
   return is_fit ? "" : "not a separator: " + text;
 }
 
+// How many rows are a table's head: a number, or "no" for none.
+std::string CheckHeader(const std::string& text) {
+  constexpr int32_t kMost = 1000;
+  const auto rows = rowlark::ToInteger(rowlark::ToUtf16(text));
+  return text == "no" || (rows && *rows >= 0 && *rows <= kMost) ? "" : "not a number of rows: " + text;
+}
+
 std::string CheckFilter(const std::string& text) {
   return text.find('=') != std::string::npos ? "" : "not COLUMN=VALUE: " + text;
 }
@@ -96,6 +104,7 @@ class CommandLine {
     app_.footer(kExamples);
     app_.add_option("FILE", table_.files, "tables to open in the terminal: CSV, TSV, .xlsx, .ods and others")
         ->type_name("");
+    AddHeader(app_, "rows that are the table's head: always shown, never searched (default: 1)");
     AddSeparator(app_);
     AddCommon(app_);
     AddSearch();
@@ -148,6 +157,10 @@ class CommandLine {
         ->check(CheckSeparator);
   }
 
+  void AddHeader(CLI::App& command, const char* description) {
+    command.add_option("--header", header_, description)->type_name("ROWS|no")->check(CheckHeader);
+  }
+
   void AddSearch() {
     CLI::App& search = *app_.add_subcommand("search", "Search a table and print the rows that match");
     search_ = &search;
@@ -169,8 +182,12 @@ class CommandLine {
     search.add_flag("--go-to", arguments_.go_to, "hide nothing, print the address of the cell found");
     search.add_option("--range", arguments_.range, "cells to search, like A2:D500 (a filter brings its own)")
         ->type_name("CELLS");
-    search.add_option("--columns", arguments_.columns, "columns to search, like A,C")->type_name("LETTERS");
-    search.add_option("--jump", arguments_.jump, "column of the cell to go to, like C")->type_name("LETTER");
+    search
+        .add_option("--columns", arguments_.columns,
+                    "columns to search, like A,C or by the names in the first row")
+        ->type_name("COLUMNS");
+    search.add_option("--jump", arguments_.jump, "column of the cell to go to, like C")->type_name("COLUMN");
+    AddHeader(search, "rows that are the table's head: printed first, and not searched (default: no)");
     search.add_option("--filter", filters_, "filter the table first; row 1 is its header (repeatable)")
         ->type_name("COLUMN=VALUE")
         ->check(CheckFilter)
@@ -244,6 +261,10 @@ class CommandLine {
     arguments_.print = Forms().at(print_);
     if (!separator_.empty()) arguments_.separator = separator_ == "tab" ? '\t' : separator_[0];
     table_.separator = arguments_.separator;
+    if (!header_.empty()) {
+      arguments_.head_rows = rowlark::ToInteger(rowlark::ToUtf16(header_)).value_or(0);
+      table_.head_rows = arguments_.head_rows;
+    }
     for (const std::string& filter : filters_) {
       const std::size_t at = filter.find('=');
       arguments_.filters.push_back({filter.substr(0, at), filter.substr(at + 1)});
@@ -269,6 +290,7 @@ class CommandLine {
   std::string words_ = "all";
   std::string print_ = "csv";
   std::string separator_;
+  std::string header_;
   std::vector<std::string> filters_;
 };
 

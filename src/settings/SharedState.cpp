@@ -38,17 +38,18 @@ SharedState::~SharedState() {
 void SharedState::Acquire() {
   if (users_++ > 0) return;
   Terminating = false;
-  const auto read = [this](std::u16string_view value) {
-    return Registry.GetString(host::Hive::LocalMachine, kProductKey, value, u"");
+  const auto read = [this](std::u16string_view value, std::u16string_view otherwise = u"") {
+    return Registry.GetString(host::Hive::LocalMachine, kProductKey, value, otherwise);
   };
   // Beside the library unless set-up has chosen another folder; what depends on the host's current folder,
   // which anybody may fill, is below it as well.
   HelpDirectory = Folder(read(u"HelpPath"));
   if (!IsAbsolute(HelpDirectory)) HelpDirectory = Folder(Platform.LibraryFolder) + HelpDirectory;
   if (!Foundation->Language) {
-    Foundation->Language = std::make_shared<clsVTRLKLang>(clsVTRLKLang::Environment{
-        &Platform.Files, Platform.LibraryFolder, [read] { return read(u"SetupLanguage"); },
-        [this] { return HelpDirectory; }, Platform.Trace});
+    Foundation->Language = std::make_shared<clsVTRLKLang>(
+        clsVTRLKLang::Environment{&Platform.Files, Platform.LibraryFolder,
+                                  [this, read] { return read(u"SetupLanguage", Platform.UserLanguage); },
+                                  [this] { return HelpDirectory; }, Platform.Trace});
   }
   Language = Foundation->Language;
 }

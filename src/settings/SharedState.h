@@ -28,7 +28,8 @@ struct Platform {
   std::u16string LibraryFolder;  // where the language files lie
   // The user's, with a separator at its end; made when it is first needed. Empty: settings are not kept.
   std::u16string ConfigurationFolder;
-  rowlark::Trace* Trace = nullptr;  // hears of failures that nobody is told of; nothing when nobody asks
+  rowlark::Trace* Trace = nullptr;   // hears of failures that nobody is told of; nothing when nobody asks
+  std::u16string UserLanguage = {};  // base name of the language file to use where set-up has named none
 };
 
 // What the settings objects stand on. They share it by count, since a client may hold a profile, the

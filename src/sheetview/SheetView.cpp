@@ -31,7 +31,8 @@ Block SheetView::Bounds() const { return IsTable() ? sheet_->UsedBlock() : kWhol
 
 Block SheetView::Body() const {
   auto body = Bounds();
-  if (IsTable()) ++body.first_row;
+  if (IsTable()) body.first_row += sheet_->HeadRows();
+  body.first_column = std::min(body.first_column + frozen_columns_, body.last_column);
   return body;
 }
 
@@ -47,8 +48,8 @@ void SheetView::Settle() {
   ScrollToColumn(left_);
   if (!IsTable()) return;
   FillPage();
-  const int32_t last = Columns().back().index;
-  for (const auto& row : Rows()) widths_.Include(row.index, left_, last);
+  const auto columns = Columns();
+  for (const auto& row : Rows()) widths_.Include(row.index, columns.front().index, columns.back().index);
 }
 
 void SheetView::FillPage() {
@@ -74,9 +75,10 @@ std::vector<Strip> SheetView::Rows() const {
     rows.push_back({row, y, metrics_.row_height});
     y += metrics_.row_height;
   };
-  if (IsTable()) add(Bounds().first_row);
+  const auto bounds = Bounds();
+  const int32_t last = bounds.last_row;
+  for (int32_t row = bounds.first_row; IsTable() && row <= last && row < Body().first_row; ++row) add(row);
   const auto& hidden = sheet_->HiddenRows();
-  const int32_t last = Bounds().last_row;
   for (int32_t row = hidden.Next(top_, last, false); row <= last && (y < height_ || rows.empty());
        row = hidden.Next(row + 1, last, false)) {
     add(row);
@@ -88,17 +90,22 @@ std::vector<Strip> SheetView::Rows() const {
 std::vector<Strip> SheetView::Columns() const {
   std::vector<Strip> columns;
   int32_t x = HeaderWidth();
-  const int32_t last = Bounds().last_column;
-  for (int32_t column = left_; column <= last && (x < width_ || columns.empty()); ++column) {
+  const auto add = [&](int32_t column) {
+    if (IsColumnHidden(column)) return;
     columns.push_back({column, x, ColumnWidth(column)});
     x += columns.back().size + metrics_.gap;
-  }
+  };
+  const auto bounds = Bounds();
+  for (int32_t i = 0; i < frozen_columns_ && x < width_; ++i) add(bounds.first_column + i);
+  for (int32_t column = left_; column <= bounds.last_column && (x < width_ || columns.empty()); ++column)
+    add(column);
+  if (columns.empty()) columns.push_back({left_, x, ColumnWidth(left_)});
   return columns;
 }
 
 int32_t SheetView::PageRows() const {
   const int32_t rows = (height_ - HeaderHeight()) / std::max(metrics_.row_height, 1);
-  return std::max(IsTable() ? rows - 1 : rows, 1);
+  return std::max(IsTable() ? rows - sheet_->HeadRows() : rows, 1);
 }
 
 std::optional<Box> SheetView::BoxOf(const Block& area) const {
@@ -145,13 +152,13 @@ void SheetView::ScrollToRow(int32_t row) {
 }
 
 void SheetView::ScrollToColumn(int32_t column) {
-  left_ = std::clamp(column, Bounds().first_column, Bounds().last_column);
+  left_ = std::clamp(column, Body().first_column, Body().last_column);
 }
 
 void SheetView::RevealRow(int32_t row) {
   if (row < top_) return ScrollToRow(row);
   auto rows = Rows();
-  if (IsTable()) rows.erase(rows.begin());
+  std::erase_if(rows, [this](const Strip& strip) { return IsTable() && strip.index < Body().first_row; });
   const auto whole = std::min(rows.size(), static_cast<std::size_t>(PageRows()));
   if (whole > 0 && row > rows[whole - 1].index) {
     ScrollToRow(StepRows(*sheet_, row, 1 - PageRows(), Body()));
@@ -159,21 +166,57 @@ void SheetView::RevealRow(int32_t row) {
 }
 
 void SheetView::RevealColumn(int32_t column) {
+  const auto bounds = Bounds();
+  if (column < bounds.first_column + frozen_columns_) return;
   if (column < left_) return ScrollToColumn(column);
+  const auto taken = [this](int32_t one) {
+    return IsColumnHidden(one) ? 0 : metrics_.gap + ColumnWidth(one);
+  };
   int32_t first = column;
-  for (int32_t room = width_ - HeaderWidth() - ColumnWidth(first); first > left_; --first) {
-    room -= metrics_.gap + ColumnWidth(first - 1);
+  int32_t room = width_ - HeaderWidth() - ColumnWidth(first);
+  for (int32_t i = 0; i < frozen_columns_; ++i) room -= taken(bounds.first_column + i);
+  for (; first > left_; --first) {
+    room -= taken(first - 1);
     if (room < 0) break;
   }
   ScrollToColumn(std::max(first, left_));
 }
 
-int32_t SheetView::ColumnWidth(int32_t column) const {
+int32_t SheetView::NaturalWidth(int32_t column) const {
   const auto version = sheet_->Text().Version();
   if (!IsTable() && std::exchange(widths_version_, version) != version) widths_.Forget();
   const int32_t text = widths_.TextWidth(column, metrics_.head_margin);
-  return text == 0 ? metrics_.empty_width
-                   : std::clamp(text + metrics_.text_margin, metrics_.least_width, metrics_.most_width);
+  return text == 0 ? metrics_.empty_width : std::max(text + metrics_.text_margin, metrics_.least_width);
+}
+
+int32_t SheetView::ColumnWidth(int32_t column) const {
+  const auto own = own_widths_.find(column);
+  if (own != own_widths_.end()) return own->second;
+  return std::min(NaturalWidth(column), std::max(metrics_.most_width, metrics_.empty_width));
+}
+
+void SheetView::SetColumnWidth(int32_t column, std::optional<int32_t> width) {
+  own_widths_.erase(column);
+  if (width) own_widths_[column] = *width == 0 ? 0 : std::max(*width, metrics_.least_width);
+}
+
+bool SheetView::IsColumnHidden(int32_t column) const {
+  const auto own = own_widths_.find(column);
+  return own != own_widths_.end() && own->second == 0;
+}
+
+int32_t SheetView::StepColumn(int32_t column, int32_t step) const {
+  const auto bounds = Bounds();
+  for (int32_t next = column + step; next >= bounds.first_column && next <= bounds.last_column;
+       next += step) {
+    if (!IsColumnHidden(next)) return next;
+  }
+  return column;
+}
+
+void SheetView::FreezeColumns(int32_t columns) {
+  frozen_columns_ = std::clamp(columns, 0, Bounds().last_column - Bounds().first_column);
+  ScrollToColumn(left_);
 }
 
 }  // namespace rowlark::sheetview

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -46,7 +47,7 @@ class SheetView {
  public:
   enum class Extent {
     Sheet,  // all cells there can be; columns follow what is in their first rows
-    Table,  // those in use, the first row being a head that always shows; columns only grow
+    Table,  // those in use, the sheet's head always showing; columns only grow
   };
   enum class Part { Corner, RowHeader, ColumnHeader, Cell };
   struct Hit {
@@ -95,6 +96,17 @@ class SheetView {
   void RevealColumn(int32_t column);
 
   int32_t ColumnWidth(int32_t column) const;
+  // What its text asks for.
+  int32_t NaturalWidth(int32_t column) const;
+  // The user's own width of a column, 0 for one that is not to show; nothing: as its text asks.
+  void SetColumnWidth(int32_t column, std::optional<int32_t> width);
+  void ResetColumnWidths() { own_widths_.clear(); }
+  bool IsColumnHidden(int32_t column) const;
+  // The next column that shows, `column` itself when there is none.
+  int32_t StepColumn(int32_t column, int32_t step) const;
+  // So many of the first columns show always.
+  void FreezeColumns(int32_t columns);
+  int32_t FrozenColumns() const { return frozen_columns_; }
 
  private:
   bool IsTable() const { return extent_ == Extent::Table; }
@@ -110,6 +122,8 @@ class SheetView {
   int32_t height_ = 0;
   int32_t top_;
   int32_t left_;
+  int32_t frozen_columns_ = 0;
+  std::map<int32_t, int32_t> own_widths_;
   mutable ColumnWidths widths_;  // of the text as it was at widths_version_
   mutable uint64_t widths_version_ = 0;
 };

@@ -39,6 +39,7 @@ const std::regex kTogether[] = {
     std::regex(R"(Search\.UI\.(?!BtnMode\.Jump).*)"),  // or edits it
     std::regex(R"(Edit\.UI\..*)"),                     // also the buttons of every question
     std::regex(R"(Options\.UI\.Toolbar\..*\.Caption)"),
+    std::regex(R"(Terminal\.Copy\..*)"),
     std::regex(R"(Terminal\.Save\..*|Edit\.UI\.BtnClose)"),
     std::regex(R"(Terminal\.Recovery\..*|Terminal\.Save\.Discard)")};
 

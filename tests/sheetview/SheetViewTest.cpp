@@ -142,6 +142,7 @@ TEST_F(SheetViewTest, AreasAreAddedExtendedAndForgotten) {
 // Only cells in use, below a head that stays: one row a line and a digit a unit, as on a terminal.
 TEST_F(SheetViewTest, ATableKeepsItsHeadAndFillsThePage) {
   int32_t most = 6;
+  sheet_->SetHeadRows(1);
   SheetView table(
       sheet_, [](std::string_view text) { return static_cast<int32_t>(text.size()); },
       SheetView::Extent::Table);

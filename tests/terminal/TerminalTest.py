@@ -1,5 +1,6 @@
 """The program as its users meet it on a terminal: keys and mouse in, drawn screens out. TerminalTest.py PROGRAM"""
 
+import base64
 import re
 import signal
 import sys
@@ -46,8 +47,8 @@ class Table(Session):
    5│ dan   Praha          5
    6│ eve   Kiel          41
    7│ fay   Köln-Süd       8"""
-        for columns, rows, search in ((80, 24, "6 of 6 rows │ A1:C7"), (40, 12, "A1:C7"),
-                                      (120, 40, "6 of 6 rows │ A1:C7")):
+        for columns, rows, search in ((80, 24, "6 of 6 rows │ A2:C7"), (40, 12, "A2:C7"),
+                                      (120, 40, "6 of 6 rows │ A2:C7")):
             terminal = self.start(columns=columns, rows=rows)
             self.assert_shows(terminal, picture)
             status = " t.csv │ A1 name".ljust(columns - len(search) - 1) + search
@@ -79,6 +80,21 @@ class Table(Session):
         terminal.press("/", "F4").wait("│  köln-xyz").press("Enter").wait("Text not found")  # the history
         terminal.press("Esc").wait_gone("Search -").press("\x1b[200~?\x1b[201~").wait("│ ?")
         terminal.press("\x1b[200~praha\r\n\x1b[201~").wait("?praha").press("Home", "Delete").wait("1 of 6 rows")
+
+    def test_goes_from_match_to_match(self):
+        self.file("wide.csv", "n,first,second,third\n" + "".join(
+            f"{i},{'koh' if i % 10 == 5 else 'x' * 60},{'y' * 60},{'a koh' if i % 10 < 6 else 'z'}\n" for i in range(1, 41)))
+        terminal = self.start("wide.csv").wait("40 of 40 rows").press("koh").wait("│ 28 matches in 24 rows")
+        terminal.wait("   2│ yyy").wait("a koh").wait("   6‹ yyy")  # where a match is, also off the screen
+        terminal.press("F3").wait("│ D2 a koh").wait("match 1 of 28 in 24 rows").press("F3", "F3").wait("match 3 of 28")
+        terminal.press("\x1b[1;2R", "\x1b[1;2R", "\x1b[1;2R").wait("match 28 of 28 in 24 rows").wait("│ D41 a koh")
+        terminal.press("Enter").wait_gone("Search -").wait("40 of 40 rows").wait("  41│ ")
+        terminal.press("C-g", "c9", "Enter").wait("│ C9 yy").press("C-g", "ZZ9", "Enter").wait("No such place: ZZ9")
+        terminal.press("M-h").wait("│ D9 z").wait_gone("yyy").press("\x1b[1;3C").press("M-u").wait("yyy")
+        terminal.press("M-f", "Home").wait("   9│   8  xx")
+        copied = terminal.press("M-c").wait("Visible rows").press("r").wait("Copied").output.split("\x1b]52;c;")[1]
+        self.assertEqual(base64.b64decode(copied.split("\a")[0]).decode(), f"8\t{'x' * 60}\t{'y' * 60}\tz")
+        self.assertEqual(self.start("--header", "no", "t.csv").press("name").wait("1 of 7 rows").text().count("cid"), 0)
 
     def test_edits_in_place(self):
         terminal = self.start().wait("6 of 6 rows")

@@ -21,15 +21,39 @@ KEYS = {
     "S-Right": "\x1b[1;2C", "S-Down": "\x1b[1;2B", "S-Tab": "\x1b[Z", "C-End": "\x1b[1;5F", "C-Home": "\x1b[1;5H",
     "C-PgDn": "\x1b[6;5~", "C-S-f": "\x1b[27;6;70~",
 }
+
+
+class Screen(pyte.Screen):
+    """The emulator's, with the two commands that move lines within the margins, which it does not know."""
+
+    def scroll_up(self, count=1, **_):
+        self._at_margin(self.index, count, bottom=True)
+
+    def scroll_down(self, count=1, **_):
+        self._at_margin(self.reverse_index, count, bottom=False)
+
+    def _at_margin(self, move, count, bottom):
+        margins = self.margins or pyte.screens.Margins(0, self.lines - 1)
+        at, self.cursor.y = self.cursor.y, margins.bottom if bottom else margins.top
+        for _ in range(count or 1):
+            move()
+        self.cursor.y = at
+
+
+class Stream(pyte.Stream):
+    csi = {**pyte.Stream.csi, "S": "scroll_up", "T": "scroll_down"}
+    events = pyte.Stream.events | {"scroll_up", "scroll_down"}
+
+
 DEADLINE = 30  # seconds that anything may take, on a slow machine under sanitizers
 
 
 class Terminal:
     def __init__(self, command, columns=80, rows=24, cwd=None, **environment):
         self.columns, self.rows = columns, rows
-        self.screen = pyte.Screen(columns, rows)
+        self.screen = Screen(columns, rows)
         self.screen.set_mode(pyte.modes.LNM)
-        self.stream = pyte.Stream(self.screen)
+        self.stream = Stream(self.screen)
         self._decoder = codecs.getincrementaldecoder("utf-8")("replace")
         self.output = ""
         variables = {k: v for k, v in os.environ.items() if k not in ("NO_COLOR", "COLUMNS", "LINES", "ESCDELAY")}

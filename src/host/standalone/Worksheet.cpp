@@ -109,7 +109,14 @@ Ref<host::Range> Worksheet::Cells(int32_t row, int32_t column) const {
   return MakeRange(Block::OfCell(row, column));
 }
 
-Ref<host::Range> Worksheet::UsedRange() const { return MakeRange(UsedBlock()); }
+Block Worksheet::BodyBlock() const {
+  auto body = UsedBlock();
+  body.first_row += head_rows_;
+  body.last_row = std::max(body.first_row, body.last_row);
+  return body;
+}
+
+Ref<host::Range> Worksheet::UsedRange() const { return MakeRange(BodyBlock()); }
 
 bool Worksheet::AutoFilterMode() const { return filter_.has_value(); }
 

@@ -63,8 +63,13 @@ class Worksheet final : public host::Worksheet {
   // While rows are still to come, cells behind the last one can not be changed.
   void SetLoading(bool loading);
   const CellText& Text() const { return text_; }
-  // What UsedRange is: A1 while no cell has had a text.
+  // The cells in use: A1 while no cell has had a text.
   Block UsedBlock() const { return text_.Used().value_or(Block::OfCell(1, 1)); }
+  // What UsedRange is: those below the head.
+  Block BodyBlock() const;
+  // How many of the first rows in use are the table's head: never part of what is searched by default.
+  int32_t HeadRows() const { return head_rows_; }
+  void SetHeadRows(int32_t rows) { head_rows_ = rows; }
   const RowSet& HiddenRows() const { return hidden_; }
   // The cells that were changed since they were loaded, with their text now. `Edits` grows with every change.
   const std::map<Cell, std::string>& Changes() const { return changes_; }
@@ -99,6 +104,7 @@ class Worksheet final : public host::Worksheet {
   std::u16string name_;
   SheetSize size_;
   CellText text_;
+  int32_t head_rows_ = 0;
   std::map<Cell, std::string> changes_;
   uint64_t edits_ = 0;
   bool loading_ = false;

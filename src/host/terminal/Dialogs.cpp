@@ -5,6 +5,7 @@
 #include "host/terminal/Glyph.h"
 #include "host/terminal/TextLines.h"
 #include "util/Text.h"
+#include "util/Utf.h"
 
 namespace rowlark::terminal {
 namespace {
@@ -44,6 +45,13 @@ MessageForm::MessageForm(std::u16string_view title, std::u16string_view text,
     row.emplace_back(button);
   }
   Activate = [this] { buttons_.front()->SetFocus(); };
+  KeyPress = [this](char16_t& character) {
+    const auto meant = [c = ToLower(char32_t{character})](const auto& button) {
+      return controls::Accelerator(button->Caption()) == c;
+    };
+    const auto button = std::ranges::find_if(buttons_, meant);
+    if (button != buttons_.end()) (*button)->UserClicked();
+  };
   SetLayout(Layout::Column({text_, Layout::Row(std::move(row))}));
   Attach(view);
   Arrange();
@@ -67,7 +75,8 @@ ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t 
   KeyDown = [this](int32_t& key, int32_t) { UseKey(key); };
   KeyPress = [this](char16_t& character) {
     const auto entry = std::ranges::find(accelerators_, ToLower(char32_t{character}));
-    if (entry != accelerators_.end()) Choose(static_cast<int32_t>(entry - accelerators_.begin()));
+    if (entry != accelerators_.end()) return Choose(static_cast<int32_t>(entry - accelerators_.begin()));
+    SelectNext(character);
   };
   Activate = [this] { list_.SetFocus(); };
   SetLayout(
@@ -84,6 +93,18 @@ void ListForm::UseKey(int32_t& key) {
   } else if (key == controls::kKeyEscape) {
     key = 0;
     Unload();
+  } else if (key == controls::kKeyHome || key == controls::kKeyEnd) {
+    list_.UserPicked(key == controls::kKeyHome ? 0 : static_cast<int32_t>(list_.Items().size()) - 1);
+  }
+}
+
+// The next entry that begins with the letter.
+void ListForm::SelectNext(char16_t letter) {
+  const int32_t count = static_cast<int32_t>(list_.Items().size());
+  for (int32_t i = 1; i <= count; ++i) {
+    const int32_t at = (list_.Selected() + i) % count;
+    std::u16string_view text = list_.Items()[static_cast<std::size_t>(at)].text;
+    if (!text.empty() && ToLower(TakeUtf16(text)) == ToLower(char32_t{letter})) return list_.UserPicked(at);
   }
 }
 

@@ -47,6 +47,7 @@ class ListForm final : public controls::Form {
 
  private:
   void UseKey(int32_t& key);
+  void SelectNext(char16_t letter);
 
   controls::ListView list_{*this, u"list"};
   std::vector<char32_t> accelerators_;

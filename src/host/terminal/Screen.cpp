@@ -119,6 +119,19 @@ constexpr NamedKey kNamedKeys[] = {{"kcuu1", controls::kKeyUp},
                                    {"kIC", kKeyInsert, controls::kShift},
                                    {"kDC", controls::kKeyDelete, controls::kShift}};
 
+std::string Base64(std::string_view bytes) {
+  constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string text;
+  for (std::size_t at = 0; at < bytes.size(); at += 3) {
+    const auto group = bytes.substr(at, 3);
+    uint32_t bits = 0;
+    for (std::size_t i = 0; i < 3; ++i)
+      bits = bits << 8 | (i < group.size() ? static_cast<unsigned char>(group[i]) : 0U);
+    for (std::size_t i = 0; i < 4; ++i) text += i <= group.size() ? kDigits[bits >> (18 - 6 * i) & 63] : '=';
+  }
+  return text;
+}
+
 // What the terminal's description says; null when it says nothing.
 const char* Capability(const char* name) {
   const char* text = tigetstr(name);
@@ -272,6 +285,11 @@ void Screen::Show(const Canvas& canvas) { library_->Show(canvas); }
 std::optional<Input> Screen::Read() { return library_->Read(); }
 int Screen::InputDescriptor() const { return STDIN_FILENO; }
 void Screen::Beep() { beep(); }
+
+void Screen::Copy(std::string_view text) {
+  std::fputs(("\033]52;c;" + Base64(text) + '\a').c_str(), stdout);
+  std::fflush(stdout);
+}
 
 void Screen::Resize() {
   winsize size{};

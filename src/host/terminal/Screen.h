@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 #include "host/terminal/Canvas.h"
 #include "host/terminal/Input.h"
@@ -28,6 +29,8 @@ class Screen {
   std::optional<Input> Read();
   int InputDescriptor() const;
   void Beep();
+  // Puts a text in UTF-8 on the clipboard, where the terminal does that for programs.
+  void Copy(std::string_view text);
 
   // The terminal has another size than before.
   void Resize();
