@@ -59,7 +59,7 @@ void ConsoleWindows::MsgBox(std::u16string_view text, host::MsgBoxIcon, std::u16
 Program::Program(const ProgramArguments& arguments, host::MessagePump& pump, host::WindowSystem& windows,
                  host::Help& help)
     : windows_(windows),
-      registry_(standalone::DefaultRegistryPaths()),
+      registry_(host::DefaultRegistryPaths()),
       application_(MakeRef<standalone::Application>()),
       shared_(Platform{pump, registry_, help, windows_, files_, LanguageFolder(), ConfigurationFolder(),
                        arguments.trace, UserLanguage()}),

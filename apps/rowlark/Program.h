@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "forms/FormSet.h"
+#include "host/fileregistry/FileRegistry.h"
 #include "host/standalone/Application.h"
-#include "host/standalone/FileRegistry.h"
 #include "host/standalone/Headless.h"
 #include "runtime/clsVTRLKRuntime.h"
 #include "tables/Document.h"
@@ -71,7 +71,7 @@ class Program {
   void ChooseLanguage(const std::string& name);
 
   host::WindowSystem& windows_;
-  standalone::FileRegistry registry_;
+  host::FileRegistry registry_;
   mclsVTFileSystem files_;
   Ref<standalone::Application> application_;
   SharedState shared_;
