@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace rowlark::platform {
 
@@ -57,20 +58,26 @@ enum class Access { Private, Ordinary };
                                              Access access, const std::function<void()>& between_steps);
 
 // While it lives, no other process holds the lock of that file, which is made when missing. Waits for its
-// turn.
+// turn, which takes moments unless the process that holds the lock has been stopped.
 class [[nodiscard]] FileLock {
  public:
-  FileLock(const std::filesystem::path& file, Access access);
-  FileLock(const FileLock&) = delete;
-  FileLock& operator=(const FileLock&) = delete;
+  static constexpr std::chrono::milliseconds kPatience{5000};
+
+  FileLock(const std::filesystem::path& file, Access access, std::chrono::milliseconds patience = kPatience);
+  FileLock(FileLock&& other) noexcept
+      : handle_(std::exchange(other.handle_, kNone)), is_taken_(other.is_taken_) {}
+  FileLock& operator=(FileLock&&) = delete;
   ~FileLock();
 
-  // False when the file could not be locked.
+  // False when the file could not be locked: another process held it all the time, or it knows no locks.
   bool Held() const noexcept { return handle_ != kNone; }
+  bool IsTaken() const noexcept { return is_taken_; }
 
  private:
   static constexpr std::intptr_t kNone = -1;
+  static constexpr std::chrono::milliseconds kPause{5};
   std::intptr_t handle_ = kNone;
+  bool is_taken_ = false;
 };
 
 }  // namespace rowlark::platform

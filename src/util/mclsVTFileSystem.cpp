@@ -115,8 +115,11 @@ bool mclsVTFileSystem::IsMissing(std::u16string_view file) const {
   return fs::status(paths_.ToNative(file), error).type() == fs::file_type::not_found;
 }
 
-platform::FileLock mclsVTFileSystem::Lock(std::u16string_view file) const {
-  return platform::FileLock(paths_.ToNative(file), access_);
+platform::FileLock mclsVTFileSystem::Lock(std::u16string_view file,
+                                          std::chrono::milliseconds patience) const {
+  platform::FileLock lock(paths_.ToNative(file), access_, patience);
+  if (lock.IsTaken()) CheckFile(std::make_error_code(std::errc::device_or_resource_busy), u"Lock", file);
+  return lock;
 }
 
 bool mclsVTFileSystem::IsPathExists(std::u16string_view directory) const {

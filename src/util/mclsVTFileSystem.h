@@ -48,8 +48,10 @@ class mclsVTFileSystem {
   // Whether a folder holds nothing but names that begin with a dot, or does not exist.
   bool IsDirEmpty(std::u16string_view directory) const;
 
-  // Waits for the lock of that file; see there.
-  platform::FileLock Lock(std::u16string_view file) const;
+  // Waits for the lock of that file; see there. One that another process keeps is a failure, one that cannot
+  // be had otherwise is not held.
+  platform::FileLock Lock(std::u16string_view file,
+                          std::chrono::milliseconds patience = platform::FileLock::kPatience) const;
 
   // Deletes a file, or a folder with everything in it. Without `force` nothing is deleted when anything of it
   // is read-only.

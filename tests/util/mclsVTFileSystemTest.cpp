@@ -47,6 +47,8 @@ TEST_F(FileSystem, FailsWithItsReasonAndChangesNothing) {
       {u"FileKill: FileFullName = 'R:\\a': ", [&] { files_.FileKill(u"R:\\a", true); }},
       {u"DirKill: DirFullPath = 'R:\\a': ", [&] { files_.DirKill(u"R:\\a"); }},
       {u"DirKill: DirFullPath = 'R:\\a\\y': ", [&] { files_.DirKill(u"R:\\a\\y"); }},
+      {u"Lock: FileFullName = 'R:\\a\\z': ",
+       [&] { const auto first = files_.Lock(u"R:\\a\\z"), second = files_.Lock(u"R:\\a\\z", {}); }},
       {u"StringRead: FileFullName = 'R:\\a': ", [&] { files_.StringRead(u"R:\\a"); }},
       {u"StringWrite: FileFullName = 'R:\\a\\b': ", [&] { files_.StringWrite(u"R:\\a\\b", u"x"); }},
       {u"StringWrite: FileFullName = 'R:\\z\\f': ", [&] { files_.StringWrite(u"R:\\z\\f", u"x"); }}};

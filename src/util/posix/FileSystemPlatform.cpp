@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -284,14 +285,16 @@ std::error_code ReplaceContent(const fs::path& file, const std::function<std::st
   return {};
 }
 
-FileLock::FileLock(const fs::path& file, Access access) {
+FileLock::FileLock(const fs::path& file, Access access, std::chrono::milliseconds patience) {
   Descriptor descriptor(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, FileMode(access)));
   if (!descriptor) return;
-  int result = 0;
-  do {
-    result = ::flock(*descriptor, LOCK_EX);
-  } while (result != 0 && errno == EINTR);
-  if (result == 0) handle_ = descriptor.release();
+  for (; ::flock(*descriptor, LOCK_EX | LOCK_NB) != 0; patience -= kPause) {
+    is_taken_ = errno == EWOULDBLOCK;
+    if (!is_taken_ || patience <= kPause) return;
+    std::this_thread::sleep_for(kPause);
+  }
+  is_taken_ = false;
+  handle_ = descriptor.release();
 }
 
 FileLock::~FileLock() { const Descriptor last(static_cast<int>(handle_)); }

@@ -188,14 +188,19 @@ std::error_code ReplaceContent(const fs::path& file, const std::function<std::st
   return {};
 }
 
-FileLock::FileLock(const fs::path& file, Access) {
+FileLock::FileLock(const fs::path& file, Access, std::chrono::milliseconds patience) {
   File handle(::CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
                             nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
   if (!handle) return;
-  OVERLAPPED whole{};
-  if (::LockFileEx(*handle, LOCKFILE_EXCLUSIVE_LOCK, 0, MAXDWORD, MAXDWORD, &whole) != 0) {
-    handle_ = reinterpret_cast<std::intptr_t>(handle.release());
+  constexpr DWORD kNow = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+  for (OVERLAPPED whole{}; ::LockFileEx(*handle, kNow, 0, MAXDWORD, MAXDWORD, &whole) == 0;
+       patience -= kPause) {
+    is_taken_ = ::GetLastError() == ERROR_LOCK_VIOLATION;
+    if (!is_taken_ || patience <= kPause) return;
+    ::Sleep(static_cast<DWORD>(kPause.count()));
   }
+  is_taken_ = false;
+  handle_ = reinterpret_cast<std::intptr_t>(handle.release());
 }
 
 FileLock::~FileLock() { const File last(reinterpret_cast<HANDLE>(handle_)); }
