@@ -106,14 +106,6 @@ Json FromLines(std::string_view text) {
     Json value;
     if (type == "dword") value = Json::parse(data, nullptr, false);
     if (type == "string") value = Json::parse('"' + data + '"', nullptr, false);
-    if ((type == "hex" || type == "hex(1)" || type == "hex(4)") &&
-        data.find_first_not_of("0123456789abcdefABCDEF \t") == data.npos) {
-      Json bytes = Json::array();
-      for (std::size_t at = 0; (at = data.find_first_not_of(" \t", at)) != data.npos; at += 2) {
-        bytes.push_back(std::strtoul(data.substr(at, 2).c_str(), nullptr, 16));
-      }
-      value = {{"type", type == "hex(1)" ? 1U : type == "hex(4)" ? 4U : 3U}, {"bytes", bytes}};
-    }
     if (name.is_string() && Decode(value)) Make(*key, ToUtf16(name.get<std::string>()), std::move(value));
   }
   return root;
