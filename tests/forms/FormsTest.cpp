@@ -14,10 +14,9 @@ using testing::Desk;
 using testing::Type;
 
 TEST(AboutForm, TellsAndCloses) {
-  for (const auto& [language, credits] :
-       {std::pair(u"english.lng", false), std::pair(u"Russian.LNG", true)}) {
+  for (const bool credits : {false, true}) {
     Desk desk;
-    desk.runtime->Language().SetLangFile(language);
+    desk.runtime->Language().SetLangFile(credits ? u"Russian.LNG" : u"english.lng");
     desk.script = {[&] {
                      const auto form = desk.forms.About();
                      EXPECT_TRUE(form->Modal() && form->Visible());
