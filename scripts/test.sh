@@ -26,4 +26,7 @@ preset() {
 
 part lint scripts/lint.sh --changed
 part program release
-for name in linux-asan fuzz win64 win32-check; do preset "$name"; done
+preset linux-asan
+part fuzz ctest --preset fuzz
+preset win64
+preset win32-check
