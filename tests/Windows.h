@@ -25,7 +25,7 @@ class ScriptedWindows final : public host::WindowSystem, public controls::View {
   int Beeps = 0;
   bool Answer = true;                  // to questions
   std::function<void()> WhileMessage;  // what happens before the user answers
-  std::vector<controls::Rect> Areas{{0, 0, 28800, 15600}, {28800, 0, 15360, 11520}};  // of the screens
+  std::vector<controls::TwipRect> Areas{{0, 0, 28800, 15600}, {28800, 0, 15360, 11520}};  // of the screens
   std::function<void(std::string)> Log;  // hears of what windows do: "frmSearch shown"
   std::vector<controls::Form*> Forms;    // those with windows
 
@@ -47,7 +47,7 @@ class ScriptedWindows final : public host::WindowSystem, public controls::View {
     Links.push_back(ToUtf8(link));
   }
   void Beep() noexcept override { ++Beeps; }
-  std::vector<controls::Rect> Screens() const noexcept override { return Areas; }
+  std::vector<controls::TwipRect> Screens() const noexcept override { return Areas; }
   intptr_t WindowOfClass(std::u16string_view class_name) const noexcept override {
     return class_name == u"XLMAIN" ? 97 : 0;
   }
@@ -66,7 +66,7 @@ class ScriptedWindows final : public host::WindowSystem, public controls::View {
     if (property == Property::Owner) Note(name + " owner " + std::to_string(form.Owner()));
     if (property == Property::Topmost) Note(name + " topmost");
     if (property == Property::Position) {
-      Note(name + " at " + std::to_string(form.Left()) + ';' + std::to_string(form.Top()));
+      Note(name + " at " + std::to_string(form.Position().x) + ';' + std::to_string(form.Position().y));
     }
     if (property == Property::Visible && form.Visible()) form.UserActivated();
   }
@@ -78,7 +78,7 @@ class ScriptedWindows final : public host::WindowSystem, public controls::View {
   int32_t TextWidth(std::u16string_view text) const noexcept override {
     return 4 * static_cast<int32_t>(text.size());
   }
-  controls::Size WindowSize(controls::Size client) const noexcept override {
+  controls::TwipSize WindowSize(controls::Size client) const noexcept override {
     return {client.width * 23, client.height * 24 + 450};
   }
 

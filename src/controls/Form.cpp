@@ -40,13 +40,12 @@ void Form::Show(bool modal) {
   Notify(Property::Visible);
 }
 
-void Form::Move(int32_t left, int32_t top) {
-  left_ = left;
-  top_ = top;
+void Form::Move(TwipPoint position) {
+  position_ = position;
   Notify(Property::Position);
 }
 
-Size Form::WindowSize() const { return view_ != nullptr ? view_->WindowSize(client_) : Size{}; }
+TwipSize Form::WindowSize() const { return view_ != nullptr ? view_->WindowSize(client_) : TwipSize{}; }
 
 void Form::Arrange() {
   const Metrics& metrics = view_ != nullptr ? view_->MetricsOf(*this) : kDialogUnits;
@@ -72,11 +71,6 @@ std::vector<Control*> Form::InTabOrder() const {
 
 void Form::UserActivated() {
   OnUser([this] { Activate.Raise(); });
-}
-
-void Form::UserMoved(int32_t left, int32_t top) {
-  left_ = left;
-  top_ = top;
 }
 
 void Form::UserResized(Size client) {

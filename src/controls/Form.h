@@ -29,11 +29,10 @@ class Form : public Control, public RefCounted {
   void Hide() { SetVisible(false); }
   bool Modal() const { return modal_; }
 
-  // Position and outer size on the screen, in twips.
-  int32_t Left() const { return left_; }
-  int32_t Top() const { return top_; }
-  Size WindowSize() const;
-  void Move(int32_t left, int32_t top);
+  // Upper left corner and outer size on the screen.
+  TwipPoint Position() const { return position_; }
+  TwipSize WindowSize() const;
+  void Move(TwipPoint position);
 
   // The host's window above which the form floats: it hides and minimises with that window and has no task
   // button of its own. 0: none.
@@ -62,7 +61,7 @@ class Form : public Control, public RefCounted {
   // What the user does. Keys go to the form first, then to the control that has the focus; what is left of
   // them is returned, 0 when they were swallowed.
   void UserActivated();
-  void UserMoved(int32_t left, int32_t top);
+  void UserMoved(TwipPoint position) { position_ = position; }
   void UserResized(Size client);
   int32_t UserKeyDown(int32_t key, int32_t shift);
   char16_t UserKeyPress(char16_t character);
@@ -100,8 +99,7 @@ class Form : public Control, public RefCounted {
   Size client_;
   Size least_;
   Size wanted_;  // by the user
-  int32_t left_ = 0;
-  int32_t top_ = 0;
+  TwipPoint position_;
   intptr_t owner_ = 0;
   bool topmost_ = false;
   bool modal_ = false;

@@ -9,13 +9,9 @@
 
 namespace rowlark::controls {
 
-// Rows with an icon, in report view. Indices count from 0; -1 is none.
+// Rows with an icon, as wide as the list. Indices count from 0; -1 is none.
 class ListView final : public Control {
  public:
-  struct Column {
-    std::u16string key;
-    int32_t width;  // dialog units; 0: what the list has
-  };
   struct Item {
     std::u16string text;
     std::u16string small_icon;  // name of a picture
@@ -26,19 +22,12 @@ class ListView final : public Control {
 
   void Accept(Visitor& visitor) override { visitor.Visit(*this); }
 
-  const std::vector<Column>& Columns() const { return columns_; }
   const std::vector<Item>& Items() const { return items_; }
-  void AddColumn(Column column) {
-    columns_.push_back(std::move(column));
-    Notify(Property::List);
-  }
   void AddItem(Item item) {
     items_.push_back(std::move(item));
     Notify(Property::List);
   }
-  // Columns and rows.
   void Clear() {
-    columns_.clear();
     items_.clear();
     selected_ = -1;
     Notify(Property::List);
@@ -69,7 +58,6 @@ class ListView final : public Control {
   }
 
  private:
-  std::vector<Column> columns_;
   std::vector<Item> items_;
   int32_t selected_ = -1;
 };

@@ -4,25 +4,13 @@
 #include <cstdint>
 #include <string_view>
 
+#include "controls/Units.h"
+
 namespace rowlark::controls {
 
 class Control;
 class Form;
 struct Metrics;
-
-struct Size {
-  int32_t width = 0;
-  int32_t height = 0;
-  friend bool operator==(const Size&, const Size&) = default;
-};
-
-struct Rect {
-  int32_t left = 0;
-  int32_t top = 0;
-  int32_t width = 0;
-  int32_t height = 0;
-  friend bool operator==(const Rect&, const Rect&) = default;
-};
 
 // What of a control was set by code, so that its window has to follow.
 enum class Property {
@@ -58,8 +46,8 @@ class View {
   // Width of a line of text in the forms' font.
   virtual int32_t TextWidth(std::u16string_view text) const noexcept = 0;
 
-  // Outer size, in twips, of a window whose inner area has that size.
-  virtual Size WindowSize(Size client) const noexcept = 0;
+  // Outer size of a window whose inner area has that size.
+  virtual TwipSize WindowSize(Size client) const noexcept = 0;
 };
 
 }  // namespace rowlark::controls

@@ -12,8 +12,6 @@
 namespace rowlark {
 namespace {
 
-constexpr double kTwipsPerPoint = 20;
-
 // The whole number that a text begins with, blanks before it allowed; 0 when it begins with none.
 int32_t LeadingNumber(std::u16string_view text) {
   text.remove_prefix(std::min(text.find_first_not_of(u' '), text.size()));
@@ -102,14 +100,14 @@ bool BaseForm::RestorePosition(std::u16string_view value_name) {
   if (stored.empty()) return false;
   const std::u16string_view position = stored;
   const auto separator = std::min(position.find(u';'), position.size());
-  MoveOntoScreen(LeadingNumber(position.substr(0, separator)),
-                 LeadingNumber(position.substr(std::min(separator + 1, position.size()))));
+  MoveOntoScreen({LeadingNumber(position.substr(0, separator)),
+                  LeadingNumber(position.substr(std::min(separator + 1, position.size())))});
   return true;
 }
 
 void BaseForm::StorePosition(std::u16string_view value_name) const {
   shared_.Registry.SetString(host::Hive::CurrentUser, kProductKey, value_name,
-                             ToText(Left()) + u";" + ToText(Top()));
+                             ToText(Position().x) + u";" + ToText(Position().y));
 }
 
 void BaseForm::CentreOverHost() noexcept {
@@ -117,26 +115,26 @@ void BaseForm::CentreOverHost() noexcept {
     const auto host = Host();
     const auto size = WindowSize();
     const auto centre = [](double begin, double length, int32_t own) {
-      return static_cast<int32_t>((begin + length / 2) * kTwipsPerPoint) - own / 2;
+      return static_cast<int32_t>((begin + length / 2) * controls::kTwipsPerPoint) - own / 2;
     };
-    MoveOntoScreen(centre(host->Left(), host->Width(), size.width),
-                   centre(host->Top(), host->Height(), size.height));
+    MoveOntoScreen(
+        {centre(host->Left(), host->Width(), size.width), centre(host->Top(), host->Height(), size.height)});
   });
 }
 
-void BaseForm::MoveOntoScreen(int32_t left, int32_t top) {
+void BaseForm::MoveOntoScreen(controls::TwipPoint position) {
   const auto size = WindowSize();
   const auto screens = shared_.Platform.Windows.Screens();
-  const auto distance = [&](const controls::Rect& screen) {
-    return Distance(left, size.width, screen.left, screen.width) +
-           Distance(top, kTitle, screen.top, screen.height);
+  const auto distance = [&](const controls::TwipRect& screen) {
+    return Distance(position.x, size.width, screen.left, screen.width) +
+           Distance(position.y, kTitle, screen.top, screen.height);
   };
   const auto nearest = std::ranges::min_element(screens, {}, distance);
   if (nearest != screens.end() && distance(*nearest) > 0) {
-    left = Within(left, size.width, nearest->left, nearest->width);
-    top = Within(top, size.height, nearest->top, nearest->height);
+    position.x = Within(position.x, size.width, nearest->left, nearest->width);
+    position.y = Within(position.y, size.height, nearest->top, nearest->height);
   }
-  Move(left, top);
+  Move(position);
 }
 
 }  // namespace rowlark

@@ -66,7 +66,7 @@ class BaseForm : public controls::Form {
   void StorePosition(std::u16string_view value_name) const;
   void CentreOverHost() noexcept;
   // Moves the form there, or as near as its title can be seen and reached on a screen.
-  void MoveOntoScreen(int32_t left, int32_t top);
+  void MoveOntoScreen(controls::TwipPoint position);
 
   SharedState& shared_;
   // Present while the form is loaded, once it has been handed over. While the form is being unloaded the

@@ -78,7 +78,6 @@ void frmOptions::ConnectField(controls::TextBox& field, controls::TextBox& autom
 void frmOptions::FillBooks() {
   lvw0.Tag = u"1";
   lvw0.Clear();
-  lvw0.AddColumn({u"NAME", 0});
   const auto add = [this](const std::u16string& text, int32_t tag) { lvw0.AddItem({text, u"EXCEL", tag}); };
   add(Text(u"Options.UI.Book.DefItem", u"<All workbooks>"), kDefaultProfile);
   const auto items = SharedItems();

@@ -11,8 +11,8 @@ namespace {
 using controls::Layout;
 using host::Hive;
 
-constexpr int32_t kTypingDelay = 300;      // milliseconds
-constexpr int32_t kDesignPosition = 2880;  // twips, from the left and from the top
+constexpr int32_t kTypingDelay = 300;  // milliseconds
+constexpr controls::TwipPoint kDesignPosition{2880, 2880};
 
 // Values of "SearchAllWords", which number the modes in another way than xeVT_SEARCH_WORDS does.
 constexpr int32_t kModeAny = 0;
@@ -77,7 +77,7 @@ void frmSearch::Form_Load() {
   tmr0.SetInterval(kTypingDelay);
   boxError.SetVisible(false);
   ApplyCaptions();  // which make the form as large as it is
-  if (!RestorePosition(u"SearchFormPosSize")) MoveOntoScreen(kDesignPosition, kDesignPosition);
+  if (!RestorePosition(u"SearchFormPosSize")) MoveOntoScreen(kDesignPosition);
   Float();
   btnClose.Tag.clear();
   shared_.SearchFormLoaded = Loaded();

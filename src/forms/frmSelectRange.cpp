@@ -34,8 +34,8 @@ frmSelectRange::frmSelectRange(SharedState& shared) : BaseForm(shared, u"frmSele
 void frmSelectRange::Form_Load() {
   ApplyCaptions();
   const auto screens = shared_.Platform.Windows.Screens();
-  const auto screen = screens.empty() ? controls::Rect{} : screens.front();
-  MoveOntoScreen(screen.left + screen.width / 2 - WindowSize().width / 2, kDesignTop);
+  const auto screen = screens.empty() ? controls::TwipRect{} : screens.front();
+  MoveOntoScreen({screen.left + screen.width / 2 - WindowSize().width / 2, kDesignTop});
   ListenToSelection(evtBook_, [this] { ShowSelection(); });
   ShowSelection();
   SetTopmost(true);

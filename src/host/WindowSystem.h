@@ -35,9 +35,9 @@ class WindowSystem {
   // The system's sound for what can not be done.
   virtual void Beep() noexcept = 0;
 
-  // The parts of the connected screens that windows may cover, in twips; the primary screen first. Empty
-  // where there is no screen.
-  virtual std::vector<controls::Rect> Screens() const noexcept = 0;
+  // The parts of the connected screens that windows may cover, the primary screen first. Empty where there is
+  // no screen.
+  virtual std::vector<controls::TwipRect> Screens() const noexcept = 0;
 
   // The first top-level window of that class; 0 when there is none.
   virtual intptr_t WindowOfClass(std::u16string_view class_name) const noexcept = 0;

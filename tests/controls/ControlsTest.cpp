@@ -44,7 +44,7 @@ struct Sample final : Form, View {
   int32_t TextWidth(std::u16string_view text) const noexcept override {
     return 5 * static_cast<int32_t>(text.size());
   }
-  controls::Size WindowSize(controls::Size client) const noexcept override { return client; }
+  controls::TwipSize WindowSize(controls::Size) const noexcept override { return {}; }
 };
 
 TEST(Controls, OptionButtonsExcludeEachOtherWithinTheirFrame) {

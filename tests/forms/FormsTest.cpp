@@ -164,7 +164,7 @@ void WholeSession(Desk& desk, const std::function<void()>& step) {
     edit([](frmEdit& cell) { PressKey(cell, controls::kKeyDown); });
     edit([](frmEdit& cell) { cell.box0.UserTyped(u"edited", 6); });
     edit([](frmEdit& cell) { cell.btnOK.UserClicked(); });
-    edit([](frmEdit& cell) { cell.UserMoved(1234, 5678); });
+    edit([](frmEdit& cell) { cell.UserMoved({1234, 5678}); });
     edit([](frmEdit& cell) { cell.UserClosed(); });
     form.btnMode.UserClicked();
     desk.script.clear();
@@ -192,7 +192,7 @@ void WholeSession(Desk& desk, const std::function<void()>& step) {
   });
   with(desk.forms.Options(), [&](frmOptions& form) { form.btnClose.UserClicked(); });
   with(desk.forms.Search(), [&](frmSearch& form) {
-    form.UserMoved(4321, 2100);
+    form.UserMoved({4321, 2100});
     form.btnClose.UserClicked();
   });
 }
@@ -213,13 +213,13 @@ TEST(Forms, AWholeSessionIsFoundAsItWasLeft) {
   options->lvw0.UserPicked(1);
   EXPECT_EQ(options->box1_Range.Text(), u"A2:B8");
   const auto search = desk.Search();
-  EXPECT_EQ(search->Left(), 4321);
-  EXPECT_EQ(search->Top(), 2100);
+  EXPECT_EQ(search->Position().x, 4321);
+  EXPECT_EQ(search->Position().y, 2100);
   EXPECT_TRUE(search->chkEditMode.Value());
   ASSERT_EQ(search->cboText.ListCount(), 1);
   EXPECT_EQ(search->cboText.List(0), u"bob");
   EXPECT_NE(search->Caption().find(u"[A2:B8]"), std::u16string::npos);
-  EXPECT_EQ(desk.Edit()->Left(), 1234);
+  EXPECT_EQ(desk.Edit()->Position().x, 1234);
 }
 
 // Whatever the host or the registry refuses, once: the forms stay usable, close, and leave everything in

@@ -191,16 +191,16 @@ TEST(EditForm, OpensWhereItWasOrWhereTheSearchFormWasOrOverTheHost) {
   Desk desk;
   auto form = desk.Edit();
   const auto size = form->WindowSize();
-  EXPECT_EQ(form->Left(), 960 * 20 / 2 - size.width / 2);
-  EXPECT_EQ(form->Top(), 540 * 20 / 2 - size.height / 2);
-  form->UserMoved(700, 800);
+  EXPECT_EQ(form->Position().x, 960 * 20 / 2 - size.width / 2);
+  EXPECT_EQ(form->Position().y, 540 * 20 / 2 - size.height / 2);
+  form->UserMoved({700, 800});
   form->UserClosed();
-  EXPECT_EQ(desk.Edit()->Left(), 700);
+  EXPECT_EQ(desk.Edit()->Position().x, 700);
   EXPECT_EQ(desk.forms.Edit()->Owner(), 1);
   desk.forms.Edit()->UserClosed();
   desk.Store(u"EditFormPosSize", u"");
   desk.Store(u"SearchFormPosSize", u"500;600");
-  EXPECT_EQ(desk.Edit()->Top(), 600);
+  EXPECT_EQ(desk.Edit()->Position().y, 600);
 }
 
 TEST(EditForm, StandsAnEmptyHost) {
@@ -222,7 +222,7 @@ TEST(RangeForm, ShowsTheSelectionAndFiltersWhatIsTyped) {
   form->Open();
   EXPECT_EQ(form->Caption(), u"Range select");
   EXPECT_TRUE(form->Topmost() && form->uVisible() && form->AllowMultipleSelection());
-  EXPECT_EQ(form->Left(), 28800 / 2 - form->WindowSize().width / 2);
+  EXPECT_EQ(form->Position().x, 28800 / 2 - form->WindowSize().width / 2);
   EXPECT_EQ(form->box0.Text(), u"A1:B2;D4");
   form->SetAllowMultipleSelection(false);
   EXPECT_EQ(form->box0.Text(), u"A1:B2");

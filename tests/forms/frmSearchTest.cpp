@@ -301,13 +301,13 @@ TEST(SearchForm, ComesBackToItsPlaceOrOntoTheNearestScreen) {
     desk.Store(u"SearchFormPosSize", stored);
     const auto form = desk.Search();
     const auto size = form->WindowSize();
-    EXPECT_EQ(form->Left(), left == kRight ? 28800 + 15360 - size.width : left) << ToUtf8(stored);
+    EXPECT_EQ(form->Position().x, left == kRight ? 28800 + 15360 - size.width : left) << ToUtf8(stored);
     if (top == kBottom) {
-      EXPECT_EQ(form->Top(), 15600 - size.height);
+      EXPECT_EQ(form->Position().y, 15600 - size.height);
       continue;
     }
-    EXPECT_EQ(form->Top(), top) << ToUtf8(stored);
-    form->UserMoved(111, 222);
+    EXPECT_EQ(form->Position().y, top) << ToUtf8(stored);
+    form->UserMoved({111, 222});
     form->UserClosed();
     EXPECT_EQ(desk.Stored(u"SearchFormPosSize"), u"111;222");
   }

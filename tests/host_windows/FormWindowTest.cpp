@@ -556,16 +556,16 @@ TEST_F(FormWindows, ReachLinksByTheKeyboardAndNameButtonsWithPictures) {
 
 TEST_F(FormWindows, RememberWhereTheUserPutsThem) {
   auto form = Search();
-  form->Move(3000, 2000);
-  const int32_t moved = form->Left();
+  form->Move({3000, 2000});
+  const int32_t moved = form->Position().x;
   ::SetWindowPos(WindowOf(*form), nullptr, 100, 80, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
-  EXPECT_NE(form->Left(), moved);
-  const auto left = form->Left();
-  const auto top = form->Top();
+  EXPECT_NE(form->Position().x, moved);
+  const auto left = form->Position().x;
+  const auto top = form->Position().y;
   form->Unload();
   form = Search();
-  EXPECT_EQ(form->Left(), left);
-  EXPECT_EQ(form->Top(), top);
+  EXPECT_EQ(form->Position().x, left);
+  EXPECT_EQ(form->Position().y, top);
   RECT area{};
   ::GetWindowRect(WindowOf(*form), &area);
   EXPECT_EQ(area.left, 100);

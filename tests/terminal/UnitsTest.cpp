@@ -279,7 +279,7 @@ struct Folding final : controls::Form, controls::View {
   void Released(Form&) noexcept override {}
   const controls::Metrics& MetricsOf(const Form&) const noexcept override { return metrics; }
   int32_t TextWidth(std::u16string_view text) const noexcept override { return WidthOf(text); }
-  Size WindowSize(Size client) const noexcept override { return client; }
+  controls::TwipSize WindowSize(Size) const noexcept override { return {}; }
 };
 
 TEST(FormLayout, IsOneTreeForEveryWidth) {

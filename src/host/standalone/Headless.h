@@ -31,7 +31,7 @@ class NoWindows : public host::WindowSystem {
   bool Ask(std::u16string_view, std::u16string_view) noexcept override { return false; }
   void OpenLink(controls::Form&, std::u16string_view) noexcept override {}
   void Beep() noexcept override {}
-  std::vector<controls::Rect> Screens() const noexcept override { return {}; }
+  std::vector<controls::TwipRect> Screens() const noexcept override { return {}; }
   intptr_t WindowOfClass(std::u16string_view) const noexcept override { return 0; }
 };
 

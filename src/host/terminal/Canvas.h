@@ -7,19 +7,14 @@
 #include <string_view>
 #include <vector>
 
-#include "controls/View.h"
+#include "controls/Units.h"
 #include "host/terminal/Glyph.h"
 
 namespace rowlark::terminal {
 
-using controls::Rect;  // here in cells
+using controls::Point;  // here in cells
+using controls::Rect;
 using controls::Size;
-
-struct Point {
-  int32_t x = 0;
-  int32_t y = 0;
-  friend bool operator==(const Point&, const Point&) = default;
-};
 
 inline bool Contains(const Rect& area, Point at) {
   return at.x >= area.left && at.x < area.left + area.width && at.y >= area.top &&

@@ -60,11 +60,6 @@ void TerminalWindowSystem::Released(Form& form) noexcept {
   pump_.Invalidate();
 }
 
-Size TerminalWindowSystem::WindowSize(Size client) const noexcept {
-  constexpr int32_t kTwips = 30;  // of a dialog unit
-  return {client.width * kTwips, client.height * kTwips};
-}
-
 TerminalWindowSystem::Window* TerminalWindowSystem::Find(const Form& form) {
   const auto found = std::ranges::find(windows_, &form, &Window::form);
   return found == windows_.end() ? nullptr : &*found;

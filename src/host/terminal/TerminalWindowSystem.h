@@ -33,8 +33,8 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
   bool Ask(std::u16string_view text, std::u16string_view title) noexcept override;
   void OpenLink(controls::Form& parent, std::u16string_view link) noexcept override;
   void Beep() noexcept override { screen_.Beep(); }
-  // Forms have places of their own here; where they would stand on a screen does not matter.
-  std::vector<Rect> Screens() const noexcept override { return {}; }
+  // Forms have places of their own here, which have nothing to do with those on a screen of windows.
+  std::vector<controls::TwipRect> Screens() const noexcept override { return {}; }
   intptr_t WindowOfClass(std::u16string_view) const noexcept override { return 0; }
 
   // Asks with buttons of one's own; the index of the one pressed, the last for Escape.
@@ -63,7 +63,7 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
     return IsDocked(form) ? docked_metrics_ : floating_metrics_;
   }
   int32_t TextWidth(std::u16string_view text) const noexcept override { return WidthOf(text); }
-  Size WindowSize(Size client) const noexcept override;
+  controls::TwipSize WindowSize(Size /*client*/) const noexcept override { return {}; }
 
   bool IsDocked(const controls::Form& form) const { return docked_.contains(form.Name); }
   Window* Find(const controls::Form& form);

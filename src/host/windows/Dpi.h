@@ -4,6 +4,8 @@
 
 #include <windows.h>
 
+#include "controls/Units.h"
+
 namespace rowlark::windows {
 
 class Dpi {
@@ -17,6 +19,13 @@ class Dpi {
   LOGFONTW MessageFont(UINT dpi) const;
   // The outer size of a window whose inner area has that size.
   SIZE WindowSize(SIZE client, DWORD style, DWORD extended_style, UINT dpi) const;
+  // Of positions, and back.
+  int32_t Twips(LONG pixels) const {
+    return ::MulDiv(static_cast<int>(pixels), controls::kTwipsPerInch, static_cast<int>(system_));
+  }
+  int Pixels(int32_t twips) const {
+    return ::MulDiv(twips, static_cast<int>(system_), controls::kTwipsPerInch);
+  }
   int Scale(int pixels_at_96, UINT dpi) const { return ::MulDiv(pixels_at_96, static_cast<int>(dpi), 96); }
 
   // Within a scope windows are made with the pixels of their monitor, and coordinates are such pixels, also

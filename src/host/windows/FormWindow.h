@@ -76,7 +76,7 @@ class FormWindow final : public controls::View, public RefCounted {
   void Changed(controls::Control& control, controls::Property property) noexcept override;
   void Released(controls::Form& form) noexcept override;
   int32_t TextWidth(std::u16string_view text) const noexcept override;
-  controls::Size WindowSize(controls::Size client) const noexcept override;
+  controls::TwipSize WindowSize(controls::Size client) const noexcept override;
 
  private:
   FormWindow(controls::Form& form, std::shared_ptr<FormDesk> desk);
@@ -126,7 +126,6 @@ class FormWindow final : public controls::View, public RefCounted {
   void Rescale(UINT dpi);
   void LayOut();
   void StartTimer(controls::Timer& timer);
-  int32_t Twips(LONG pixels) const;
 
   std::shared_ptr<FormDesk> desk_;
   std::shared_ptr<KeyHook> keys_;

@@ -10,12 +10,6 @@ namespace rowlark::windows {
 
 using controls::Property;
 
-namespace {
-
-constexpr int kTwipsPerInch = 1440;
-
-}  // namespace
-
 void FormWindow::Changed(controls::Control& control, Property property) noexcept {
   const Ref<FormWindow> keep(this);
   // Where memory runs out the window shows what it showed.
@@ -52,11 +46,9 @@ void FormWindow::ChangedForm(Property property) {
       LayOut();
       break;
     case Property::Position: {
-      const auto pixels = [this](int32_t twips) {
-        return ::MulDiv(twips, static_cast<int>(desk_->Dpi.System()), kTwipsPerInch);
-      };
+      const auto [x, y] = form_->Position();
       const ScopedCount updating(site_.updating);
-      ::SetWindowPos(site_.window, nullptr, pixels(form_->Left()), pixels(form_->Top()), 0, 0,
+      ::SetWindowPos(site_.window, nullptr, desk_->Dpi.Pixels(x), desk_->Dpi.Pixels(y), 0, 0,
                      SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
       break;
     }
@@ -160,7 +152,7 @@ void FormWindow::Moved() {
   if (site_.updating > 0 || ::IsWindowVisible(site_.window) == 0 || ::IsIconic(site_.window) != 0) return;
   RECT area{};
   ::GetWindowRect(site_.window, &area);
-  form_->UserMoved(Twips(area.left), Twips(area.top));
+  form_->UserMoved({desk_->Dpi.Twips(area.left), desk_->Dpi.Twips(area.top)});
 }
 
 void FormWindow::Rescale(UINT dpi) {
@@ -183,14 +175,10 @@ int32_t FormWindow::TextWidth(std::u16string_view text) const noexcept {
   return AttemptOr(desk_->Trace, 0, [&] { return site_.scale->TextWidth(text); });
 }
 
-controls::Size FormWindow::WindowSize(controls::Size client) const noexcept {
+controls::TwipSize FormWindow::WindowSize(controls::Size client) const noexcept {
   const Dpi::Scope dpi(desk_->Dpi);
   const SIZE outer = OuterSize(client);
-  return {Twips(outer.cx), Twips(outer.cy)};
-}
-
-int32_t FormWindow::Twips(LONG pixels) const {
-  return ::MulDiv(static_cast<int>(pixels), kTwipsPerInch, static_cast<int>(desk_->Dpi.System()));
+  return {desk_->Dpi.Twips(outer.cx), desk_->Dpi.Twips(outer.cy)};
 }
 
 }  // namespace rowlark::windows

@@ -100,6 +100,7 @@ NativeListView::NativeListView(controls::Control& model, FormSite& site) : Nativ
          WS_EX_CLIENTEDGE);
   Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
   ::SetWindowTheme(window_, L"Explorer", nullptr);
+  SendData(LVM_INSERTCOLUMNW, 0, LVCOLUMNW{});
 }
 
 LRESULT NativeListView::Notify(const NMHDR& header) {
@@ -131,11 +132,6 @@ void NativeListView::Apply(Property property) {
 void NativeListView::FillList() {
   Send(WM_SETREDRAW, FALSE);
   Send(LVM_DELETEALLITEMS);
-  while (Send(LVM_DELETECOLUMN, 0) != 0) {
-  }
-  LVCOLUMNW column{};
-  for (std::size_t i = 0; i < List().Columns().size(); ++i) SendData(LVM_INSERTCOLUMNW, i, column);
-  FitColumns();
   Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(pictures_.Handle()));
   for (const auto& entry : List().Items()) {
     auto text = Wide(entry.text);
@@ -151,14 +147,10 @@ void NativeListView::FillList() {
   ::InvalidateRect(window_, nullptr, TRUE);
 }
 
-void NativeListView::FitColumns() {
+void NativeListView::Placed(SIZE) {
   RECT area{};
   ::GetClientRect(window_, &area);
-  for (std::size_t i = 0; i < List().Columns().size(); ++i) {
-    const int32_t units = List().Columns()[i].width;
-    const RECT pixels = site_.scale->Pixels({0, 0, units, 0});
-    Send(LVM_SETCOLUMNWIDTH, i, units > 0 ? pixels.right : area.right);
-  }
+  Send(LVM_SETCOLUMNWIDTH, 0, area.right);
 }
 
 void NativeListView::ApplyPictures() {

@@ -57,8 +57,7 @@ class NativeListView final : public NativeControl {
   void Apply(controls::Property property) override;
   void FillList() override;
   void ApplyPictures() override;
-  void Placed(SIZE) override { FitColumns(); }
-  void FitColumns();
+  void Placed(SIZE) override;
   int Selected() const;
 
   Pictures pictures_;

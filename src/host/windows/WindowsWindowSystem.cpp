@@ -15,13 +15,8 @@ namespace rowlark::windows {
 namespace {
 
 struct ScreenList {
-  int resolution;
-  std::vector<controls::Rect> screens;
-
-  int32_t Twips(LONG pixels) const {
-    constexpr int kTwipsPerInch = 1440;
-    return ::MulDiv(static_cast<int>(pixels), kTwipsPerInch, resolution);
-  }
+  const Dpi& dpi;
+  std::vector<controls::TwipRect> screens;
 
   static BOOL CALLBACK Add(HMONITOR monitor, HDC, RECT*, LPARAM list) noexcept try {
     MONITORINFO info{};
@@ -29,8 +24,9 @@ struct ScreenList {
     if (::GetMonitorInfoW(monitor, &info) == 0) return TRUE;
     auto& self = *reinterpret_cast<ScreenList*>(list);
     const RECT& area = info.rcWork;
-    const controls::Rect screen{self.Twips(area.left), self.Twips(area.top),
-                                self.Twips(area.right - area.left), self.Twips(area.bottom - area.top)};
+    const controls::TwipRect screen{self.dpi.Twips(area.left), self.dpi.Twips(area.top),
+                                    self.dpi.Twips(area.right - area.left),
+                                    self.dpi.Twips(area.bottom - area.top)};
     const bool is_primary = (info.dwFlags & MONITORINFOF_PRIMARY) != 0;
     self.screens.insert(is_primary ? self.screens.begin() : self.screens.end(), screen);
     return TRUE;
@@ -89,10 +85,10 @@ void WindowsWindowSystem::OpenLink(controls::Form&, std::u16string_view link) no
 
 void WindowsWindowSystem::Beep() noexcept { ::MessageBeep(MB_OK); }
 
-std::vector<controls::Rect> WindowsWindowSystem::Screens() const noexcept {
+std::vector<controls::TwipRect> WindowsWindowSystem::Screens() const noexcept {
   const Dpi dpi;
   const Dpi::Scope scope(dpi);
-  ScreenList list{static_cast<int>(dpi.System()), {}};
+  ScreenList list{dpi, {}};
   ::EnumDisplayMonitors(nullptr, nullptr, ScreenList::Add, reinterpret_cast<LPARAM>(&list));
   return std::move(list.screens);
 }

@@ -39,7 +39,7 @@ class WindowsWindowSystem final : public host::WindowSystem {
   void OpenLink(controls::Form& parent, std::u16string_view link) noexcept override;
   void Beep() noexcept override;
   // Twips of the system's resolution, whatever that of the screen.
-  std::vector<controls::Rect> Screens() const noexcept override;
+  std::vector<controls::TwipRect> Screens() const noexcept override;
   intptr_t WindowOfClass(std::u16string_view class_name) const noexcept override;
 
  private:
