@@ -203,7 +203,7 @@ void WorkbookWindow::RefreshFields(const standalone::Worksheet& sheet) {
   const Block cell = sheet.ActiveCell();
   if (GetFocus() != name_) {
     std::u16string address;
-    AppendAddress(address, cell);
+    standalone::AppendAddress(address, cell);
     SetText(name_, WithoutDollars(address));
   }
   if (GetFocus() != value_) SetText(value_, ToUtf16(sheet.Text().Cell(cell.first_row, cell.first_column)));
