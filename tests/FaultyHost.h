@@ -1,7 +1,8 @@
-// A host that fails one call, or every call from that one on, as a host does that is busy or has been closed.
+// Hosts that do something else first.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,15 @@
 
 namespace rowlark::testing {
 
+// Tells of every operation before it is done; what that throws comes out of the operation.
+struct WatchedHost final : host::Forwarding {
+  std::function<void(std::string_view operation)> Hear;
+  void OnCall(std::string_view operation) override {
+    if (Hear) Hear(operation);
+  }
+};
+
+// Fails one call, or every call from that one on, as a host does that is busy or has been closed.
 class FaultyHost final : public host::Forwarding {
  public:
   // The call to fail counts from 1; 0 fails none.

@@ -12,13 +12,17 @@ class ScriptedMessagePump final : public host::MessagePump {
  public:
   // Called at every pass with the number of the pass, from 1; it may call any operation, so passes may nest.
   std::function<void(int64_t pass)> OnPass;
-  uint32_t Now = 0;  // milliseconds; only waiting makes it go on
+  std::function<void()> OnWait;  // called when a wait is over
+  uint32_t Now = 0;              // milliseconds; only waiting makes it go on
 
   void ProcessMessages() noexcept override {
     ++passes_;
     if (OnPass) OnPass(passes_);
   }
-  void WaitForInput(uint32_t milliseconds) noexcept override { Now += milliseconds; }
+  void WaitForInput(uint32_t milliseconds) noexcept override {
+    Now += milliseconds;
+    if (OnWait) OnWait();
+  }
   uint32_t TickCount() const noexcept override { return Now; }
   int64_t Passes() const { return passes_; }
 

@@ -4,8 +4,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -42,16 +40,11 @@ class CommandLine : public ::testing::Test {
     const std::string command = "cd '" + folder + "' && { XDG_CONFIG_HOME='" + folder + "/config' " + runner +
                                 "'" ROWLARK_PROGRAM "' " + arguments + "; } >out 2>error </dev/null";
     const int status = std::system(command.c_str());
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, Read("out"), Read("error")};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadBytes(folder_.Path() / "out"),
+            ReadBytes(folder_.Path() / "error")};
   }
 
   const TempFolder folder_;
-
- private:
-  std::string Read(const char* name) const {
-    std::ifstream in(folder_.Path() / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
 };
 
 TEST_F(CommandLine, FindsAndPrints) {

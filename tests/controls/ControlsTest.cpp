@@ -3,14 +3,10 @@
 
 #include <map>
 
-#include "controls/Button.h"
-#include "controls/CheckBox.h"
 #include "controls/ComboBox.h"
 #include "controls/Form.h"
 #include "controls/Frame.h"
 #include "controls/Keyboard.h"
-#include "controls/Label.h"
-#include "controls/ListView.h"
 #include "controls/OptionButton.h"
 #include "controls/TextBox.h"
 #include "controls/Timer.h"
@@ -23,21 +19,16 @@ struct Sample final : Form, View {
   OptionButton a{*this, u"a"}, b{*this, u"b"}, c{*this, u"c"};
   TextBox box{*this, u"box"};
   ComboBox combo{*this, u"combo"};
-  ListView list{*this, u"list"};
-  Label label{*this, u"label"};
   Timer timer{*this, u"timer"};
   std::map<Control*, Property> told;
   bool released = false;
 
   Sample() : Form(u"Sample") {
-    label.SetCaption(u"a long label");
-    SetLayout(Layout::Column(
-        {Layout::Row({Layout::Framed(left, Layout::Column({a, b})), Layout::Framed(right, c).Wide()}),
-         Layout::Row({label, Layout(box).Wide(), combo}), Layout(list, {25, 2}).High()}));
+    SetLayout(
+        Layout::Row({Layout::Framed(left, Layout::Column({a, b})), Layout::Framed(right, c), box, combo}));
     Attach(*this);
     Load();
     Show();
-    Arrange();
   }
   void Changed(Control& control, Property property) noexcept override { told[&control] = property; }
   void Released(Form&) noexcept override { released = true; }
@@ -135,21 +126,6 @@ TEST(Controls, KeysReachTheFormFirstAndNobodyAfterItIsUnloaded) {
   form->box.SetText(u"nobody shows it");
   form->box.UserTyped(u"", 0);
   EXPECT_TRUE(form->told.empty());
-}
-
-TEST(Controls, LayoutGivesRoomToTextsAndTheRestToWhoStretches) {
-  const auto form = MakeRef<Sample>();
-  const auto right = [](const Control& control) { return control.Bounds.left + control.Bounds.width; };
-  EXPECT_EQ(form->label.Bounds.width, 62);
-  EXPECT_EQ(form->box.Bounds.width, 40);
-  EXPECT_EQ(right(form->combo), right(form->right));
-  EXPECT_EQ(form->list.Bounds.width, right(form->right) - 7);
-  EXPECT_EQ(form->c.Container, &form->right);
-  form->label.SetCaption(u"a label that is longer");
-  form->Arrange();
-  EXPECT_EQ(form->label.Bounds.width, 112);
-  EXPECT_EQ(form->ClientSize().width, right(form->right) + 7);
-  EXPECT_EQ(form->ClientSize().height, form->list.Bounds.top + form->list.Bounds.height + 7);
 }
 
 TEST(Controls, CaptionsMarkTheirAccelerator) {

@@ -264,39 +264,27 @@ TEST(Forms, SurviveEveryRefusal) {
 }
 
 TEST(Forms, AnyMessageGivesTheHostItsFlagsBack) {
-  class BusyHost final : public host::Forwarding {
-   public:
-    bool Busy = false;
-    void OnCall(std::string_view) override {
-      if (Busy) throw host::Error(1004, u"The host is busy");
-    }
+  bool busy = false;
+  testing::WatchedHost host;
+  host.Hear = [&](std::string_view) {
+    if (busy) throw host::Error(1004, u"The host is busy");
   };
-  BusyHost busy;
   Desk desk;
-  desk.Start(busy.Wrap(Ref<host::Application>(desk.application)));
+  desk.Start(host.Wrap(Ref<host::Application>(desk.application)));
   const auto form = desk.Search();
   Type(*form, u"ann");
-  desk.script = {[] {}, [&] { busy.Busy = true; }};
+  desk.script = {[] {}, [&] { busy = true; }};
   desk.windows.Elapse(300);
   EXPECT_FALSE(desk.application->ScreenUpdating() || desk.application->EnableEvents());
   PressKey(*form, controls::kKeyDown);
   EXPECT_FALSE(desk.application->EnableEvents());
-  busy.Busy = false;
+  busy = false;
   PressKey(*form, controls::kKeyDown);
   EXPECT_TRUE(desk.application->ScreenUpdating() && desk.application->EnableEvents() &&
               desk.application->EnableAnimations());
   desk.runtime->DoStop();
   desk.runtime.reset();
 }
-
-// A host that does something else first, once.
-struct CallingHost final : host::Forwarding {
-  int64_t call = 0;
-  std::function<void()> action;
-  void OnCall(std::string_view) override {
-    if (--call == 0) action();
-  }
-};
 
 // Whatever a host calls back for from the middle of an operation: forms that are on the stack end in order.
 TEST(Forms, StandEveryCallBack) {
@@ -324,16 +312,18 @@ TEST(Forms, StandEveryCallBack) {
   for (int64_t call = 1;; call += kStep) {
     SCOPED_TRACE("call " + std::to_string(call));
     Desk desk;
-    CallingHost calling;
-    calling.call = call;
-    calling.action = [&] { actions[static_cast<std::size_t>(call) % std::size(actions)](desk); };
+    int64_t left = call;
+    testing::WatchedHost calling;
+    calling.Hear = [&](std::string_view) {
+      if (--left == 0) actions[static_cast<std::size_t>(call) % std::size(actions)](desk);
+    };
     desk.runtime->SetExcelApp(calling.Wrap(Ref<host::Application>(desk.application)));
     WholeSession(desk, [] {});
     desk.runtime->DoStop();
     EXPECT_TRUE(desk.NoFormIsLeft());
     EXPECT_FALSE(desk.runtime->Searching());
     desk.runtime->SetExcelApp(nullptr);
-    if (calling.call > 0) break;
+    if (left > 0) break;
     ASSERT_LT(call, 5000);
   }
 }
@@ -366,8 +356,11 @@ TEST(Forms, MayBeUnloadedWhileTheirRuntimeGoes) {
       SCOPED_TRACE((host ? "call " : "pass ") + std::to_string(point));
       Desk desk;
       clsVTRLKRuntime other(desk.shared, desk.forms);
-      CallingHost calling;
-      calling.action = [&] { desk.runtime.reset(); };
+      int64_t left = 0;
+      testing::WatchedHost calling;
+      calling.Hear = [&](std::string_view) {
+        if (--left == 0) desk.runtime.reset();
+      };
       desk.runtime->SetExcelApp(calling.Wrap(Ref<host::Application>(desk.application)));
       desk.Options();
       Type(*desk.Search(), u"ann");
@@ -376,7 +369,7 @@ TEST(Forms, MayBeUnloadedWhileTheirRuntimeGoes) {
         if (++passes == 1) other.DoStop();
         if (passes == point + 1) desk.runtime.reset();
       };
-      calling.call = host ? point : 0;
+      left = host ? point : 0;
       host ? other.DoStop() : desk.windows.Elapse(300);
       gone = !desk.runtime;
       EXPECT_TRUE(desk.NoFormIsLeft());
@@ -394,6 +387,28 @@ TEST(Forms, AreNotOpenedWhereThereAreNoWindows) {
   desk.runtime->About();
   EXPECT_TRUE(desk.NoFormIsLeft());
   EXPECT_EQ(desk.Stored(u"SearchFormPosSize"), u"(none)");
+}
+
+TEST(Forms, StandAHostWithoutWorkbooks) {
+  Desk desk;
+  const auto search = desk.Search();
+  const auto edit = desk.Edit();
+  desk.application->Close(desk.book);
+  for (const auto* text : {u"ann", u""}) {
+    search->cboText.UserTyped(text, 0);
+    desk.windows.Elapse(300);
+    EXPECT_EQ(search->boxError.Text(), u"");
+  }
+  search->btnUnhide.UserClicked();
+  edit->box0.UserTyped(u"kept", 4);
+  PressKey(*edit, controls::kKeyDown);
+  edit->btnOK.UserClicked();
+  EXPECT_EQ(edit->box0.Text(), u"kept");
+  const auto options = desk.Options(1);
+  EXPECT_FALSE(options->btn1_SelRange.Enabled() || options->btn1_SelSearchCols.Enabled() ||
+               options->btn1_SelCol.Enabled());
+  for (controls::Form* form : std::vector(desk.windows.Forms)) form->UserClosed();
+  EXPECT_TRUE(desk.NoFormIsLeft() && desk.events.empty());
 }
 
 TEST(Forms, AreShownAgainWhenTheyAreLoaded) {

@@ -335,14 +335,6 @@ TEST(OptionsForm, PicksOnTheSheet) {
   EXPECT_EQ(form->box1_Col.Text(), u"AB");
 }
 
-TEST(OptionsForm, OffersNoPickWithoutASheet) {
-  Desk desk;
-  desk.application->Close(desk.book);
-  const auto form = desk.Options(kBooksPage);
-  EXPECT_FALSE(form->btn1_SelRange.Enabled() || form->btn1_SelSearchCols.Enabled() ||
-               form->btn1_SelCol.Enabled());
-}
-
 TEST(OptionsForm, IsGoneWhenTheLibraryEndsDuringAQuestion) {
   Desk desk;
   auto& items = *desk.runtime->Items;

@@ -80,20 +80,6 @@ TEST(SearchForm, ShowsWhyNothingWasFoundUntilSomethingIs) {
   EXPECT_EQ(form->imgExclamationErr.ToolTip(), u"");
 }
 
-TEST(SearchForm, DoesNothingWhenAllWorkbooksAreClosed) {
-  Desk desk;
-  const auto form = desk.Search();
-  desk.application->Close(desk.book);
-  for (const auto* text : {u"ann", u""}) {
-    form->cboText.UserTyped(text, 0);
-    desk.windows.Elapse(300);
-    EXPECT_EQ(form->boxError.Text(), u"");
-  }
-  form->btnUnhide.UserClicked();
-  form->UserClosed();
-  EXPECT_TRUE(desk.NoFormIsLeft() && desk.events.empty());
-}
-
 TEST(SearchForm, CtrlBackspaceDropsTheLastWord) {
   Desk desk;
   const auto form = desk.Search();
@@ -136,18 +122,6 @@ TEST(SearchForm, StepsThroughTheHistoryAndBackToWhatWasTyped) {
   EXPECT_EQ(form->cboText.ListIndex(), -1);
 }
 
-TEST(SearchForm, EscapeStopsASearchAndThenClosesTheForm) {
-  Desk desk;
-  const auto form = desk.Search();
-  Type(*form, u"ann");
-  desk.script = {[&] { PressKey(*form, controls::kKeyEscape); }};
-  desk.windows.Elapse(300);
-  EXPECT_TRUE(form->Loaded());
-  EXPECT_FALSE(form->boxError.Visible());
-  PressKey(*form, controls::kKeyEscape);
-  EXPECT_TRUE(desk.NoFormIsLeft());
-}
-
 // Typed while a search runs: the search under way gives way at every point, and the last text wins.
 TEST(SearchForm, ABurstOfTypingOverASearchEndsWithTheLastText) {
   for (const auto* last : {u"dan", u"no one"}) {
@@ -174,49 +148,44 @@ TEST(SearchForm, ABurstOfTypingOverASearchEndsWithTheLastText) {
   }
 }
 
-TEST(SearchForm, EscapeAlsoCallsOffASearchThatWaitsForAnother) {
-  for (std::size_t point = 0; point < 8; ++point) {
-    SCOPED_TRACE(point);
-    Desk desk;
-    const auto form = desk.Search();
-    Type(*form, u"ann");
-    desk.script.assign(point, [] {});
-    desk.script.emplace_back([&] {
-      form->cboText.UserTyped(u"bob", 3);
-      desk.windows.Elapse(300);
-    });
-    desk.script.emplace_back([&] { PressKey(*form, controls::kKeyEscape); });
-    desk.windows.Elapse(2000);
-    EXPECT_EQ(desk.events, "TF");
-    EXPECT_TRUE(form->Loaded());
-  }
-}
-
-TEST(SearchForm, ClosingOrShowAllDuringASearchLeavesAllRowsVisible) {
-  for (const int what : {0, 1, 2, 3}) {
+TEST(SearchForm, WhateverTheUserDoesDuringASearchBringsItToItsEnd) {
+  const auto retype = [](Desk& desk, frmSearch& form, const char16_t* text) {
+    form.cboText.UserTyped(text, 0);
+    desk.windows.Elapse(300);
+  };
+  const struct {
+    const char* what;
+    std::function<void(Desk&, frmSearch&)> act;
+    bool closes;
+    bool shows_all = true;  // rows
+  } kCases[] = {
+      {"close", [](Desk&, frmSearch& form) { form.UserClosed(); }, true},
+      {"Show All", [](Desk&, frmSearch& form) { form.btnUnhide.UserClicked(); }, false},
+      {"the end of the library", [](Desk& desk, frmSearch&) { desk.runtime->DoStop(); }, true},
+      {"an empty text", [&](Desk& desk, frmSearch& form) { retype(desk, form, u""); }, false},
+      {"Escape", [](Desk&, frmSearch& form) { PressKey(form, controls::kKeyEscape); }, false, false},
+      {"Escape, while another one waits",
+       [&](Desk& desk, frmSearch& form) {
+         desk.script.emplace_back([&] { PressKey(form, controls::kKeyEscape); });
+         retype(desk, form, u"bob");
+       },
+       false, false},
+  };
+  for (const auto& [what, act, closes, shows_all] : kCases) {
     for (std::size_t point = 0; point < 12; ++point) {
-      SCOPED_TRACE(std::to_string(what) + " at " + std::to_string(point));
+      SCOPED_TRACE(what + std::string(" at ") + std::to_string(point));
       Desk desk;
       const auto form = desk.Search();
       Type(*form, u"ann");
       desk.script.assign(point, [] {});
-      desk.script.emplace_back([&] {
-        if (what == 0) form->UserClosed();
-        if (what == 1) form->btnUnhide.UserClicked();
-        if (what == 2) desk.runtime->DoStop();
-        if (what == 3) {
-          form->cboText.UserTyped(u"", 0);
-          desk.windows.Elapse(300);
-        }
-      });
+      desk.script.emplace_back([&desk, &form, &run = act] { run(desk, *form); });
       desk.windows.Elapse(2000);
       if (!desk.script.empty()) continue;  // the search was over before
-      EXPECT_EQ(desk.Rows(), "1 2 3 4 5 6 7 8");
-      EXPECT_EQ(form->Loaded(), what == 1 || what == 3);
+      EXPECT_TRUE(!shows_all || desk.Rows() == "1 2 3 4 5 6 7 8") << desk.Rows();
+      EXPECT_TRUE(shows_all || desk.events == "TF") << desk.events;
       EXPECT_FALSE(form->boxError.Visible());
-      if (!form->Loaded()) {
-        EXPECT_TRUE(desk.NoFormIsLeft());
-      }
+      EXPECT_EQ(form->Loaded(), !closes);
+      EXPECT_EQ(desk.NoFormIsLeft(), closes);
     }
   }
 }
@@ -226,16 +195,11 @@ TEST(SearchForm, LoadsAndUnloadsInOrder) {
   desk.runtime->Items->DefaultItem->DontSaveChanges = true;
   std::vector<std::string> effects;
   const auto log = [&effects](const std::string& effect) { effects.push_back(effect); };
-  struct Watcher final : host::Forwarding {
-    std::function<void(std::string)> log;
-    void OnCall(std::string_view operation) override {
-      for (const auto* watched : {"Range.EntireRow.Hidden=", "Workbook.Saved="}) {
-        if (operation == watched) log(watched);
-      }
-    }
-  } watcher;
-  watcher.log = log;
-  desk.runtime->SetExcelApp(watcher.Wrap(Ref<host::Application>(desk.application)));
+  testing::WatchedHost watched;
+  watched.Hear = [&](std::string_view operation) {
+    if (operation == "Range.EntireRow.Hidden=" || operation == "Workbook.Saved=") log(std::string(operation));
+  };
+  desk.runtime->SetExcelApp(watched.Wrap(Ref<host::Application>(desk.application)));
   desk.Store(u"SearchFormPosSize", u"4320;2160");
   desk.windows.Log = desk.registry.Log = log;
 
@@ -435,29 +399,6 @@ TEST(SearchForm, StandsInFrontOfTheWindowThatIsInFront) {
                                            "frmSearch owner 8", "frmSearch shown"}));
 }
 
-// A search would move the active cell away from the one that is edited.
-TEST(SearchForm, SearchesOnlyWhenItIsBackFromAnEdit) {
-  Desk desk;
-  const auto form = desk.Search();
-  PressKey(*form, u'E', kCtrl);
-  Type(*form, u"bob");
-  desk.windows.Elapse(300);
-  desk.events.clear();
-  desk.script = {[&] { desk.runtime->Language().SetLangFile(u"german.lng"); },
-                 [&] { desk.windows.Elapse(1000); },
-                 [&] {
-                   EXPECT_EQ(desk.events, "");
-                   EXPECT_EQ(desk.ActiveCell(), "A3");
-                   form->cboText.UserTyped(u"dan", 3);
-                   desk.windows.Elapse(1000);
-                   desk.forms.Edit()->UserClosed();
-                 }};
-  form->btnMode.UserClicked();
-  EXPECT_EQ(desk.events, "TF");
-  EXPECT_EQ(desk.ActiveCell(), "A7");
-  EXPECT_EQ(desk.Rows(), "7");
-}
-
 TEST(SearchForm, HistoryFollowsClear) {
   Desk desk;
   desk.runtime->Items->RecentItems->Add(u"bob");
@@ -473,22 +414,30 @@ TEST(SearchForm, HistoryFollowsClear) {
   EXPECT_EQ(desk.events, "");
 }
 
-TEST(SearchForm, IsAwayWhileACellIsEdited) {
+// A search would move the active cell away from the one that is edited.
+TEST(SearchForm, IsAwayAndDoesNotSearchWhileACellIsEdited) {
   Desk desk;
   const auto form = desk.Search();
   PressKey(*form, u'E', kCtrl);
   Type(*form, u"bob");
-  desk.script.assign(20, [] {});
+  desk.script.assign(20, [] {});  // the search for it comes first
+  desk.script.emplace_back([&] { desk.runtime->Language().SetLangFile(u"german.lng"); });
+  desk.script.emplace_back([&] { desk.windows.Elapse(1000); });
   desk.script.emplace_back([&] {
-    EXPECT_TRUE(desk.shared.EditFormOpen);
-    EXPECT_FALSE(form->Visible());
+    EXPECT_TRUE(desk.shared.EditFormOpen && !form->Visible());
+    EXPECT_EQ(desk.events, "TF");
     EXPECT_EQ(desk.forms.Edit()->lblActiveCell.Caption(), u"A3");
+    form->cboText.UserTyped(u"dan", 3);
+    desk.windows.Elapse(1000);
+    EXPECT_EQ(desk.ActiveCell(), "A3");
     desk.forms.Edit()->btnClose.UserClicked();
   });
   form->btnMode.UserClicked();
-  EXPECT_TRUE(form->Visible());
-  EXPECT_FALSE(desk.shared.EditFormOpen);
+  EXPECT_TRUE(form->Visible() && !desk.shared.EditFormOpen);
   EXPECT_EQ(form->cboText.SelLength(), 3);
+  EXPECT_EQ(desk.events, "TFTF");
+  EXPECT_EQ(desk.ActiveCell(), "A7");
+  EXPECT_EQ(desk.Rows(), "7");
 
   // The library ends while the edit form is open: nothing comes back.
   desk.script = {[&] { desk.runtime->DoStop(); }};

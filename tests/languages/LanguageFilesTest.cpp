@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <regex>
 #include <set>
 #include <sstream>
 
+#include "TempFolder.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
@@ -48,15 +48,10 @@ const Texts kOtherDefaults = {{"Err.SearchHide", "Error #%1: Can't show/hide row
                               {"Options.UI.Tree.Books", "Books"},
                               {"Options.UI.Tree.Edit", "Edit"}};
 
-std::string ReadAll(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 // Key and text of every line that is not a comment. One text has no key and begins with the "=".
 Texts ReadTexts(std::string_view file) {
   static const std::regex form("(?:([A-Za-z0-9_.]+) )?= ([^ ;\t\r]([^;\t\r]*[^ ;\t\r])?)");
-  const std::string bytes = ReadAll(kFolder / "languages" / file);
+  const std::string bytes = ReadBytes(kFolder / "languages" / file);
   EXPECT_TRUE(IsValidUtf8(bytes) && !bytes.starts_with("\xEF\xBB\xBF") && bytes.ends_with('\n'));
   Texts texts;
   std::istringstream lines(bytes);
@@ -159,7 +154,7 @@ TEST(LanguageFiles, EnglishIsWhatTheSourcesSay) {
   for (const char* folder : {"src", "apps"}) {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(kFolder / folder)) {
       if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;
-      const std::string source = ReadAll(entry.path());
+      const std::string source = ReadBytes(entry.path());
       for (std::sregex_iterator it(source.begin(), source.end(), pair), end; it != end; ++it) {
         const std::string key = it->str(1) + it->str(2);
         const std::string joined = std::regex_replace(it->str(3), std::regex(R"re("\s+u")re"), "");

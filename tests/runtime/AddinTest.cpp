@@ -99,22 +99,15 @@ TEST(Menu, IsThereOnceWhateverHappens) {
   }
 }
 
-// Counts the menus that are made.
-class CountingHost final : public host::Forwarding {
- public:
-  int Menus = 0;
-  void OnCall(std::string_view operation) override {
-    Menus += operation == "CommandBar.Controls.Add" ? 1 : 0;
-  }
-};
-
 TEST(Menu, IsBuiltOnceWhenItsTextsLoadTheLanguage) {
   Addin addin;
   addin.runtime.Language().SetPath(addin.runtime.Language().Path());  // unloaded
-  CountingHost counting;
-  addin.runtime.SetExcelApp(counting.Wrap(Ref<host::Application>(addin.application)));
+  int menus = 0;
+  testing::WatchedHost watched;
+  watched.Hear = [&](std::string_view operation) { menus += operation == "CommandBar.Controls.Add" ? 1 : 0; };
+  addin.runtime.SetExcelApp(watched.Wrap(Ref<host::Application>(addin.application)));
   addin.runtime.MenuCreate();
-  EXPECT_EQ(counting.Menus, 1);
+  EXPECT_EQ(menus, 1);
   addin.runtime.SetExcelApp(nullptr);
 }
 

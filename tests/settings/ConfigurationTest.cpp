@@ -1,7 +1,6 @@
 // The configuration file: what is saved is there again, older and damaged files give what can be read.
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <functional>
 #include <random>
 
@@ -17,7 +16,7 @@ namespace {
 using host::Hive;
 using testing::Settings;
 
-// The example of a configuration that the format's description gives.
+// One of everything that a configuration holds.
 void FillExample(Settings& settings) {
   auto& item = *settings.items.DefaultItem;
   item.SetStartCol(-1);
@@ -107,23 +106,6 @@ TEST(Configuration, LoadsOntoWhatIsThere) {
   EXPECT_FALSE(directory.items.CfgSave(false));
 }
 
-std::string Bytes(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
-// Waits are noted; a script says what happens meanwhile.
-struct WaitingPump final : host::MessagePump {
-  std::function<void()> OnWait;
-  uint32_t Now = 0;
-  void ProcessMessages() noexcept override {}
-  void WaitForInput(uint32_t milliseconds) noexcept override {
-    Now += milliseconds;
-    if (OnWait) OnWait();
-  }
-  uint32_t TickCount() const noexcept override { return Now; }
-};
-
 TEST(Configuration, IsLeftAloneUntilItCouldBeRead) {
   const TempFolder folder;
   const auto file = folder.Path() / "rowlark.cfg", aside = folder.Path() / "aside";
@@ -131,13 +113,11 @@ TEST(Configuration, IsLeftAloneUntilItCouldBeRead) {
   FillExample(settings);
   settings.items.SetHotKeyUnhide(u"{F7}");
   ASSERT_TRUE(settings.items.CfgSave(false));
-  const auto stored = Bytes(file);
+  const auto stored = ReadBytes(file);
 
-  WaitingPump pump;
-  SharedState shared(
-      Platform{pump, settings.registry, settings.help, settings.windows, settings.files, u"", u""});
-  clsVTRLKItems items(shared);
-  items.CfgFileName = settings.items.CfgFileName;
+  Settings waiting(file);
+  auto& items = waiting.items;
+  auto& pump = waiting.pump;
   // A folder is there, and can not be read.
   const auto hide = [&] {
     std::filesystem::rename(file, aside);
@@ -227,7 +207,7 @@ TEST(Configuration, OfWhichSomethingIsUnreadableIsKeptBesideTheNext) {
     for (int save = 0; save < 2; ++save) {  // the second one has a whole file before it
       ASSERT_TRUE(settings.items.CfgSave(false));
       EXPECT_EQ(std::filesystem::exists(folder.Path() / "rowlark.cfg.damaged"), damaged) << bytes;
-      EXPECT_TRUE(!damaged || Bytes(folder.Path() / "rowlark.cfg.damaged") == bytes) << bytes;
+      EXPECT_TRUE(!damaged || ReadBytes(folder.Path() / "rowlark.cfg.damaged") == bytes) << bytes;
       Settings again(file);
       EXPECT_TRUE(again.items.CfgLoad());
       EXPECT_EQ(again.items.ToString(false), settings.items.ToString(false)) << bytes;
@@ -297,7 +277,7 @@ TEST(Configuration, IsSharedByTwoInstances) {
   EXPECT_EQ(file_holds(), "S|aF dS new1F new2S |four five six |{F1} {F2} 3 ");
 
   // What a damaged file lacks has not been removed by anybody.
-  folder.Write("rowlark.cfg", Bytes(file).substr(0, 250));
+  folder.Write("rowlark.cfg", ReadBytes(file).substr(0, 250));
   ASSERT_TRUE(first.items.CfgSave(false));
   EXPECT_EQ(file_holds(), "S|aF cA dF new1F |one two three five six |{F1} +^f 10 ");
 }

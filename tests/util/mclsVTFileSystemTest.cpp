@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <thread>
 
 #include "FileSystem.h"
 
@@ -108,6 +109,19 @@ TEST_F(FileSystem, ReadsEveryEncodingAndWritesUtf8) {
   EXPECT_EQ(files_.StringRead(u"R:\\text"), any);
   files_.StringWrite(u"R:\\text", u"ä");
   EXPECT_EQ(files_.BinaryRead(u"R:\\text"), (std::vector<uint8_t>{0xC3, 0xA4}));
+}
+
+// Some systems replace no file that somebody has open: then they wait for one another.
+TEST_F(FileSystem, WritersAtTheSameTimeNeverTearAFile) {
+  const auto write = [this](char16_t letter) {
+    for (int i = 0; i < 50; ++i) files_.StringWrite(u"R:\\cfg", std::u16string(20'000, letter));
+  };
+  std::thread other([&] { EXPECT_EQ(FailureOf([&] { write(u'a'); }), u""); });
+  EXPECT_EQ(FailureOf([&] { write(u'b'); }), u"");
+  other.join();
+  const std::u16string content = files_.StringRead(u"R:\\cfg");
+  EXPECT_EQ(content, std::u16string(20'000, content.front()));
+  EXPECT_EQ(Entries(), 1);
 }
 
 TEST_F(FileSystem, SetsTimes) {

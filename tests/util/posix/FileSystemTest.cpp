@@ -185,20 +185,6 @@ TEST_F(FileSystemOnPosix, LeavesAloneWhatALivingProcessWrites) {
   EXPECT_EQ(Entries(), 5);
 }
 
-TEST_F(FileSystemOnPosix, WritersAtTheSameTimeNeverTearAFile) {
-  const auto write = [this](char16_t letter, int times) {
-    while (times-- > 0) files_.StringWrite(u"R:\\cfg", std::u16string(20'000, letter));
-  };
-  write(u'c', 1);
-  const pid_t first = Start([&] { write(u'a', 50); }), second = Start([&] { write(u'b', 50); });
-  for (int round = 0; round < 200; ++round) {
-    const std::u16string content = files_.StringRead(u"R:\\cfg");
-    ASSERT_EQ(content, std::u16string(20'000, content.front()));
-  }
-  EXPECT_TRUE(Succeeds(first) && Succeeds(second));
-  EXPECT_EQ(Entries(), 1);
-}
-
 TEST_F(FileSystemOnPosix, RefusesDevicesAndLoopsOfLinks) {
   fs::create_symlink("loop", at_ / "loop");
   for (const std::u16string_view file : {u"/dev/null", u"R:\\loop"}) {

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <system_error>
@@ -20,11 +18,6 @@
 
 namespace rowlark {
 namespace {
-
-std::string Content(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 void FailEachWay(Trace* trace) {
   Attempt(trace, [] { throw AutomationError(1004, u"source", u"secret"); });
@@ -40,7 +33,7 @@ TEST(Trace, AppendsToTheFileThatTheUserNamesAndQuotesNothing) {
   ::setenv("ROWLARK_TRACE", file.c_str(), 1);
   FailEachWay(OpenTrace().get());
   FailEachWay(OpenTrace().get());
-  const auto text = Content(file);
+  const auto text = ReadBytes(file);
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 10) << text;
   EXPECT_EQ(text.find("secret"), text.npos) << text;
   for (const char* part :
