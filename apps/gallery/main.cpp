@@ -20,6 +20,8 @@
 #include "automation/Variant.h"
 #include "csv/CsvFile.h"
 #include "host/standalone/Worksheet.h"
+#include "util/windows/Handles.h"
+#include "util/windows/WideText.h"
 #include "vtrlk_runtime_h.h"
 
 namespace rowlark::gallery {
@@ -51,32 +53,38 @@ class Steps {
  public:
   explicit Steps(std::vector<std::function<void()>> steps) : steps_(std::move(steps)) {
     current = this;
-    ::SetTimer(nullptr, 0, kSettled, DoNext);
+    timer_ = ::SetTimer(nullptr, 0, kSettled, DoNext);
+  }
+  Steps(const Steps&) = delete;
+  Steps& operator=(const Steps&) = delete;
+  ~Steps() {
+    ::KillTimer(nullptr, timer_);
+    current = nullptr;
   }
   bool Done() const { return next_ == steps_.size(); }
 
  private:
-  static void CALLBACK DoNext(HWND, UINT, UINT_PTR timer, DWORD) {
-    Steps& self = *current;
-    if (self.next_ + 1 >= self.steps_.size()) ::KillTimer(nullptr, timer);
-    if (self.next_ < self.steps_.size()) self.steps_[self.next_++]();
+  static void CALLBACK DoNext(HWND, UINT, UINT_PTR, DWORD) {
+    if (current != nullptr && !current->Done()) current->steps_[current->next_++]();
   }
 
   static inline Steps* current = nullptr;  // a timer without a window is told nothing else
 
   std::vector<std::function<void()>> steps_;
   std::size_t next_ = 0;
+  UINT_PTR timer_ = 0;
 };
 
 class Gallery {
  public:
   Gallery(const std::wstring& library, const std::filesystem::path& table, std::wstring language,
           std::wstring folder)
-      : language_(std::move(language)), folder_(std::move(folder)) {
-    const HMODULE module = ::LoadLibraryW(library.c_str());
-    if (module == nullptr) throw std::runtime_error("the library can not be loaded");
+      : library_(::LoadLibraryW(library.c_str())),
+        language_(std::move(language)),
+        folder_(std::move(folder)) {
+    if (!library_) throw std::runtime_error("the library can not be loaded");
     const auto get_class = reinterpret_cast<decltype(&DllGetClassObject)>(
-        reinterpret_cast<void*>(::GetProcAddress(module, "DllGetClassObject")));
+        reinterpret_cast<void*>(::GetProcAddress(*library_, "DllGetClassObject")));
     ComPtr<IClassFactory> factory;
     Require(
         get_class(__uuidof(::clsVTRLKRuntime), IID_IClassFactory, reinterpret_cast<void**>(factory.Put())),
@@ -93,11 +101,13 @@ class Gallery {
     Require(runtime_->putref_ExcelApp(Variant(host_.get())), "host");
     ComPtr<_clsVTRLKItems> items;
     Require(runtime_->get_Items(items.Put()), "settings");
-    Require(items->put_CfgFileName(Bstr(Narrow(folder_ + L"\\gallery.cfg")).get()), "configuration");
+    Require(items->put_CfgFileName(Bstr(windows::AsUtf16((folder_ + L"\\gallery.cfg").c_str())).get()),
+            "configuration");
     Require(runtime_->Init(), "start");
     ComPtr<_clsVTRLKLang> catalogue;
     Require(runtime_->get_Language(catalogue.Put()), "language");
-    Require(catalogue->put_LangFile(Bstr(Narrow(language_ + L".lng")).get()), "language file");
+    Require(catalogue->put_LangFile(Bstr(windows::AsUtf16((language_ + L".lng").c_str())).get()),
+            "language file");
     ComPtr<_clsVTRLKItem> everything;
     ComPtr<_clsVTRLKItem> own;
     Require(items->get_DefaultItem(everything.Put()), "profile");
@@ -155,8 +165,6 @@ class Gallery {
   }
 
  private:
-  static std::u16string Narrow(const std::wstring& text) { return {text.begin(), text.end()}; }
-
   // Opens a form, does something in it, and takes its picture when it has settled.
   void Take(const wchar_t* name, const std::function<void()>& open,
             const std::function<void(HWND)>& prepare) {
@@ -192,6 +200,7 @@ class Gallery {
     }
   }
 
+  windows::LoadedLibrary library_;  // goes when nothing of it is held any more
   std::wstring language_;
   std::wstring folder_;
   Ref<standalone::Application> model_ = MakeRef<standalone::Application>();

@@ -19,7 +19,8 @@ class CellEditor final : public controls::Form {
 
   static constexpr const char16_t* kName = u"CellEditor";
 
-  CellEditor(std::u16string_view address, std::u16string_view text, EndHandler ended) : Form(kName) {
+  CellEditor(std::u16string_view address, std::u16string_view text, EndHandler ended, Trace* trace)
+      : Form(kName, trace) {
     SetCaption(address);
     box_.SetText(text);
     KeyDown = [this, ended = std::move(ended)](int32_t& key, int32_t) {

@@ -12,7 +12,8 @@ namespace rowlark {
 
 class ProgressForm final : public controls::Form {
  public:
-  ProgressForm(std::u16string_view title, std::u16string_view stop) : Form(u"ProgressForm") {
+  ProgressForm(std::u16string_view title, std::u16string_view stop, Trace* trace)
+      : Form(u"ProgressForm", trace) {
     SetCaption(title);
     stop_.SetCaption(stop);
     stop_.Cancel = true;

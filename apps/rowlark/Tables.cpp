@@ -93,7 +93,7 @@ bool Tables::Write(Document& document, const SaveOptions& options) {
   };
   const auto cancel = Text(u"Edit.UI.BtnClose", u"&Cancel");
   const uint32_t begin = pump_.TickCount();
-  const auto form = MakeRef<ProgressForm>(FileName(document), cancel);
+  const auto form = MakeRef<ProgressForm>(FileName(document), cancel, program_.Trace());
   bool shown = false;
   const bool done = document.Save(options, [&](double fraction) {
     if (pump_.TickCount() - begin < kPatience) return true;
@@ -173,10 +173,8 @@ bool Tables::MayQuit() {
 
 void Tables::KeepChanges() noexcept {
   for (const auto& document : documents_) {
-    try {
-      document->WriteRecovery(RecoveryFolder());
-    } catch (...) {  // NOLINT(bugprone-empty-catch): the other ones are to be kept all the same
-    }
+    // The other ones are to be kept all the same.
+    Attempt(program_.Trace(), [&] { document->WriteRecovery(RecoveryFolder()); });
   }
 }
 

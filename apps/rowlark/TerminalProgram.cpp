@@ -115,17 +115,17 @@ void TerminalProgram::Edit() {
   if (editor_ && editor_->Loaded()) return;
   Attempt(program_.Trace(), [this] {
     const auto cell = Require(program_.Host()->ActiveCell());
-    editor_ = MakeRef<CellEditor>(
-        PlainAddress(*cell), cell->Value(), [this, cell](CellEditor::End end, const std::u16string& text) {
-          if (end == CellEditor::End::Cancelled) return;
-          try {
-            if (text != cell->Value()) cell->SetValue(text);
-          } catch (const host::Error& error) {
-            windows_.MsgBox(error.Description(), host::MsgBoxIcon::Exclamation, kProductTitle);
-            return;
-          }
-          tables_.View().Navigate({end == CellEditor::End::Down ? kKeyDown : kKeyRight});
-        });
+    const auto ended = [this, cell](CellEditor::End end, const std::u16string& text) {
+      if (end == CellEditor::End::Cancelled) return;
+      try {
+        if (text != cell->Value()) cell->SetValue(text);
+      } catch (const host::Error& error) {
+        windows_.MsgBox(error.Description(), host::MsgBoxIcon::Exclamation, kProductTitle);
+        return;
+      }
+      tables_.View().Navigate({end == CellEditor::End::Down ? kKeyDown : kKeyRight});
+    };
+    editor_ = MakeRef<CellEditor>(PlainAddress(*cell), cell->Value(), ended, program_.Trace());
     editor_->Open(windows_);
   });
 }

@@ -58,7 +58,7 @@ void AddIn::Open() {
     Put(runtime_, L"ExcelApp", application_.get());
     Call(runtime_, L"Init");
     Call(runtime_, L"MenuCreate");
-    AssignKeys(runtime_, true);
+    AssignHotKeys(model_, KeysOf(runtime_), trace_);
   } catch (...) {
     Close();
     throw;
@@ -68,10 +68,10 @@ void AddIn::Open() {
 void AddIn::Close() noexcept {
   if (!runtime_) return;
   const Dispatch runtime = std::exchange(runtime_, {});
-  Attempt(trace_.get(), [&] { AssignKeys(runtime, false); });
-  Attempt(trace_.get(), [&] { Call(runtime, L"MenuRemove"); });
-  Attempt(trace_.get(), [&] { Call(runtime, L"DoStop"); });
-  Attempt(trace_.get(), [&] { Put(runtime, L"ExcelApp", static_cast<IDispatch*>(nullptr)); });
+  Attempt(trace_, [&] { ReleaseHotKeys(model_, KeysOf(runtime), trace_); });
+  Attempt(trace_, [&] { Call(runtime, L"MenuRemove"); });
+  Attempt(trace_, [&] { Call(runtime, L"DoStop"); });
+  Attempt(trace_, [&] { Put(runtime, L"ExcelApp", static_cast<IDispatch*>(nullptr)); });
 }
 
 void AddIn::Run(std::u16string_view name) {
@@ -104,25 +104,12 @@ void AddIn::Unhide() {
   }
 }
 
-void AddIn::AssignKeys(const Dispatch& runtime, bool assign) {
+HotKeys AddIn::KeysOf(const Dispatch& runtime) {
   Member items_member(L"Items");
   Member search(L"HotKeySearch");
   Member unhide(L"HotKeyUnhide");
   const Dispatch items = runtime.Object(items_member);
-  AssignKey(items.Text(search), assign ? NameOf(Macro::ShowSearch) : u"");
-  AssignKey(items.Text(unhide), assign ? NameOf(Macro::Unhide) : u"");
-}
-
-// Without a macro the key means again what it means to the host. A key that the host refuses is no hotkey.
-void AddIn::AssignKey(std::u16string_view key, std::u16string_view macro) noexcept {
-  if (key.empty()) return;
-  Attempt(trace_.get(), [&] {
-    if (macro.empty()) {
-      application_.Call(on_key_, key);
-    } else {
-      application_.Call(on_key_, key, macro);
-    }
-  });
+  return {items.Text(search), items.Text(unhide)};
 }
 
 }  // namespace rowlark::workbench

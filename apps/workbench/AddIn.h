@@ -2,10 +2,10 @@
 // workbook's own code does.
 #pragma once
 
-#include <memory>
 #include <string_view>
 
 #include "automation/ComPtr.h"
+#include "forms/HotKey.h"
 #include "host/windows/Dispatch.h"
 #include "util/Trace.h"
 
@@ -13,8 +13,9 @@ namespace rowlark::workbench {
 
 class AddIn {
  public:
-  // `application` is the host's automation object.
-  explicit AddIn(automation::ComPtr<IDispatch> application) : application_(std::move(application)) {}
+  // `application` is the host's automation object, `model` what it stands for.
+  AddIn(host::Application& model, automation::ComPtr<IDispatch> application, Trace* trace)
+      : model_(model), application_(std::move(application)), trace_(trace) {}
 
   // Makes the runtime object and lets it build its menu and take its keys. Throws host::Error, also when the
   // library is not registered; then there is no add-in.
@@ -27,14 +28,13 @@ class AddIn {
   void Run(std::u16string_view name);
 
  private:
-  void AssignKeys(const windows::Dispatch& runtime, bool assign);
-  void AssignKey(std::u16string_view key, std::u16string_view macro) noexcept;
+  static HotKeys KeysOf(const windows::Dispatch& runtime);
   void Unhide();
 
-  const std::unique_ptr<Trace> trace_ = OpenTrace();
+  host::Application& model_;
   windows::Dispatch application_;
   windows::Dispatch runtime_;
-  windows::Member on_key_{L"OnKey"};
+  Trace* const trace_;
 };
 
 }  // namespace rowlark::workbench

@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 
+#include "BaseWindow.h"
 #include "Resources.h"
 #include "automation/Variant.h"
 #include "util/Utf.h"
@@ -12,7 +13,7 @@
 namespace rowlark::workbench {
 namespace {
 
-using automation::Wide;
+using windows::AsWide;
 
 // Values that the menu offers; of a column that has more, those met first.
 constexpr std::size_t kMostValues = 20;
@@ -36,6 +37,7 @@ std::vector<std::u16string> ValuesOf(const standalone::Worksheet& sheet, int32_t
     if (const auto text = sheet.Text().Cell(row, column); !text.empty()) values.insert(text);
   }
   std::vector<std::u16string> texts;
+  texts.reserve(values.size());
   for (const auto value : values) texts.push_back(ToUtf16(value));
   return texts;
 }
@@ -49,9 +51,10 @@ INT_PTR CALLBACK AskProcedure(HWND dialog, UINT message, WPARAM wparam, LPARAM l
   wchar_t text[256] = L"";
   GetDlgItemTextW(dialog, kFilterText, text, static_cast<int>(std::size(text)));
   try {
-    *reinterpret_cast<std::u16string*>(GetWindowLongPtrW(dialog, GWLP_USERDATA)) = automation::Narrow(text);
+    *reinterpret_cast<std::u16string*>(GetWindowLongPtrW(dialog, GWLP_USERDATA)) = windows::AsUtf16(text);
     EndDialog(dialog, LOWORD(wparam));
   } catch (...) {
+    ReportFailure(dialog);
     EndDialog(dialog, IDCANCEL);
   }
   return TRUE;
@@ -84,7 +87,7 @@ void ShowFilterMenu(HWND owner, standalone::Worksheet& sheet, int32_t column, PO
   for (std::size_t i = 0; i < values.size(); ++i) {
     std::u16string caption;
     for (const char16_t c : values[i]) caption.append(c == u'&' ? 2 : 1, c);
-    add(kFirstValue + static_cast<UINT>(i), Wide(caption.c_str()),
+    add(kFirstValue + static_cast<UINT>(i), AsWide(caption.c_str()),
         criterion != nullptr && *criterion == u"=" + Literal(values[i]));
   }
   const auto choice = static_cast<UINT>(TrackPopupMenu(*menu, TPM_RETURNCMD, static_cast<int>(where.x),

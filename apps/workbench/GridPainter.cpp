@@ -12,9 +12,9 @@
 namespace rowlark::workbench {
 namespace {
 
-using automation::Wide;
 using sheetview::SheetView;
 using sheetview::Strip;
+using windows::AsWide;
 
 // `share` percent of the one colour in the other.
 COLORREF Blend(COLORREF from, COLORREF into, int share) {
@@ -82,7 +82,7 @@ class Painter {
     area.left += kTextMargin;
     area.right -= kTextMargin;
     SetTextColor(target_, colour);
-    DrawTextW(target_, Wide(text.data()), static_cast<int>(text.size()), &area,
+    DrawTextW(target_, AsWide(text.data()), static_cast<int>(text.size()), &area,
               alignment | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
   }
 

@@ -1,5 +1,6 @@
 #include "GridWindow.h"
 
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -31,24 +32,22 @@ Span SpanOf(Part part) {
   return part == Part::RowHeader ? Span::Rows : part == Part::ColumnHeader ? Span::Columns : Span::Cells;
 }
 
-bool IsDown(int key) { return GetKeyState(key) < 0; }
-
-class MemoryDC {
- public:
-  MemoryDC(HDC like, HBITMAP bitmap)
-      : handle_(CreateCompatibleDC(like)), old_(SelectObject(handle_, bitmap)) {}
-  MemoryDC(const MemoryDC&) = delete;
-  MemoryDC& operator=(const MemoryDC&) = delete;
-  ~MemoryDC() {
-    SelectObject(handle_, old_);
-    DeleteDC(handle_);
+std::optional<Direction> DirectionOf(int32_t key) {
+  switch (key) {
+    case VK_UP:
+      return Direction::Up;
+    case VK_DOWN:
+      return Direction::Down;
+    case VK_LEFT:
+      return Direction::Left;
+    case VK_RIGHT:
+      return Direction::Right;
+    default:
+      return std::nullopt;
   }
-  operator HDC() const { return handle_; }
+}
 
- private:
-  HDC handle_;
-  HGDIOBJ old_;
-};
+bool IsDown(int key) { return GetKeyState(key) < 0; }
 
 }  // namespace
 
@@ -70,14 +69,12 @@ void GridWindow::Show(SheetView* view) {
 
 void GridWindow::SetFont(HFONT font) {
   font_ = font;
-  const HDC screen = GetDC(Hwnd());
-  const auto old = SelectObject(screen, font);
+  const windows::ScreenContext screen(GetDC(Hwnd()));
+  const windows::SelectedObject selected(*screen, font);
   TEXTMETRICW text{};
-  GetTextMetricsW(screen, &text);
+  GetTextMetricsW(*screen, &text);
   SIZE digit{};
-  GetTextExtentPoint32W(screen, L"0", 1, &digit);
-  SelectObject(screen, old);
-  ReleaseDC(Hwnd(), screen);
+  GetTextExtentPoint32W(*screen, L"0", 1, &digit);
   const auto digits = [width = static_cast<int32_t>(digit.cx)](int32_t count) { return count * width; };
   const auto row = static_cast<int32_t>(text.tmHeight + text.tmHeight / 3 + 1);
   metrics_ = {.row_height = row,
@@ -93,12 +90,10 @@ void GridWindow::SetFont(HFONT font) {
 
 int GridWindow::TextWidth(std::string_view text) const {
   const auto wide = ToUtf16(text);
-  const HDC screen = GetDC(Hwnd());
-  const auto old = SelectObject(screen, font_);
+  const windows::ScreenContext screen(GetDC(Hwnd()));
+  const windows::SelectedObject selected(*screen, font_);
   SIZE extent{};
-  GetTextExtentPoint32W(screen, automation::Wide(wide.data()), static_cast<int>(wide.size()), &extent);
-  SelectObject(screen, old);
-  ReleaseDC(Hwnd(), screen);
+  GetTextExtentPoint32W(*screen, windows::AsWide(wide.data()), static_cast<int>(wide.size()), &extent);
   return static_cast<int>(extent.cx);
 }
 
@@ -131,22 +126,19 @@ void GridWindow::UpdateScrollBars() {
 
 // While the picture is frozen, the last one is shown.
 void GridWindow::Paint() {
-  PAINTSTRUCT paint;
-  const HDC screen = BeginPaint(Hwnd(), &paint);
+  const windows::PaintContext screen(Hwnd());
   RECT client;
   GetClientRect(Hwnd(), &client);
   const SIZE size{client.right, client.bottom};
   const bool new_size = !picture_ || size.cx != picture_size_.cx || size.cy != picture_size_.cy;
   if (new_size) {
-    picture_.reset(CreateCompatibleBitmap(screen, size.cx, size.cy));
+    picture_.reset(CreateCompatibleBitmap(*screen, size.cx, size.cy));
     picture_size_ = size;
   }
-  {
-    const MemoryDC picture(screen, picture_.get());
-    if (view_ != nullptr && (new_size || !callbacks_.frozen())) PaintGrid(picture, size, font_, *view_);
-    BitBlt(screen, 0, 0, size.cx, size.cy, picture, 0, 0, SRCCOPY);
-  }
-  EndPaint(Hwnd(), &paint);
+  const windows::MemoryContext picture(CreateCompatibleDC(*screen));
+  const windows::SelectedObject selected(*picture, picture_.get());
+  if (view_ != nullptr && (new_size || !callbacks_.frozen())) PaintGrid(*picture, size, font_, *view_);
+  BitBlt(*screen, 0, 0, size.cx, size.cy, *picture, 0, 0, SRCCOPY);
 }
 
 void GridWindow::Scroll(bool vertical, WORD request) {
@@ -232,6 +224,20 @@ void GridWindow::DragSelection() {
   if (view_->Cursor().ExtendTo(cell, SpanOf(dragged_))) callbacks_.selected();
 }
 
+// The mouse is held where the sheet goes on.
+void GridWindow::DragBeyondEdge() {
+  RECT client;
+  GetClientRect(Hwnd(), &client);
+  if (mouse_.y >= client.bottom) view_->ScrollRows(1);
+  if (mouse_.y < view_->HeaderHeight() && dragged_ != Part::ColumnHeader) view_->ScrollRows(-1);
+  if (mouse_.x >= client.right) view_->ScrollToColumn(view_->LeftColumn() + 1);
+  if (mouse_.x < view_->HeaderWidth() && dragged_ != Part::RowHeader) {
+    view_->ScrollToColumn(view_->LeftColumn() - 1);
+  }
+  DragSelection();
+  Redraw();
+}
+
 void GridWindow::Go(Cell to, bool extend) {
   auto& cursor = view_->Cursor();
   if (extend) {
@@ -254,25 +260,17 @@ bool GridWindow::KeyDown(int32_t key) {
   auto& cursor = view_->Cursor();
   const Cell cell = cursor.Active();
   const Cell from = shift ? cursor.MovingCorner() : cell;
-  const auto go = [&](Direction direction) {
-    Go(control ? StepToEdge(sheet, from, direction) : Step(sheet, from, direction), shift);
-    return true;
-  };
   const auto page = [&](int32_t pages) {
     const int32_t rows = pages * std::max(view_->PageRows() - 1, 1);
     view_->ScrollRows(rows);
     Go({StepRows(sheet, from.row, rows), from.column}, shift);
     return true;
   };
+  if (const auto direction = DirectionOf(key)) {
+    Go(control ? StepToEdge(sheet, from, *direction) : Step(sheet, from, *direction), shift);
+    return true;
+  }
   switch (key) {
-    case VK_UP:
-      return go(Direction::Up);
-    case VK_DOWN:
-      return go(Direction::Down);
-    case VK_LEFT:
-      return go(Direction::Left);
-    case VK_RIGHT:
-      return go(Direction::Right);
     case VK_PRIOR:
       return page(-1);
     case VK_NEXT:
@@ -318,9 +316,11 @@ bool GridWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& 
       result = DLGC_WANTALLKEYS;
       return true;
     default:
-      break;
+      return view_ != nullptr && OnInput(message, wparam, lparam);
   }
-  if (view_ == nullptr) return false;
+}
+
+bool GridWindow::OnInput(UINT message, WPARAM wparam, LPARAM lparam) {
   switch (message) {
     case WM_VSCROLL:
     case WM_HSCROLL:
@@ -337,18 +337,9 @@ bool GridWindow::OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& 
     case WM_MOUSEMOVE:
       if (dragged_ != Part::Corner) Drag(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam));
       return true;
-    case WM_TIMER: {  // the mouse is held beyond an edge
-      RECT client;
-      GetClientRect(Hwnd(), &client);
-      if (mouse_.y >= client.bottom) view_->ScrollRows(1);
-      if (mouse_.y < view_->HeaderHeight() && dragged_ != Part::ColumnHeader) view_->ScrollRows(-1);
-      if (mouse_.x >= client.right) view_->ScrollToColumn(view_->LeftColumn() + 1);
-      if (mouse_.x < view_->HeaderWidth() && dragged_ != Part::RowHeader)
-        view_->ScrollToColumn(view_->LeftColumn() - 1);
-      DragSelection();
-      Redraw();
+    case WM_TIMER:
+      DragBeyondEdge();
       return true;
-    }
     case WM_LBUTTONUP:
       if (dragged_ != Part::Corner) Drag(GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam));
       ReleaseCapture();

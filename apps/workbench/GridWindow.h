@@ -4,13 +4,13 @@
 #include <functional>
 #include <string_view>
 
-#include "Window.h"
+#include "BaseWindow.h"
 #include "sheetview/SheetView.h"
 #include "util/windows/Handles.h"
 
 namespace rowlark::workbench {
 
-class GridWindow final : public Window {
+class GridWindow final : public BaseWindow {
  public:
   // What the window leaves to others.
   struct Callbacks {
@@ -34,6 +34,8 @@ class GridWindow final : public Window {
 
  private:
   bool OnMessage(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) override;
+  // The same of what the user does to the sheet that is shown.
+  bool OnInput(UINT message, WPARAM wparam, LPARAM lparam);
   void Paint();
   void Resize();
   void UpdateScrollBars();
@@ -43,6 +45,7 @@ class GridWindow final : public Window {
   void ButtonDown(int x, int y, bool shift, bool control);
   void Drag(int x, int y);
   void DragSelection();
+  void DragBeyondEdge();
   bool KeyDown(int32_t key);
   void Go(sheetview::Cell to, bool extend);
 

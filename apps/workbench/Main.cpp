@@ -10,30 +10,21 @@
 #include <shellapi.h>
 
 #include "Workbench.h"
-#include "automation/Variant.h"
+#include "util/Scope.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::workbench {
 namespace {
 
-class Apartment {
- public:
-  Apartment() : result_(OleInitialize(nullptr)) {}
-  Apartment(const Apartment&) = delete;
-  Apartment& operator=(const Apartment&) = delete;
-  ~Apartment() {
-    if (SUCCEEDED(result_)) OleUninitialize();
-  }
-
- private:
-  HRESULT result_;
-};
-
 int Run() {
-  const Apartment apartment;
+  const HRESULT entered = OleInitialize(nullptr);
+  const ScopeExit leave([entered] {
+    if (SUCCEEDED(entered)) OleUninitialize();
+  });
   const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_BAR_CLASSES | ICC_STANDARD_CLASSES};
   InitCommonControlsEx(&classes);
   Workbench workbench;
-  for (int i = 1; i < __argc; ++i) workbench.OpenFile(automation::Narrow(__wargv[i]));
+  for (int i = 1; i < __argc; ++i) workbench.OpenFile(windows::AsUtf16(__wargv[i]));
   if (__argc < 2) workbench.OpenExample();
   workbench.Update();
   workbench.StartAddIn();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <span>
+#include <utility>
 
 #include "automation/Variant.h"
 #include "util/Text.h"
@@ -10,7 +11,7 @@
 namespace rowlark::workbench {
 namespace {
 
-using automation::Wide;
+using windows::AsWide;
 
 struct OwnItem {
   Command command;
@@ -29,12 +30,19 @@ constexpr OwnItem kData[] = {{Command::DataFilter, L"Auto&Filter\tCtrl+Shift+L"}
 
 UINT Id(Command command) { return static_cast<UINT>(command); }
 
-void AppendPopup(HMENU bar, std::span<const OwnItem> items, const wchar_t* title) {
-  const HMENU menu = CreatePopupMenu();
-  for (const auto& item : items) {
-    AppendMenuW(menu, item.text == nullptr ? MF_SEPARATOR : MF_STRING, Id(item.command), item.text);
+// A menu inside another one belongs to that, once it is there.
+void AppendPopup(HMENU menu, windows::MenuHandle popup, const wchar_t* caption) {
+  if (AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(*popup), caption) != 0) {
+    static_cast<void>(popup.release());
   }
-  AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(menu), title);
+}
+
+void AppendOwn(HMENU bar, std::span<const OwnItem> items, const wchar_t* caption) {
+  windows::MenuHandle menu(CreatePopupMenu());
+  for (const auto& item : items) {
+    AppendMenuW(*menu, item.text == nullptr ? MF_SEPARATOR : MF_STRING, Id(item.command), item.text);
+  }
+  AppendPopup(bar, std::move(menu), caption);
 }
 
 }  // namespace
@@ -55,11 +63,11 @@ void MenuBar::AppendItems(HMENU menu, std::size_t& i, std::size_t depth) const {
     const auto& item = content_.items[here];
     if (item.begin_group && depth > 0) AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
     if (item.popup) {
-      const HMENU popup = CreatePopupMenu();
-      AppendItems(popup, i, depth + 1);
-      AppendMenuW(menu, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), Wide(item.caption.c_str()));
+      windows::MenuHandle popup(CreatePopupMenu());
+      AppendItems(*popup, i, depth + 1);
+      AppendPopup(menu, std::move(popup), AsWide(item.caption.c_str()));
     } else {
-      AppendMenuW(menu, MF_STRING, Id(Command::FirstMacro) + here, Wide(item.caption.c_str()));
+      AppendMenuW(menu, MF_STRING, Id(Command::FirstMacro) + here, AsWide(item.caption.c_str()));
     }
   }
 }
@@ -73,25 +81,33 @@ void MenuBar::Update(std::u16string_view active) {
   if (GetMenu(window_) != nullptr && content == content_) return;
   content_ = std::move(content);
 
-  const HMENU bar = CreateMenu();
-  AppendPopup(bar, kFile, L"&File");
-  AppendPopup(bar, kView, L"&View");
-  AppendPopup(bar, kData, L"&Data");
-  const HMENU books = CreatePopupMenu();
-  AppendMenuW(books, MF_STRING, Id(Command::FileNew), L"&New Window\tCtrl+N");
-  if (!content_.books.empty()) AppendMenuW(books, MF_SEPARATOR, 0, nullptr);
+  windows::MenuHandle bar(CreateMenu());
+  AppendOwn(*bar, kFile, L"&File");
+  AppendOwn(*bar, kView, L"&View");
+  AppendOwn(*bar, kData, L"&Data");
+  AppendBooks(*bar);
+  std::size_t i = 0;
+  AppendItems(*bar, i, 0);
+  windows::MenuHandle before(GetMenu(window_));
+  if (SetMenu(window_, *bar) == 0) {
+    static_cast<void>(before.release());
+    return;
+  }
+  static_cast<void>(bar.release());  // the window owns its menu
+  DrawMenuBar(window_);
+}
+
+void MenuBar::AppendBooks(HMENU bar) const {
+  windows::MenuHandle menu(CreatePopupMenu());
+  AppendMenuW(*menu, MF_STRING, Id(Command::FileNew), L"&New Window\tCtrl+N");
+  if (!content_.books.empty()) AppendMenuW(*menu, MF_SEPARATOR, 0, nullptr);
   for (std::size_t i = 0; i < content_.books.size(); ++i) {
     std::u16string caption = i < 9 ? u"&" : u"";
     caption += ToText(static_cast<int32_t>(i) + 1) + u' ' + content_.books[i];
-    AppendMenuW(books, content_.books[i] == content_.active ? MF_STRING | MF_CHECKED : MF_STRING,
-                Id(Command::FirstWorkbook) + i, Wide(caption.c_str()));
+    AppendMenuW(*menu, content_.books[i] == content_.active ? MF_STRING | MF_CHECKED : MF_STRING,
+                Id(Command::FirstWorkbook) + i, AsWide(caption.c_str()));
   }
-  AppendMenuW(bar, MF_POPUP, reinterpret_cast<UINT_PTR>(books), L"&Window");
-  std::size_t i = 0;
-  AppendItems(bar, i, 0);
-  const windows::MenuHandle old(GetMenu(window_));  // the window owns its menu, and no longer this one
-  SetMenu(window_, bar);
-  DrawMenuBar(window_);
+  AppendPopup(bar, std::move(menu), L"&Window");
 }
 
 void MenuBar::UpdateMarks(bool is_protected, bool is_read_only, bool is_filtered) const {

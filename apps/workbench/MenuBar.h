@@ -61,6 +61,7 @@ class MenuBar {
                        const std::vector<Ref<standalone::CommandBarControl>>& controls, std::size_t depth);
   // Appends the items from `i` on that lie at that depth.
   void AppendItems(HMENU menu, std::size_t& i, std::size_t depth) const;
+  void AppendBooks(HMENU bar) const;
 
   HWND window_;
   const standalone::Application& application_;

@@ -6,6 +6,7 @@
 
 #include "Call.h"
 #include "automation/Enumerator.h"
+#include "automation/ErrorValues.h"
 #include "automation/Variant.h"
 #include "host/Error.h"
 
@@ -31,7 +32,7 @@ bool SameName(std::u16string_view known, std::u16string_view asked) {
 }
 
 BSTR Copy(std::u16string_view text) noexcept {
-  return SysAllocStringLen(automation::Wide(text.data()), static_cast<UINT>(text.size()));
+  return SysAllocStringLen(windows::AsWide(text.data()), static_cast<UINT>(text.size()));
 }
 
 // As a host that speaks another language than the system: it takes Visual Basic's locale, and those with
@@ -43,7 +44,7 @@ bool Speaks(LCID locale) {
 HRESULT Report(const host::Error& error, EXCEPINFO* exception) noexcept {
   if (error.Number() < 0) return error.Number();
   if (exception != nullptr) {
-    exception->scode = static_cast<SCODE>(0x800A0000u + static_cast<uint32_t>(error.Number()));
+    exception->scode = automation::ErrorCode(error.Number());
     exception->bstrSource = Copy(u"Microsoft Excel");
     exception->bstrDescription = Copy(error.Description());
   }
@@ -86,24 +87,13 @@ HRESULT Object::QueryInterface(REFIID iid, void** object) noexcept {
   return S_OK;
 }
 
-HRESULT Object::GetTypeInfoCount(UINT* count) noexcept {
-  if (count == nullptr) return E_POINTER;
-  *count = 0;
-  return S_OK;
-}
-
-HRESULT Object::GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept {
-  if (info != nullptr) *info = nullptr;
-  return DISP_E_BADINDEX;
-}
-
 HRESULT Object::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale, DISPID* ids) noexcept {
   if (iid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (!Speaks(locale)) return TYPE_E_INVDATAREAD;
   if (names == nullptr || ids == nullptr || count == 0) return E_INVALIDARG;
   session_->CountNames();
   std::fill_n(ids, count, DISPID_UNKNOWN);
-  const std::u16string_view name = automation::Narrow(names[0]);
+  const std::u16string_view name = windows::AsUtf16(names[0]);
   if (type_.count != nullptr && SameName(u"_NewEnum", name)) {
     ids[0] = DISPID_NEWENUM;
     return count == 1 ? S_OK : DISP_E_UNKNOWNNAME;
@@ -118,7 +108,7 @@ HRESULT Object::GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID loca
   const auto arguments = member->signature.Arguments();
   for (UINT i = 1; i < count; ++i) {
     const auto argument = std::ranges::find_if(
-        arguments, [&](std::u16string_view known) { return SameName(known, automation::Narrow(names[i])); });
+        arguments, [&](std::u16string_view known) { return SameName(known, windows::AsUtf16(names[i])); });
     if (argument == arguments.end()) {
       result = DISP_E_UNKNOWNNAME;
     } else {

@@ -9,8 +9,8 @@
 #include "Members.h"
 #include "Session.h"
 #include "automation/ComPtr.h"
-#include "automation/Counted.h"
 #include "automation/Events.h"
+#include "automation/NamelessDispatch.h"
 #include "util/Event.h"
 #include "util/Ref.h"
 
@@ -20,7 +20,7 @@ namespace rowlark::workbench {
 inline constexpr IID kOwnObject = {
     0x6e0b7f52, 0x3f8c, 0x4b1e, {0x9a, 0x55, 0x1d, 0x0c, 0x7a, 0x62, 0xe4, 0x93}};
 
-class Object final : public automation::Counted<IDispatch> {
+class Object final : public automation::NamelessDispatch {
  public:
   Object(Session& session, const Class& type, Ref<RefCounted> core)
       : session_(&session), type_(type), core_(std::move(core)) {}
@@ -41,8 +41,6 @@ class Object final : public automation::Counted<IDispatch> {
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override;
 
-  STDMETHODIMP GetTypeInfoCount(UINT* count) noexcept override;
-  STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) noexcept override;
   STDMETHODIMP GetIDsOfNames(REFIID iid, LPOLESTR* names, UINT count, LCID locale,
                              DISPID* ids) noexcept override;
   STDMETHODIMP Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* parameters, VARIANT* result,

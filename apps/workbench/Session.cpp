@@ -41,8 +41,9 @@ std::map<std::u16string, int64_t> Session::NamedCounts() const {
   for (const auto& [key, tally] : tallies_) {
     std::u16string name(tally.type);
     name += u'.';
-    name += key.member->signature.Name();
-    if (key.put) name += u'=';
+    const auto& [member, put] = key;
+    name += member->signature.Name();
+    if (put) name += u'=';
     counts[name] += tally.calls;
   }
   if (names_ > 0) counts[u"IDispatch.GetIDsOfNames"] = names_;

@@ -1,12 +1,14 @@
 // What all objects of an exposed application share.
 #pragma once
 
+#include <charconv>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include <oaidl.h>
 
@@ -14,6 +16,7 @@
 #include "automation/ComPtr.h"
 #include "host/standalone/Application.h"
 #include "util/Ref.h"
+#include "util/Utf.h"
 
 namespace rowlark::workbench {
 
@@ -23,11 +26,8 @@ class Session final : public RefCounted {
   Session(Ref<standalone::Application> application, std::shared_ptr<void> lifetime,
           std::function<void()> changed)
       : lifetime_(std::move(lifetime)), changed_(std::move(changed)), application_(std::move(application)) {
-    try {
-      version_ = std::stoi(std::string(application_->Version().begin(), application_->Version().end()));
-    } catch (const std::exception&) {
-      version_ = 0;
-    }
+    const auto version = ToUtf8(application_->Version());
+    std::from_chars(version.data(), version.data() + version.size(), version_);
   }
 
   standalone::Application& Application() const { return *application_; }
@@ -64,11 +64,7 @@ class Session final : public RefCounted {
   }
 
  private:
-  struct Key {
-    const Member* member;
-    bool put;
-    auto operator<=>(const Key&) const = default;
-  };
+  using Key = std::pair<const Member*, bool>;  // true: it is written
   struct Tally {
     std::u16string_view type;
     int64_t calls = 0;
@@ -81,7 +77,7 @@ class Session final : public RefCounted {
   std::shared_ptr<void> lifetime_;
   std::function<void()> changed_;
   Ref<standalone::Application> application_;
-  int32_t version_ = 0;
+  int32_t version_ = 0;                                     // of what is no number
   std::unordered_map<const RefCounted*, Object*> objects_;  // those with identity; not counted
   bool counting_ = false;
   std::map<Key, Tally> tallies_;

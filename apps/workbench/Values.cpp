@@ -4,11 +4,11 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <new>
 #include <optional>
 #include <utility>
 
 #include "Call.h"
+#include "automation/Arrays.h"
 #include "automation/ErrorValues.h"
 #include "util/Text.h"
 #include "util/Utf.h"
@@ -37,39 +37,6 @@ std::optional<double> Number(std::string_view text) {
   if (!std::isfinite(number) || NumberText(number) != text || text == "-0") return std::nullopt;
   return number;
 }
-
-class Array {
- public:
-  // Dimensions from 1. Throws std::bad_alloc.
-  Array(UINT dimensions, SAFEARRAYBOUND* bounds) : array_(SafeArrayCreate(VT_VARIANT, dimensions, bounds)) {
-    void* data = nullptr;
-    if (array_ == nullptr || FAILED(SafeArrayAccessData(array_, &data))) {
-      if (array_ != nullptr) SafeArrayDestroy(array_);
-      throw std::bad_alloc();
-    }
-    data_ = static_cast<VARIANT*>(data);
-  }
-  Array(const Array&) = delete;
-  Array& operator=(const Array&) = delete;
-  ~Array() {
-    if (array_ == nullptr) return;
-    SafeArrayUnaccessData(array_);
-    SafeArrayDestroy(array_);
-  }
-
-  VARIANT* Data() const { return data_; }
-  Variant Detach() {
-    SafeArrayUnaccessData(array_);
-    Variant value;
-    value.vt = VT_ARRAY | VT_VARIANT;
-    value.parray = std::exchange(array_, nullptr);
-    return value;
-  }
-
- private:
-  SAFEARRAY* array_;
-  VARIANT* data_ = nullptr;
-};
 
 // The one-dimensional array in a value; null when there is none.
 SAFEARRAY* List(const VARIANT& value) {
@@ -102,14 +69,14 @@ Variant ToValue(std::string_view cell) {
 
 Variant ToValues(const standalone::CellText& text, const Block& block) {
   SAFEARRAYBOUND bounds[] = {{static_cast<ULONG>(block.Rows()), 1}, {static_cast<ULONG>(block.Columns()), 1}};
-  Array array(2, bounds);
-  VARIANT* place = array.Data();  // column after column
+  Variant array = automation::NewArray(bounds);
+  VARIANT* place = automation::Elements(array);
   for (int32_t column = block.first_column; column <= block.last_column; ++column) {
     for (int32_t row = block.first_row; row <= block.last_row; ++row) {
       *place++ = ToValue(text.Cell(row, column)).Detach();
     }
   }
-  return array.Detach();
+  return array;
 }
 
 std::u16string ToCellText(const VARIANT& value) {
@@ -141,12 +108,7 @@ std::u16string ToCellText(const VARIANT& value) {
 
 Variant FromCriterion(const host::Criterion& criterion) {
   if (const auto* text = std::get_if<std::u16string>(&criterion)) return std::u16string_view(*text);
-  const auto& texts = std::get<std::vector<std::u16string>>(criterion);
-  SAFEARRAYBOUND bounds{static_cast<ULONG>(texts.size()), 1};
-  Array array(1, &bounds);
-  VARIANT* place = array.Data();
-  for (const auto& text : texts) *place++ = Variant(std::u16string_view(text)).Detach();
-  return array.Detach();
+  return automation::ArrayOf(std::get<std::vector<std::u16string>>(criterion), 1);
 }
 
 host::Criterion ToCriterion(const VARIANT& value) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -18,7 +19,7 @@
 namespace rowlark::workbench {
 namespace {
 
-using automation::Narrow;
+using windows::AsUtf16;
 
 constexpr wchar_t kExampleName[] = L"customers.csv";
 
@@ -27,8 +28,11 @@ bool IsAlive(const std::unique_ptr<WorkbookWindow>& window) { return window->Hwn
 }  // namespace
 
 Workbench::Workbench()
-    : automation_(ExposeApplication(application_, nullptr, [this] { Changed(); })), add_in_(automation_) {
-  RegisterActiveObject(automation_.get(), kApplicationClass, ACTIVEOBJECT_STRONG, &registration_);
+    : automation_(ExposeApplication(application_, nullptr, [this] { Changed(); })),
+      add_in_(*application_, automation_, trace_.get()) {
+  const HRESULT result =
+      RegisterActiveObject(automation_.get(), kApplicationClass, ACTIVEOBJECT_STRONG, &registration_);
+  if (FAILED(result)) TraceNumber(trace_.get(), result);
 }
 
 Workbench::~Workbench() {
@@ -45,7 +49,7 @@ void Workbench::OpenExample() noexcept try {
   const HRSRC found = FindResourceW(nullptr, MAKEINTRESOURCEW(kExampleTable), RT_RCDATA);
   const auto* bytes = static_cast<const char*>(LockResource(LoadResource(nullptr, found)));
   auto table = CsvFile::Parse(std::string(bytes, SizeofResource(nullptr, found)));
-  AddWorkbook(*application_, table, Narrow(kExampleName));
+  AddWorkbook(*application_, table, AsUtf16(kExampleName));
 } catch (...) {
   ReportFailure(nullptr);
 }
@@ -128,8 +132,13 @@ void Workbench::ChooseFile(HWND owner) {
   dialog.lpstrFile = path.data();
   dialog.nMaxFile = static_cast<DWORD>(path.size());
   dialog.Flags = OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
-  if (!GetOpenFileNameW(&dialog)) return;
-  const std::u16string file = Narrow(path.c_str());
+  if (!GetOpenFileNameW(&dialog)) {
+    if (const DWORD error = CommDlgExtendedError(); error != 0) {
+      throw std::runtime_error("The dialog can not be shown: error " + std::to_string(error));
+    }
+    return;
+  }
+  const std::u16string file = AsUtf16(path.c_str());
   if (const auto open = FindWorkbook(*application_, file.substr(file.find_last_of(u'\\') + 1))) {
     application_->Activate(open);  // as the host, no two workbooks of one name
   } else {
@@ -139,7 +148,7 @@ void Workbench::ChooseFile(HWND owner) {
 
 // A form of the window closes with it, and is to find its own workbook active.
 void Workbench::CloseWorkbook(WorkbookWindow& window) {
-  const Ref<standalone::Workbook> book = window.Book();
+  const Ref<standalone::Workbook> book(window.Book().get());  // the window goes before it
   if (IsOpen(book)) {
     application_->Activate(book);
     if (WindowCount() > 1) {

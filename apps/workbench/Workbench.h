@@ -57,6 +57,7 @@ class Workbench {
   WorkbookWindow* WindowOf(const standalone::Workbook* book) const;
   void Arrange();
 
+  const std::unique_ptr<Trace> trace_ = OpenTrace();
   Ref<standalone::Application> application_ = MakeRef<standalone::Application>();
   automation::ComPtr<IDispatch> automation_;
   AddIn add_in_;

@@ -25,7 +25,8 @@ const Class& ClassOf(const host::Worksheet& sheet) {
 }
 
 void Listen(Object& object) {
-  auto events = std::make_unique<automation::EventSource>(object, kWorkbookEvents, automation::Sinks::Named);
+  auto events =
+      std::make_unique<automation::EventSource>(object, kWorkbookEvents, nullptr, automation::Sinks::Named);
   auto connection = object.Core<standalone::Workbook>().OnSheetSelectionChange(
       [&object](host::Worksheet& sheet, host::Range& target) {
         const ComPtr<Object> keep(&object);

@@ -21,8 +21,8 @@
 namespace rowlark::workbench {
 namespace {
 
-using automation::Narrow;
-using automation::Wide;
+using windows::AsUtf16;
+using windows::AsWide;
 
 constexpr UINT kUpdate = WM_APP;
 constexpr wchar_t kTitle[] = L"Rowlark Workbench";
@@ -65,7 +65,7 @@ std::u16string TextOf(HWND window) {
 }
 
 void SetText(HWND window, const std::u16string& text) {
-  if (TextOf(window) != text) SetWindowTextW(window, Wide(text.c_str()));
+  if (TextOf(window) != text) SetWindowTextW(window, AsWide(text.c_str()));
 }
 
 }  // namespace
@@ -228,7 +228,7 @@ void WorkbookWindow::RefreshTitle() {
     if (const auto* sheet = Sheet(); sheet != nullptr && sheet->ProtectScenarios()) title += u"  [Protected]";
     title += u" - ";
   }
-  SetText(Hwnd(), title + Narrow(kTitle));
+  SetText(Hwnd(), title + AsUtf16(kTitle));
 }
 
 void WorkbookWindow::Execute(UINT command) {

@@ -5,9 +5,9 @@
 #include <string>
 #include <unordered_map>
 
+#include "BaseWindow.h"
 #include "GridWindow.h"
 #include "MenuBar.h"
-#include "Window.h"
 #include "host/standalone/Application.h"
 #include "sheetview/SheetView.h"
 #include "util/windows/Handles.h"
@@ -16,7 +16,7 @@ namespace rowlark::workbench {
 
 class Workbench;
 
-class WorkbookWindow final : public Window {
+class WorkbookWindow final : public BaseWindow {
  public:
   // The program outlives the window. Throws std::runtime_error.
   explicit WorkbookWindow(Workbench& workbench);

@@ -35,7 +35,7 @@ Ref<standalone::Workbook> OpenWorkbook(standalone::Application& application, std
 
 Ref<standalone::Workbook> AddWorkbook(standalone::Application& application, CsvFile& file,
                                       std::u16string_view full_name, bool read_only) {
-  const auto book = application.AddWorkbook(full_name, read_only);
+  auto book = application.AddWorkbook(full_name, read_only);
   try {
     auto& sheet = *book->Worksheets().front();
     file.ForEachRow([&](std::span<const std::string_view> cells) { sheet.AppendRow(cells); },

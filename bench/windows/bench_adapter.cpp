@@ -142,6 +142,7 @@ class Recorder final : public automation::Counted<IDispatch> {
     inner.rgvarg = step.arguments.data();
     const HRESULT outcome = inner_->Invoke(id, iid, locale, flags, &inner, result, exception, wrong);
     if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH && result->pdispVal != nullptr) {
+      // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): without memory there is nothing to measure
       ComPtr<Recorder> wrapped(
           new Recorder(recording_, ComPtr<IDispatch>::Attach(std::exchange(result->pdispVal, nullptr))));
       step.result = wrapped->slot_;

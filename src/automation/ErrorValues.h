@@ -9,7 +9,8 @@
 namespace rowlark::automation {
 
 constexpr SCODE ErrorCode(int32_t number) {
-  return static_cast<SCODE>(0x800A0000u + static_cast<uint32_t>(number));
+  constexpr auto kControls = static_cast<SCODE>(0x800A0000u);
+  return kControls + number;
 }
 
 struct ErrorValue {

@@ -34,22 +34,23 @@ HRESULT Hand(std::vector<typename Traits::Held> elements, IUnknown& owner, Inter
   return S_OK;
 }
 
+void CallSink(IDispatch& sink, DISPID event, DISPPARAMS parameters, Trace* trace) {
+  Variant discarded;
+  const HRESULT result =
+      sink.Invoke(event, IID_NULL, kLocale, DISPATCH_METHOD, &parameters, &discarded, nullptr, nullptr);
+  if (FAILED(result) && result != DISP_E_MEMBERNOTFOUND) TraceNumber(trace, result);
+}
+
 }  // namespace
 
 void EventSource::Fire(DISPID event, VARIANT* arguments, UINT count) noexcept {
   const ComPtr<IUnknown> keep(&owner_);  // a sink may let go of it
-  try {
+  Attempt(trace_, [&] {
     const auto sinks = sinks_;
     for (const auto& [cookie, sink] : sinks) {
-      if (!sinks_.contains(cookie)) continue;
-      DISPPARAMS parameters{arguments, nullptr, count, 0};
-      VARIANT result;
-      VariantInit(&result);
-      sink->Invoke(event, IID_NULL, kLocale, DISPATCH_METHOD, &parameters, &result, nullptr, nullptr);
-      VariantClear(&result);
+      if (sinks_.contains(cookie)) CallSink(*sink, event, {arguments, nullptr, count, 0}, trace_);
     }
-  } catch (...) {  // NOLINT(bugprone-empty-catch): out of memory, and nobody to tell
-  }
+  });
 }
 
 HRESULT EventSource::EnumConnectionPoints(IEnumConnectionPoints** points) noexcept {

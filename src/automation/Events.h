@@ -6,6 +6,7 @@
 #include <ocidl.h>
 
 #include "automation/ComPtr.h"
+#include "util/Trace.h"
 
 namespace rowlark::automation {
 
@@ -17,16 +18,17 @@ enum class Sinks { Named, AnyDispatch };
 // identity. The point has one of its own, as proxies demand, and its references count for the owner.
 class EventSource final : public IConnectionPointContainer {
  public:
-  EventSource(IUnknown& owner, const IID& event_interface, Sinks accepted = Sinks::AnyDispatch)
-      : owner_(owner), event_interface_(event_interface), accepted_(accepted) {}
+  // The trace, which may be null, is told of sinks that fail.
+  EventSource(IUnknown& owner, const IID& event_interface, Trace* trace, Sinks accepted = Sinks::AnyDispatch)
+      : owner_(owner), event_interface_(event_interface), trace_(trace), accepted_(accepted) {}
   EventSource(const EventSource&) = delete;
   EventSource& operator=(const EventSource&) = delete;
 
   const IID& EventInterface() const { return event_interface_; }
 
   // Calls the event on every sink; the `count` arguments stand in automation's order, the last one first. A
-  // sink that fails is the sink's affair. Sinks may connect and disconnect meanwhile, themselves and others:
-  // a sink that has been disconnected hears nothing more.
+  // sink that fails is the sink's affair, also one that does not know the event. Sinks may connect and
+  // disconnect meanwhile, themselves and others: a sink that has been disconnected hears nothing more.
   void Fire(DISPID event, VARIANT* arguments, UINT count) noexcept;
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
@@ -59,6 +61,7 @@ class EventSource final : public IConnectionPointContainer {
 
   IUnknown& owner_;
   const IID event_interface_;
+  Trace* const trace_;
   const Sinks accepted_;
   Point point_{*this};
   std::map<DWORD, ComPtr<IDispatch>> sinks_;

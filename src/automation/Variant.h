@@ -11,6 +11,8 @@
 #include <oleauto.h>
 
 #include "automation/ComPtr.h"
+#include "util/Owner.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::automation {
 
@@ -18,47 +20,35 @@ namespace rowlark::automation {
 // of its languages, and refuses the user's where Excel and Windows speak different ones.
 inline constexpr LCID kLocale = 0x0409;
 
-// wchar_t is a UTF-16 unit here.
-inline const wchar_t* Wide(const char16_t* text) { return reinterpret_cast<const wchar_t*>(text); }
-inline const char16_t* Narrow(const wchar_t* text) { return reinterpret_cast<const char16_t*>(text); }
-
 // A null text is an empty one.
 inline std::u16string_view View(BSTR text) {
-  return text == nullptr ? std::u16string_view() : std::u16string_view(Narrow(text), SysStringLen(text));
+  return text == nullptr ? std::u16string_view()
+                         : std::u16string_view(windows::AsUtf16(text), SysStringLen(text));
 }
 
 // The caller frees it; throws std::bad_alloc.
 inline BSTR NewBstr(std::u16string_view text) {
-  BSTR made = SysAllocStringLen(Wide(text.data()), static_cast<UINT>(text.size()));
+  BSTR made = SysAllocStringLen(windows::AsWide(text.data()), static_cast<UINT>(text.size()));
   if (made == nullptr) throw std::bad_alloc();
   return made;
 }
 
-class Bstr {
+struct BstrTraits {
+  using Handle = BSTR;
+  static Handle None() noexcept { return nullptr; }
+  static void Close(Handle text) noexcept { SysFreeString(text); }
+};
+
+class Bstr : public Owner<BstrTraits> {
  public:
   Bstr() = default;
-  explicit Bstr(std::u16string_view text) : text_(NewBstr(text)) {}
-  Bstr(Bstr&& other) noexcept : text_(std::exchange(other.text_, nullptr)) {}
-  Bstr& operator=(Bstr other) noexcept {
-    std::swap(text_, other.text_);
-    return *this;
-  }
-  ~Bstr() { SysFreeString(text_); }
-
-  BSTR get() const { return text_; }
-  BSTR* Put() {
-    *this = Bstr();
-    return &text_;
-  }
-  std::u16string_view View() const { return automation::View(text_); }
-
- private:
-  BSTR text_ = nullptr;
+  explicit Bstr(std::u16string_view text) : Owner(NewBstr(text)) {}
+  std::u16string_view View() const { return automation::View(get()); }
 };
 
 class Variant : public VARIANT {
  public:
-  Variant() : VARIANT{} {}
+  Variant() : VARIANT{} { vt = VT_EMPTY; }
   Variant(bool value) : Variant() {
     vt = VT_BOOL;
     boolVal = value ? VARIANT_TRUE : VARIANT_FALSE;

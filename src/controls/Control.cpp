@@ -86,7 +86,7 @@ void Control::UserPressedMouse() {
   OnUser([this] { MouseDown.Raise(); });
 }
 
-void Control::Failed(std::string_view event) const noexcept { form_->Form_Failed(*this, event); }
+void Control::Failed(std::string_view event) const noexcept { form_->TraceFailure(*this, event); }
 
 void ReportFailure(const Control& control, std::string_view event) noexcept { control.Failed(event); }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "util/Utf.h"
+
 namespace rowlark::controls {
 namespace {
 
@@ -28,10 +30,21 @@ void Form::Unload() noexcept {
   try {
     Form_Unload();
   } catch (...) {  // the form goes all the same
-    Form_Failed(*this, "Unload");
+    TraceFailure(*this, "Unload");
   }
   Hide();
   if (View* view = std::exchange(view_, nullptr)) view->Released(*this);
+}
+
+void Form::TraceFailure(const Control& control, std::string_view event) const noexcept {
+  if (trace_ == nullptr) return;
+  try {
+    auto operation = ToUtf8(Name);
+    if (&control != this) operation += "." + ToUtf8(control.Name);
+    TraceCaught(trace_, operation.append(".").append(event));
+  } catch (...) {
+    TraceCaught(trace_);
+  }
 }
 
 void Form::Show(bool modal) {

@@ -9,6 +9,7 @@
 #include "controls/Control.h"
 #include "controls/Layout.h"
 #include "util/Ref.h"
+#include "util/Trace.h"
 
 namespace rowlark::controls {
 
@@ -70,7 +71,8 @@ class Form : public Control, public RefCounted {
   void UserClosed();
 
  protected:
-  explicit Form(std::u16string_view name) : Control(*this, name) {}
+  // The trace, which may be null, is told of errors that end the handlers of events, the form's own included.
+  explicit Form(std::u16string_view name, Trace* trace = nullptr) : Control(*this, name), trace_(trace) {}
 
   // At the end of the constructor, since it names the controls.
   void SetLayout(Layout layout);
@@ -78,8 +80,6 @@ class Form : public Control, public RefCounted {
 
   // Before what the user does is handled, and before a timer ticks.
   virtual void Form_Message() noexcept {}
-  // An error, which is being handled, has ended the handler of a control's event, or of the form's own.
-  virtual void Form_Failed(const Control& /*control*/, std::string_view /*event*/) noexcept {}
   virtual void Form_Load() {}
   virtual void Form_Unload() {}
   // The system's close button; unloads the form.
@@ -91,7 +91,10 @@ class Form : public Control, public RefCounted {
 
   template <class Key, class... Args>
   Key Offer(Slot<Key&, Args...> Control::*slot, Key key, Args... args);
+  // Tells of the error that is being handled, which has ended a handler.
+  void TraceFailure(const Control& control, std::string_view event) const noexcept;
 
+  Trace* const trace_;
   std::vector<Control*> controls_;
   Control* active_control_ = nullptr;
   View* view_ = nullptr;

@@ -7,7 +7,6 @@
 #include "runtime/modMain.h"
 #include "settings/Product.h"
 #include "util/Text.h"
-#include "util/Utf.h"
 
 namespace rowlark {
 namespace {
@@ -60,17 +59,6 @@ void BaseForm::Form_Unload() {
   evtLang_.Release();
   runtime_gone_.Release();
   runtime_ = nullptr;
-}
-
-void BaseForm::Form_Failed(const controls::Control& control, std::string_view event) noexcept {
-  if (shared_.Platform.Trace == nullptr) return;
-  try {
-    auto operation = ToUtf8(Name);
-    if (&control != this) operation += "." + ToUtf8(control.Name);
-    TraceCaught(shared_.Platform.Trace, operation.append(".").append(event));
-  } catch (...) {
-    TraceCaught(shared_.Platform.Trace);
-  }
 }
 
 std::u16string BaseForm::Padded(std::u16string_view caption) {

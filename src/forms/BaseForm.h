@@ -28,12 +28,12 @@ class BaseForm : public controls::Form {
   void Float() noexcept;
 
  protected:
-  BaseForm(SharedState& shared, std::u16string_view name) : Form(name), shared_(shared) {}
+  BaseForm(SharedState& shared, std::u16string_view name)
+      : Form(name, shared.Platform.Trace), shared_(shared) {}
 
   virtual void ApplyCaptions() = 0;
   virtual void evtLang_NewLangLoaded() { ApplyCaptions(); }
   void Form_Message() noexcept override { shared_.GiveBackFlags(); }
-  void Form_Failed(const controls::Control& control, std::string_view event) noexcept override;
   void Form_Unload() override;
 
   std::u16string Text(std::u16string_view key, std::u16string_view default_text) const {

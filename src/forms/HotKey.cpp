@@ -1,5 +1,7 @@
 #include "forms/HotKey.h"
 
+#include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "controls/Keys.h"
@@ -31,6 +33,25 @@ void OnKey(host::Application& application, std::u16string_view key, std::optiona
   if (!key.empty()) Attempt(trace, [&] { application.OnKey(key, macro); });
 }
 
+struct NamedKey {
+  int32_t key;
+  std::u16string_view name;
+};
+// 106 to 111 are those of the numeric pad, 106 and 108 its multiply and separator keys.
+constexpr NamedKey kNamedKeys[] = {
+    {8, u"{BACKSPACE}"}, {13, u"~"},
+    {27, u"{ESCAPE}"},   {32, u" "},
+    {33, u"{PGUP}"},     {34, u"{PGDN}"},
+    {35, u"{END}"},      {36, u"{HOME}"},
+    {37, u"{LEFT}"},     {38, u"{UP}"},
+    {39, u"{RIGHT}"},    {40, u"{DOWN}"},
+    {45, u"{INSERT}"},   {46, u"{DEL}"},
+    {106, u"\\"},        {107, u"{+}"},
+    {108, u"\\"},        {109, u"-"},
+    {110, u"."},         {111, u"/"},
+    {144, u"{NUMLOCK}"}, {145, u"{SCROLLLOCK}"},
+};
+
 }  // namespace
 
 std::u16string KeyName(int32_t key) {
@@ -39,53 +60,8 @@ std::u16string KeyName(int32_t key) {
   if ((key >= u'0' && key <= u'9') || (key >= kPad0 && key <= kPad0 + 9)) return ToText(key % 48);
   if (key >= u'A' && key <= u'Z') return std::u16string(1, static_cast<char16_t>(key + (u'a' - u'A')));
   if (key >= kF1 && key <= kF1 + 15) return u"{F" + ToText(key - kF1 + 1) + u"}";
-  switch (key) {
-    case 8:
-      return u"{BACKSPACE}";
-    case 13:
-      return u"~";
-    case 27:
-      return u"{ESCAPE}";
-    case 32:
-      return u" ";
-    case 33:
-      return u"{PGUP}";
-    case 34:
-      return u"{PGDN}";
-    case 35:
-      return u"{END}";
-    case 36:
-      return u"{HOME}";
-    case 37:
-      return u"{LEFT}";
-    case 38:
-      return u"{UP}";
-    case 39:
-      return u"{RIGHT}";
-    case 40:
-      return u"{DOWN}";
-    case 45:
-      return u"{INSERT}";
-    case 46:
-      return u"{DEL}";
-    case 106:  // multiply
-    case 108:  // separator
-      return u"\\";
-    case 107:
-      return u"{+}";
-    case 109:
-      return u"-";
-    case 110:
-      return u".";
-    case 111:
-      return u"/";
-    case 144:
-      return u"{NUMLOCK}";
-    case 145:
-      return u"{SCROLLLOCK}";
-    default:
-      return {};
-  }
+  const auto* named = std::ranges::find(kNamedKeys, key, &NamedKey::key);
+  return named != std::end(kNamedKeys) ? std::u16string(named->name) : std::u16string();
 }
 
 std::u16string HotKeyName(std::u16string_view code) {

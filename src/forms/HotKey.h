@@ -30,8 +30,9 @@ HotKey CaptureHotKey(int32_t key, int32_t shift);
 
 // The hotkeys of the add-in; an empty one is none.
 struct HotKeys {
-  explicit HotKeys(const clsVTRLKItems& items)
-      : search(items.HotKeySearch()), show_all(items.HotKeyUnhide()) {}
+  HotKeys(std::u16string_view search_code, std::u16string_view show_all_code)
+      : search(search_code), show_all(show_all_code) {}
+  explicit HotKeys(const clsVTRLKItems& items) : HotKeys(items.HotKeySearch(), items.HotKeyUnhide()) {}
 
   std::u16string search;
   std::u16string show_all;

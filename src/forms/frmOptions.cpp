@@ -290,6 +290,7 @@ void frmOptions::FillLanguages() {
       if (Compare(name, language->LangFile(), CompareMode::Text) == 0) cbo0_LangFile.SetListIndex(index);
     }
   } catch (...) {
+    TraceCaught(shared_.Platform.Trace);
     complain(language->GetText(u"Err.LangFiles.Internal", u"Language files search error:\\n%1",
                                CurrentDescription()));
   }

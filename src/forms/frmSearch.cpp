@@ -274,6 +274,7 @@ bool frmSearch::Run(Operation operation) {
   try {
     result = operation();
   } catch (...) {
+    TraceCaught(shared_.Platform.Trace);
     if (!Loaded()) return false;
     result.error = GenericError(*shared_.Language);
   }

@@ -13,7 +13,7 @@ class Resumable {
     std::suspend_always initial_suspend() noexcept { return {}; }
     std::suspend_always final_suspend() noexcept { return {}; }
     void return_void() noexcept {}
-    // The work traps its own errors; what fails even in the trap (no memory for a text) ends it.
+    // Nothing comes here: the work traps its own errors, and its trap throws nothing.
     void unhandled_exception() noexcept {}
   };
   using Handle = std::coroutine_handle<promise_type>;

@@ -198,7 +198,7 @@ Resumable SearchRun::Work() {
   } catch (...) {
     outcome_ = Outcome::Failed;
     TraceCaught(shared_.Platform.Trace, "SearchRun::Work");
-    error_ = GenericError(*language_);
+    error_ = AttemptOr(shared_.Platform.Trace, std::u16string(), [this] { return GenericError(*language_); });
   }
 }
 

@@ -4,6 +4,7 @@
 #include <new>
 
 #include "util/AutomationError.h"
+#include "util/Scope.h"
 #include "util/Utf.h"
 
 namespace rowlark::server {
@@ -26,22 +27,6 @@ std::u16string TextOrMark(const VARIANT& value, std::size_t index) {
   }
   return u"%" + ToUtf16(std::to_string(index));
 }
-
-// Keeps an array as it is while its elements are read.
-class ArrayLock {
- public:
-  explicit ArrayLock(SAFEARRAY* array) : array_(array), locked_(SUCCEEDED(SafeArrayLock(array))) {}
-  ArrayLock(const ArrayLock&) = delete;
-  ArrayLock& operator=(const ArrayLock&) = delete;
-  ~ArrayLock() {
-    if (locked_) SafeArrayUnlock(array_);
-  }
-  explicit operator bool() const { return locked_; }
-
- private:
-  SAFEARRAY* array_;
-  bool locked_;
-};
 
 }  // namespace
 
@@ -104,8 +89,9 @@ std::vector<std::u16string> TextsOf(const VARIANT& argument) {
       FAILED(SafeArrayGetUBound(array, 1, &last))) {
     return {};
   }
-  const ArrayLock lock(array);
-  if (!lock) return {};
+  // It stays as it is while its elements are read.
+  if (FAILED(SafeArrayLock(array))) return {};
+  const ScopeExit unlock([array] { SafeArrayUnlock(array); });
   VARTYPE type = VT_EMPTY;
   if (FAILED(SafeArrayGetVartype(array, &type))) return {};
   std::vector<std::u16string> texts;

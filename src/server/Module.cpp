@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "automation/Variant.h"
-#include "server/Library.h"
+#include "server/WindowsProgram.h"
 #include "util/AutomationError.h"
 
 namespace rowlark::server {
@@ -48,18 +48,20 @@ bool Module::Keep(IUnknown* object) noexcept try {
   kept_.back() = automation::ComPtr<IUnknown>(object);
   return true;
 } catch (const std::bad_alloc&) {
+  TraceCaught(program_->Trace());
   return false;
 }
 
 automation::ComPtr<ITypeInfo> Module::TypeInfo(const GUID& guid) {
   automation::ComPtr<ITypeInfo> info;
-  if (!type_library_) LoadTypeLibEx(automation::Wide(FileName().c_str()), REGKIND_NONE, type_library_.Put());
+  if (!type_library_) LoadTypeLibEx(windows::AsWide(FileName().c_str()), REGKIND_NONE, type_library_.Put());
   if (type_library_) type_library_->GetTypeInfoOfGuid(guid, info.Put());
   return info;
 }
 
-Library& Module::Program() {
-  if (!program_) program_ = std::make_unique<Library>(FileName(), [this] { std::exchange(kept_, {}); });
+WindowsProgram& Module::Program() {
+  if (!program_)
+    program_ = std::make_unique<WindowsProgram>(FileName(), [this] { std::exchange(kept_, {}); });
   return *program_;
 }
 

@@ -15,7 +15,7 @@
 
 namespace rowlark::server {
 
-class Library;
+class WindowsProgram;
 
 // The program is one, and belongs to one thread: to the one that made the first object, until the last object
 // has gone. `DllCanUnloadNow` may come from anywhere.
@@ -32,7 +32,7 @@ class Module {
 
   // The calling thread works on the library, as if it held an object. Raises an error while the program
   // belongs to another one.
-  class Visit {
+  class [[nodiscard]] Visit {
    public:
     explicit Visit(Module& module) : module_(module) { module.Enter(); }
     Visit(const Visit&) = delete;
@@ -56,7 +56,7 @@ class Module {
   automation::ComPtr<ITypeInfo> TypeInfo(const GUID& guid);
 
   // The program, begun with the first object.
-  Library& Program();
+  WindowsProgram& Program();
 
   // The object that stands for a core object, while there is one: the same core object is the same object to
   // every client.
@@ -74,7 +74,7 @@ class Module {
   volatile LONG objects_ = 0;
   volatile LONG thread_ = 0;  // the one that the program belongs to; 0 for none
   automation::ComPtr<ITypeLib> type_library_;
-  std::unique_ptr<Library> program_;
+  std::unique_ptr<WindowsProgram> program_;
   std::vector<automation::ComPtr<IUnknown>> kept_;
   std::unordered_map<const void*, IUnknown*> objects_by_core_;  // not counted
 };

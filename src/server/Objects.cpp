@@ -1,5 +1,6 @@
 #include "server/Objects.h"
 #include "server/Arguments.h"
+#include "server/WindowsProgram.h"
 
 namespace rowlark::server {
 
@@ -274,9 +275,9 @@ HRESULT ItemsObject::CfgLoad(VARIANT_BOOL* result) noexcept {
 // Language
 
 LangObject::LangObject(Module& module, std::shared_ptr<clsVTRLKLang> core)
-    : Object(module, u"clsVTRLKLang", std::move(core)) {
-  events_ =
-      std::make_unique<automation::EventSource>(*static_cast<_clsVTRLKLang*>(this), __uuidof(__clsVTRLKLang));
+    : DualObject(module, u"clsVTRLKLang", std::move(core)) {
+  events_ = std::make_unique<automation::EventSource>(*static_cast<_clsVTRLKLang*>(this),
+                                                      __uuidof(__clsVTRLKLang), module.Program().Trace());
   new_language_ = core_->NewLangLoaded().Connect([this](const std::u16string& file) {
     automation::Variant argument(file);
     events_->Fire(1, &argument, 1);

@@ -5,17 +5,17 @@
 
 #include "lang/clsVTRLKLang.h"
 #include "runtime/clsVTRLKRuntime.h"
-#include "server/Object.h"
+#include "server/DualObject.h"
 #include "settings/clsVTRLKItem.h"
 #include "settings/clsVTRLKItems.h"
 #include "settings/clsVTRLKRecentItems.h"
 
 namespace rowlark::server {
 
-class OptionsObject final : public Object<_clsVTRLKOptions, ::clsVTRLKOptions, clsVTRLKOptions> {
+class OptionsObject final : public DualObject<_clsVTRLKOptions, ::clsVTRLKOptions, clsVTRLKOptions> {
  public:
   OptionsObject(Module& module, std::shared_ptr<clsVTRLKOptions> core)
-      : Object(module, u"clsVTRLKOptions", std::move(core)) {}
+      : DualObject(module, u"clsVTRLKOptions", std::move(core)) {}
 
   STDMETHODIMP get_CompareMethod(long* result) noexcept override;
   STDMETHODIMP put_CompareMethod(long value) noexcept override;
@@ -29,10 +29,10 @@ class OptionsObject final : public Object<_clsVTRLKOptions, ::clsVTRLKOptions, c
   STDMETHODIMP put_UnhideOnEsc(VARIANT_BOOL value) noexcept override;
 };
 
-class ItemObject final : public Object<_clsVTRLKItem, ::clsVTRLKItem, clsVTRLKItem> {
+class ItemObject final : public DualObject<_clsVTRLKItem, ::clsVTRLKItem, clsVTRLKItem> {
  public:
   ItemObject(Module& module, std::shared_ptr<clsVTRLKItem> core)
-      : Object(module, u"clsVTRLKItem", std::move(core)) {}
+      : DualObject(module, u"clsVTRLKItem", std::move(core)) {}
 
   STDMETHODIMP get_UsingAutoRange(VARIANT_BOOL* result) noexcept override;
   STDMETHODIMP put_UsingAutoRange(VARIANT_BOOL value) noexcept override;
@@ -62,10 +62,10 @@ class ItemObject final : public Object<_clsVTRLKItem, ::clsVTRLKItem, clsVTRLKIt
 };
 
 class RecentItemsObject final
-    : public Object<_clsVTRLKRecentItems, ::clsVTRLKRecentItems, clsVTRLKRecentItems> {
+    : public DualObject<_clsVTRLKRecentItems, ::clsVTRLKRecentItems, clsVTRLKRecentItems> {
  public:
   RecentItemsObject(Module& module, std::shared_ptr<clsVTRLKRecentItems> core)
-      : Object(module, u"clsVTRLKRecentItems", std::move(core)) {}
+      : DualObject(module, u"clsVTRLKRecentItems", std::move(core)) {}
 
   STDMETHODIMP get_Use(VARIANT_BOOL* result) noexcept override;
   STDMETHODIMP put_Use(VARIANT_BOOL value) noexcept override;
@@ -82,10 +82,10 @@ class RecentItemsObject final
   STDMETHODIMP ToObject(BSTR data) noexcept override;
 };
 
-class ItemsObject final : public Object<_clsVTRLKItems, ::clsVTRLKItems, clsVTRLKItems> {
+class ItemsObject final : public DualObject<_clsVTRLKItems, ::clsVTRLKItems, clsVTRLKItems> {
  public:
   ItemsObject(Module& module, std::shared_ptr<clsVTRLKItems> core)
-      : Object(module, u"clsVTRLKItems", std::move(core)) {}
+      : DualObject(module, u"clsVTRLKItems", std::move(core)) {}
 
   STDMETHODIMP get_UnhideOnEsc(VARIANT_BOOL* result) noexcept override;
   STDMETHODIMP put_UnhideOnEsc(VARIANT_BOOL value) noexcept override;
@@ -132,7 +132,7 @@ class ItemsObject final : public Object<_clsVTRLKItems, ::clsVTRLKItems, clsVTRL
   STDMETHODIMP CfgLoad(VARIANT_BOOL* result) noexcept override;
 };
 
-class LangObject final : public Object<_clsVTRLKLang, ::clsVTRLKLang, clsVTRLKLang> {
+class LangObject final : public DualObject<_clsVTRLKLang, ::clsVTRLKLang, clsVTRLKLang> {
  public:
   LangObject(Module& module, std::shared_ptr<clsVTRLKLang> core);
 
@@ -149,7 +149,7 @@ class LangObject final : public Object<_clsVTRLKLang, ::clsVTRLKLang, clsVTRLKLa
   Connection new_language_;
 };
 
-class RuntimeObject final : public Object<_clsVTRLKRuntime, ::clsVTRLKRuntime, clsVTRLKRuntime> {
+class RuntimeObject final : public DualObject<_clsVTRLKRuntime, ::clsVTRLKRuntime, clsVTRLKRuntime> {
  public:
   explicit RuntimeObject(Module& module);
 

@@ -13,7 +13,7 @@ namespace {
 
 using automation::Bstr;
 using automation::ComPtr;
-using automation::Wide;
+using windows::AsWide;
 
 constexpr std::u16string_view kProgId = u"vtrlk_runtime.clsVTRLKRuntime";
 constexpr std::u16string_view kVersion = u"1.0";
@@ -26,7 +26,7 @@ constexpr std::u16string_view kEventsProxy = u"{00020420-0000-0000-C000-00000000
 std::u16string Braced(const GUID& guid) {
   wchar_t text[40] = {};
   StringFromGUID2(guid, text, 40);
-  return automation::Narrow(text);
+  return windows::AsUtf16(text);
 }
 
 std::u16string ClassKey() { return u"CLSID\\" + Braced(__uuidof(::clsVTRLKRuntime)); }
@@ -81,14 +81,14 @@ class Classes {
 
   void Set(const std::u16string& path, const wchar_t* name, std::u16string_view text) const {
     windows::RegistryKey key;
-    Check(RegCreateKeyExW(key_.get(), Wide(path.c_str()), 0, nullptr, 0, KEY_SET_VALUE, nullptr, key.Put(),
+    Check(RegCreateKeyExW(key_.get(), AsWide(path.c_str()), 0, nullptr, 0, KEY_SET_VALUE, nullptr, key.Put(),
                           nullptr));
     const std::u16string value(text);
     Check(RegSetValueExW(key.get(), name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
                          static_cast<DWORD>((value.size() + 1) * sizeof(char16_t))));
   }
   void Remove(const std::u16string& path) const {
-    const LSTATUS status = RegDeleteTreeW(key_.get(), Wide(path.c_str()));
+    const LSTATUS status = RegDeleteTreeW(key_.get(), AsWide(path.c_str()));
     if (status != ERROR_FILE_NOT_FOUND) Check(status);
   }
   // Whether the library of the other bitness has written the key. Programs of either bitness have classes and
@@ -96,13 +96,13 @@ class Classes {
   bool HasInOtherView(const std::u16string& path) const {
     constexpr REGSAM kOther = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
     windows::RegistryKey key;
-    const std::wstring full = std::wstring(kPath) + L'\\' + Wide(path.c_str());
+    const std::wstring full = std::wstring(kPath) + L'\\' + AsWide(path.c_str());
     return RegOpenKeyExW(root_, full.c_str(), 0, KEY_READ | kOther, key.Put()) == ERROR_SUCCESS;
   }
   bool HasChildren(const std::u16string& path) const {
     windows::RegistryKey key;
     DWORD children = 0;
-    if (RegOpenKeyExW(key_.get(), Wide(path.c_str()), 0, KEY_READ, key.Put()) == ERROR_SUCCESS) {
+    if (RegOpenKeyExW(key_.get(), AsWide(path.c_str()), 0, KEY_READ, key.Put()) == ERROR_SUCCESS) {
       RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &children, nullptr, nullptr, nullptr, nullptr,
                        nullptr, nullptr, nullptr);
     }
@@ -118,7 +118,7 @@ class Classes {
 
 ComPtr<ITypeLib> Load(const std::u16string& file) {
   ComPtr<ITypeLib> library;
-  const HRESULT result = LoadTypeLibEx(Wide(file.c_str()), REGKIND_NONE, library.Put());
+  const HRESULT result = LoadTypeLibEx(AsWide(file.c_str()), REGKIND_NONE, library.Put());
   if (FAILED(result)) throw Refused{result};
   return library;
 }

@@ -1,7 +1,7 @@
 #include "host/windows/ExcelAdapter.h"
 #include "server/Arguments.h"
-#include "server/Library.h"
 #include "server/Objects.h"
+#include "server/WindowsProgram.h"
 
 namespace rowlark::server {
 namespace {
@@ -21,10 +21,10 @@ VARIANT_BOOL Try(VARIANT* error, Operation operation) {
 }  // namespace
 
 RuntimeObject::RuntimeObject(Module& module)
-    : Object(module, u"clsVTRLKRuntime",
-             std::make_shared<clsVTRLKRuntime>(module.Program().Shared, module.Program().Forms)) {
+    : DualObject(module, u"clsVTRLKRuntime",
+                 std::make_shared<clsVTRLKRuntime>(module.Program().Shared, module.Program().Forms)) {
   events_ = std::make_unique<automation::EventSource>(*static_cast<_clsVTRLKRuntime*>(this),
-                                                      __uuidof(__clsVTRLKRuntime));
+                                                      __uuidof(__clsVTRLKRuntime), module.Program().Trace());
   searching_ = core_->SearchingEvent().Connect([this](bool& searching) {
     VARIANT_BOOL flag = Flag(searching);
     VARIANT argument;
@@ -54,7 +54,8 @@ HRESULT RuntimeObject::put_SearchOptions(_clsVTRLKOptions* value) noexcept {
 HRESULT RuntimeObject::put_ExcelApp(VARIANT value) noexcept {
   return Do([&] {
     const auto application = ObjectOf(value);
-    core_->SetExcelApp(application ? windows::WrapExcel(application.get()) : nullptr);
+    core_->SetExcelApp(application ? windows::WrapExcel(application.get(), module_.Program().Trace())
+                                   : nullptr);
   });
 }
 HRESULT RuntimeObject::get_Language(_clsVTRLKLang** result) noexcept {

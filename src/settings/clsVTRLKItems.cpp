@@ -77,7 +77,7 @@ std::vector<Configuration::Profile> clsVTRLKItems::Apply(const Configuration& re
   if (options[Configuration::kHotKeySearch]) hot_key_search_ = *options[Configuration::kHotKeySearch];
   if (options[Configuration::kHotKeyUnhide]) mstrHotKeyUnhide = *options[Configuration::kHotKeyUnhide];
   if (const auto& language = options[Configuration::kLanguage]; language && foundation_->Language) {
-    // A missing language of the set-up was once written as the bare extension.
+    // There are files with the bare extension for a language that the set-up lacked.
     if (language->empty() || language == u".lng") {
       foundation_->Language->SetDefault();
     } else {

@@ -37,6 +37,23 @@ std::string CurrentKind() {
   }
 }
 
+std::string Operation(const SourceLocation& where) {
+  std::string_view file = where.file;
+  file.remove_prefix(file.find_last_of("/\\") + 1);
+  std::string operation(where.function);
+  return operation.append(" (").append(file).append(":").append(std::to_string(where.line)).append(")");
+}
+
+template <class Line>
+void Write(Trace* trace, Line line) noexcept {
+  if (trace == nullptr) return;
+  try {
+    trace->Write(line());
+  } catch (...) {
+    trace->Write("out of memory");
+  }
+}
+
 void AppendDigits(std::string& text, int64_t number, std::size_t digits) {
   const auto plain = std::to_string(number);
   text.append(digits - std::min(digits, plain.size()), '0');
@@ -46,25 +63,15 @@ void AppendDigits(std::string& text, int64_t number, std::size_t digits) {
 }  // namespace
 
 void TraceCaught(Trace* trace, std::string_view operation) noexcept {
-  if (trace == nullptr) return;
-  try {
-    trace->Write(std::string(operation) + ": " + CurrentKind());
-  } catch (...) {
-    trace->Write("out of memory");
-  }
+  Write(trace, [&] { return std::string(operation) + ": " + CurrentKind(); });
 }
 
 void TraceCaught(Trace* trace, SourceLocation where) noexcept {
-  if (trace == nullptr) return;
-  try {
-    std::string_view file = where.file;
-    file.remove_prefix(file.find_last_of("/\\") + 1);
-    std::string operation(where.function);
-    operation.append(" (").append(file).append(":").append(std::to_string(where.line)).append(")");
-    TraceCaught(trace, operation);
-  } catch (...) {
-    trace->Write("out of memory");
-  }
+  Write(trace, [&] { return Operation(where) + ": " + CurrentKind(); });
+}
+
+void TraceNumber(Trace* trace, int32_t number, SourceLocation where) noexcept {
+  Write(trace, [&] { return Operation(where) + ": error " + Number(number); });
 }
 
 std::string TraceLine(std::string_view line) {

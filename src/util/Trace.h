@@ -5,6 +5,7 @@
 // quote cells, searches or paths, so they never go into it.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -28,6 +29,8 @@ std::unique_ptr<Trace> OpenTrace();
 // Tells of the exception that is being handled and goes no further. Without a trace nothing happens.
 void TraceCaught(Trace* trace, std::string_view operation) noexcept;
 void TraceCaught(Trace* trace, SourceLocation where = SourceLocation::Current()) noexcept;
+// Tells of a failure that a host or a system has answered with that number.
+void TraceNumber(Trace* trace, int32_t number, SourceLocation where = SourceLocation::Current()) noexcept;
 
 // Does what may fail; false when it did.
 template <class Action>

@@ -66,7 +66,7 @@ class Script final : public automation::Counted<IActiveScriptSite> {
     Variant value;
     const std::u16string wide = ToUtf16(code);
     const HRESULT result = parser_->ParseScriptText(
-        automation::Wide(wide.c_str()), nullptr, nullptr, nullptr, 0, 0,
+        windows::AsWide(wide.c_str()), nullptr, nullptr, nullptr, 0, 0,
         expression ? SCRIPTTEXT_ISEXPRESSION : SCRIPTTEXT_ISVISIBLE, value.Put(), nullptr);
     if (FAILED(result)) return "! " + (error_.empty() ? std::to_string(result) : error_);
     if (value.vt == VT_NULL) return "= Null";
@@ -107,7 +107,7 @@ std::u16string TextOf(HWND window) {
   DWORD_PTR length = 0;
   SendMessageTimeoutW(window, WM_GETTEXT, std::size(text), reinterpret_cast<LPARAM>(text), SMTO_ABORTIFHUNG,
                       1000, &length);
-  return automation::Narrow(text);
+  return windows::AsUtf16(text);
 }
 
 struct Listing {
@@ -138,7 +138,7 @@ struct Listing {
     if (std::wstring_view(name) == L"Button" && SendMessageW(window, BM_GETCHECK, 0, 0) == BST_CHECKED)
       flags += 'C';
     std::string line = number(window) + '\t' + number(GetAncestor(window, GA_PARENT)) + '\t' +
-                       Line(automation::Narrow(name)) + '\t' + Line(TextOf(window));
+                       Line(windows::AsUtf16(name)) + '\t' + Line(TextOf(window));
     for (const LONG value : {place.left, place.top, place.right - place.left, place.bottom - place.top}) {
       line += '\t' + std::to_string(value);
     }

@@ -77,7 +77,7 @@ class FakeObject final : public automation::Counted<IDispatchEx> {
 
  private:
   HRESULT IdOf(const wchar_t* wide, DISPID& id) const {
-    const auto name = ToUtf8(automation::Narrow(wide));
+    const auto name = ToUtf8(windows::AsUtf16(wide));
     for (std::size_t i = 0; i < functions_.size(); ++i) {
       if (functions_[i].first != name) continue;
       id = static_cast<DISPID>(i);

@@ -22,8 +22,9 @@ std::u16string Literal(std::u16string_view text) {
 }  // namespace
 
 MessageForm::MessageForm(std::u16string_view title, std::u16string_view text,
-                         const std::vector<std::u16string>& buttons, int32_t width, controls::View& view)
-    : Form(u"MessageForm"), answer_(buttons.size() - 1) {
+                         const std::vector<std::u16string>& buttons, int32_t width, controls::View& view,
+                         Trace* trace)
+    : Form(u"MessageForm", trace), answer_(buttons.size() - 1) {
   SetCaption(title);
   std::u16string lines;
   for (const auto [begin, end] : BreakLines(text, width)) {
@@ -63,8 +64,9 @@ void MessageForm::Form_Close() {
   Unload();
 }
 
-ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t rows, controls::View& view)
-    : Form(u"ListForm") {
+ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t rows, controls::View& view,
+                   Trace* trace)
+    : Form(u"ListForm", trace) {
   int32_t width = 0;
   for (const auto& entry : entries) {
     list_.AddItem({entry.text, {}, 0});

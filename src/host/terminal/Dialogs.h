@@ -18,7 +18,7 @@ namespace rowlark::terminal {
 class MessageForm final : public controls::Form {
  public:
   MessageForm(std::u16string_view title, std::u16string_view text, const std::vector<std::u16string>& buttons,
-              int32_t width, controls::View& view);
+              int32_t width, controls::View& view, Trace* trace);
 
   // The index of the button that was pressed.
   std::size_t Answer() const { return answer_; }
@@ -39,7 +39,8 @@ class ListForm final : public controls::Form {
     char32_t accelerator = 0;  // the letter that chooses it
   };
   // Shows so many rows at the most.
-  ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t rows, controls::View& view);
+  ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t rows, controls::View& view,
+           Trace* trace);
 
   // The index of the entry chosen; -1 when none was.
   int32_t Chosen() const { return chosen_; }

@@ -107,8 +107,8 @@ void TerminalWindowSystem::EndWaits() {
 std::size_t TerminalWindowSystem::Choose(std::u16string_view text, std::u16string_view title,
                                          const std::vector<std::u16string>& buttons) {
   constexpr int32_t kWidest = 60;
-  const auto form =
-      MakeRef<MessageForm>(title, text, buttons, std::min(kWidest, screen_.Size().width - 6), *this);
+  const auto form = MakeRef<MessageForm>(title, text, buttons, std::min(kWidest, screen_.Size().width - 6),
+                                         *this, pump_.Trace());
   windows_.push_back({form.get()});
   Run(*form);
   return form->Answer();
@@ -127,8 +127,8 @@ bool TerminalWindowSystem::Ask(std::u16string_view text, std::u16string_view tit
 
 int32_t TerminalWindowSystem::ChooseFrom(const std::vector<ListForm::Entry>& entries, int32_t selected,
                                          Point beside) {
-  const auto form =
-      MakeRef<ListForm>(entries, selected, std::clamp(screen_.Size().height - 4, 1, kMostEntries), *this);
+  const auto form = MakeRef<ListForm>(
+      entries, selected, std::clamp(screen_.Size().height - 4, 1, kMostEntries), *this, pump_.Trace());
   windows_.push_back({form.get()});
   windows_.back().beside = beside;
   Run(*form);

@@ -13,7 +13,7 @@ class ActivationContext {
   explicit ActivationContext(HINSTANCE module);
 
   // Windows that are created within a scope are of that version.
-  class Scope {
+  class [[nodiscard]] Scope {
    public:
     explicit Scope(const ActivationContext& context);
     Scope(const Scope&) = delete;

@@ -2,16 +2,16 @@
 
 #include <algorithm>
 
-#include "host/windows/Wide.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 
 namespace {
 
 // The screen, on which text is as wide as in a window; contexts in memory may smooth it in another way.
-class Screen {
+class ScreenText {
  public:
-  explicit Screen(HFONT font) : context_(::GetDC(nullptr)), font_(*context_, font) {}
+  explicit ScreenText(HFONT font) : context_(::GetDC(nullptr)), font_(*context_, font) {}
 
   SIZE Extent(std::wstring_view text) const {
     SIZE size{};
@@ -32,7 +32,7 @@ class Screen {
 }  // namespace
 
 DialogScale::DialogScale(const LOGFONTW& font) : font_(::CreateFontIndirectW(&font)) {
-  const Screen screen(*font_);
+  const ScreenText screen(*font_);
   const LONG alphabet = screen.Extent(L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz").cx;
   width_ = std::max(1, static_cast<int>((alphabet / 26 + 1) / 2));
   height_ = std::max(1, screen.TextHeight());
@@ -44,7 +44,7 @@ RECT DialogScale::Pixels(const controls::Rect& units) const {
 }
 
 int32_t DialogScale::TextWidth(std::u16string_view text) const {
-  const auto pixels = static_cast<int32_t>(Screen(*font_).Extent(Wide(text)).cx);
+  const auto pixels = static_cast<int32_t>(ScreenText(*font_).Extent(ToWide(text)).cx);
   return (pixels * 4 + width_ - 1) / width_;
 }
 

@@ -30,7 +30,7 @@ std::optional<DISPID> IdOfName(IDispatch& object, const wchar_t* name) {
   if (result == E_NOTIMPL) {  // objects of script engines
     const auto extended = ComPtr<IDispatchEx>::From(&object);
     if (extended) {
-      result = extended->GetDispID(Bstr(automation::Narrow(name)).get(), fdexNameCaseInsensitive, &id);
+      result = extended->GetDispID(Bstr(windows::AsUtf16(name)).get(), fdexNameCaseInsensitive, &id);
     }
   }
   if (result == DISP_E_UNKNOWNNAME || result == DISP_E_MEMBERNOTFOUND) return std::nullopt;
@@ -45,7 +45,7 @@ std::u16string SystemText(HRESULT result) {
       FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
       static_cast<DWORD>(result), 0, reinterpret_cast<wchar_t*>(&buffer), 0, nullptr);
   std::u16string text;
-  if (length > 0) text.assign(automation::Narrow(buffer), length);
+  if (length > 0) text.assign(windows::AsUtf16(buffer), length);
   LocalFree(buffer);
   text.resize(text.find_last_not_of(u" \r\n") + 1);
   return text;
@@ -70,7 +70,7 @@ std::u16string Describe(HRESULT result) {
   if (HRESULT_FACILITY(result) == FACILITY_CONTROL) return u"Application-defined or object-defined error";
   wchar_t number[32];
   std::swprintf(number, std::size(number), L"Automation error 0x%08lX", static_cast<unsigned long>(result));
-  return automation::Narrow(number);
+  return windows::AsUtf16(number);
 }
 
 int32_t NumberOf(HRESULT result) {
@@ -116,7 +116,7 @@ Variant Converted(const VARIANT& value, VARTYPE type, LCID locale) {
 
 // What is read may be a property or a method; late-bound callers leave that to the object.
 void Dispatch::InvokeWith(Member& member, VARIANT* arguments, std::size_t count, VARIANT* result) const {
-  IDispatch& object = *object_.get();
+  IDispatch& object = *object_;
   DISPPARAMS parameters{arguments, nullptr, static_cast<UINT>(count), 0};
   EXCEPINFO exception{};
   const auto flags =
@@ -127,7 +127,7 @@ void Dispatch::InvokeWith(Member& member, VARIANT* arguments, std::size_t count,
 }
 
 void Dispatch::Put(Member& member, const Variant& value, LCID locale) const {
-  IDispatch& object = *object_.get();
+  IDispatch& object = *object_;
   DISPID named = DISPID_PROPERTYPUT;
   DISPPARAMS parameters{const_cast<Variant*>(&value), &named, 1, 1};
   EXCEPINFO exception{};

@@ -30,7 +30,7 @@ class Dpi {
 
   // Within a scope windows are made with the pixels of their monitor, and coordinates are such pixels, also
   // in a host that leaves the scaling to the system.
-  class Scope {
+  class [[nodiscard]] Scope {
    public:
     explicit Scope(const Dpi& dpi);
     Scope(const Scope&) = delete;

@@ -13,7 +13,8 @@ namespace {
 
 class ExcelApplication final : public host::Application {
  public:
-  explicit ExcelApplication(IDispatch* object) : object_(object) {}
+  ExcelApplication(IDispatch* object, Trace* trace)
+      : session_(MakeRef<ExcelSession>(trace)), object_(object) {}
 
   Ref<host::Workbook> ActiveWorkbook() const override {
     Dispatch workbook = object_.ObjectOrNothing(Members().ActiveWorkbook);
@@ -60,18 +61,18 @@ class ExcelApplication final : public host::Application {
  private:
   ApplicationMembers& Members() const { return session_->Application; }
 
-  Ref<ExcelSession> session_ = MakeRef<ExcelSession>();
+  Ref<ExcelSession> session_;
   Dispatch object_;
 };
 
 }  // namespace
 
-Ref<host::Application> WrapExcel(IDispatch* application) {
-  return application != nullptr ? MakeRef<ExcelApplication>(application) : nullptr;
+Ref<host::Application> WrapExcel(IDispatch* application, Trace* trace) {
+  return application != nullptr ? MakeRef<ExcelApplication>(application, trace) : nullptr;
 }
 
 Ref<host::Worksheet> WrapWorksheet(IDispatch* sheet) {
-  return sheet != nullptr ? MakeRef<ExcelSession>()->MakeSheet(Dispatch(sheet)) : nullptr;
+  return sheet != nullptr ? MakeRef<ExcelSession>(nullptr)->MakeSheet(Dispatch(sheet)) : nullptr;
 }
 
 }  // namespace rowlark::windows

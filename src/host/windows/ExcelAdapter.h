@@ -17,12 +17,14 @@
 
 #include "host/spreadsheet.h"
 #include "util/Ref.h"
+#include "util/Trace.h"
 
 namespace rowlark::windows {
 
 // `application` is Excel's Application object; nothing for null. Handles belong to the calling thread and
-// hold the objects they stand for.
-Ref<host::Application> WrapExcel(IDispatch* application);
+// hold the objects they stand for. The trace, which outlives them where there is one, is told what handlers
+// of events throw.
+Ref<host::Application> WrapExcel(IDispatch* application, Trace* trace = nullptr);
 
 // A sheet that a client passes; nothing for null.
 Ref<host::Worksheet> WrapWorksheet(IDispatch* sheet);

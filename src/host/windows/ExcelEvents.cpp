@@ -6,7 +6,7 @@
 #include <ocidl.h>
 
 #include "automation/ComPtr.h"
-#include "automation/Counted.h"
+#include "automation/NamelessDispatch.h"
 #include "automation/TypeAttributes.h"
 #include "automation/Variant.h"
 #include "host/Error.h"
@@ -92,28 +92,19 @@ IDispatch* ObjectIn(const VARIANT& argument) {
   return argument.vt == VT_DISPATCH ? argument.pdispVal : nullptr;
 }
 
-class SelectionSink final : public automation::Counted<IDispatch> {
+class SelectionSink final : public automation::NamelessDispatch {
  public:
   using Handler = std::function<void(IDispatch& sheet, IDispatch& target)>;
 
-  SelectionSink(const Source& source, Handler handler)
-      : Counted(source.interface_id), event_(EventId(source)), handler_(std::move(handler)) {}
+  SelectionSink(const Source& source, Handler handler, Trace* trace)
+      : NamelessDispatch(source.interface_id),
+        event_(EventId(source)),
+        handler_(std::move(handler)),
+        trace_(trace) {}
 
   // Nothing is heard of any more, also from a source that lets go of its sinks late.
   void Mute() { muted_ = true; }
 
-  STDMETHODIMP GetTypeInfoCount(UINT* count) noexcept override {
-    if (count == nullptr) return E_POINTER;
-    *count = 0;
-    return S_OK;
-  }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo** info) noexcept override {
-    if (info != nullptr) *info = nullptr;
-    return DISP_E_BADINDEX;
-  }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override {
-    return DISP_E_UNKNOWNNAME;
-  }
   // A source calls the sink with all its events; those of no interest succeed as well.
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
                       UINT*) noexcept override {
@@ -122,16 +113,14 @@ class SelectionSink final : public automation::Counted<IDispatch> {
     const ComPtr<IDispatch> sheet(ObjectIn(parameters->rgvarg[1]));
     const ComPtr<IDispatch> target(ObjectIn(parameters->rgvarg[0]));
     if (!sheet || !target) return S_OK;
-    try {
-      handler_(*sheet, *target);
-    } catch (...) {  // NOLINT(bugprone-empty-catch): not the source's affair
-    }
+    Attempt(trace_, [&] { handler_(*sheet, *target); });  // failing or not is no affair of the source
     return S_OK;
   }
 
  private:
   const DISPID event_;
   const Handler handler_;
+  Trace* const trace_;
   bool muted_ = false;
 };
 
@@ -158,15 +147,15 @@ class Advice {
 }  // namespace
 
 Connection ListenToSelection(IDispatch& workbook,
-                             std::function<void(IDispatch& sheet, IDispatch& target)> handler) {
+                             std::function<void(IDispatch& sheet, IDispatch& target)> handler, Trace* trace) {
   const auto container = ComPtr<IConnectionPointContainer>::From(&workbook);
   const Source source = SourceOf(workbook);
   ComPtr<IConnectionPoint> point;
   if (!container || FAILED(container->FindConnectionPoint(source.interface_id, point.Put()))) {
     throw host::Error(459, u"Object or class does not support the set of events");
   }
-  return Connection(
-      std::make_shared<Advice>(point, ComPtr<SelectionSink>(new SelectionSink(source, std::move(handler)))));
+  return Connection(std::make_shared<Advice>(
+      point, ComPtr<SelectionSink>(new SelectionSink(source, std::move(handler), trace))));
 }
 
 }  // namespace rowlark::windows

@@ -5,6 +5,7 @@
 #include "host/spreadsheet.h"
 #include "host/windows/Dispatch.h"
 #include "util/Ref.h"
+#include "util/Trace.h"
 
 namespace rowlark::windows {
 
@@ -112,6 +113,7 @@ struct ControlMembers {
 
 class ExcelSession final : public RefCounted {
  public:
+  rowlark::Trace* const Trace;
   ApplicationMembers Application;
   WorkbookMembers Workbook;
   SheetMembers Worksheet;
@@ -125,7 +127,8 @@ class ExcelSession final : public RefCounted {
   ControlsMembers BarControls, PopupControls;
   ControlMembers Button, Popup;
 
-  ExcelSession() = default;
+  // The trace, which may be null, is told what handlers of events throw.
+  explicit ExcelSession(rowlark::Trace* trace) : Trace(trace) {}
   ~ExcelSession() override;
 
   // Handles; null for Nothing.

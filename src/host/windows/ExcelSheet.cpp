@@ -61,12 +61,12 @@ Ref<host::Worksheet> ExcelWorkbook::ActiveSheet() const {
 }
 
 Connection ExcelWorkbook::OnSheetSelectionChange(SelectionHandler handler) {
-  return ListenToSelection(*object_.get(), [session = session_, handler = std::move(handler)](
-                                               IDispatch& sheet, IDispatch& target) {
+  const auto tell = [session = session_, handler = std::move(handler)](IDispatch& sheet, IDispatch& target) {
     const auto changed = session->MakeSheet(Dispatch(&sheet));
     const auto selected = session->MakeRange(Dispatch(&target));
     handler(*changed, *selected);
-  });
+  };
+  return ListenToSelection(*object_.get(), tell, session_->Trace);
 }
 
 Ref<host::Workbook> ExcelSheet::Parent() const {

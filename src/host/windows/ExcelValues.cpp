@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "automation/Arrays.h"
 #include "automation/ErrorValues.h"
 #include "host/windows/Dispatch.h"
 
@@ -21,32 +22,6 @@ std::u16string PlainText(const VARIANT& value, LCID locale = LOCALE_USER_DEFAULT
 
 // A column too narrow for a date shows a row of these.
 bool IsFiller(std::u16string_view text) { return text.find_first_not_of(u'#') == std::u16string_view::npos; }
-
-class Array {
- public:
-  explicit Array(ULONG count) : array_(SafeArrayCreateVector(VT_VARIANT, 0, count)) {
-    if (array_ == nullptr) throw std::bad_alloc();
-  }
-  Array(const Array&) = delete;
-  Array& operator=(const Array&) = delete;
-  ~Array() { SafeArrayDestroy(array_); }
-
-  void Set(LONG index, const Variant& value) {
-    if (const HRESULT result = SafeArrayPutElement(array_, &index, const_cast<Variant*>(&value));
-        FAILED(result)) {
-      ThrowError(result);
-    }
-  }
-  Variant Detach() {
-    Variant value;
-    value.vt = VT_ARRAY | VT_VARIANT;
-    value.parray = std::exchange(array_, nullptr);
-    return value;
-  }
-
- private:
-  SAFEARRAY* array_;
-};
 
 Variant Element(SAFEARRAY* array, VARTYPE type, LONG index) {
   Variant element;
@@ -84,11 +59,7 @@ std::u16string CellText(const VARIANT& value, const std::function<std::u16string
 Variant CriterionValue(const std::optional<host::Criterion>& criterion) {
   if (!criterion) return Variant::Missing();
   if (const auto* text = std::get_if<std::u16string>(&*criterion)) return std::u16string_view(*text);
-  const auto& texts = std::get<std::vector<std::u16string>>(*criterion);
-  Array array(static_cast<ULONG>(texts.size()));
-  LONG index = 0;
-  for (const auto& text : texts) array.Set(index++, std::u16string_view(text));
-  return array.Detach();
+  return automation::ArrayOf(std::get<std::vector<std::u16string>>(*criterion), 0);
 }
 
 // A criterion is read to be set again: its numbers are written as the host reads them then.

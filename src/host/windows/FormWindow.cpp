@@ -4,12 +4,10 @@
 #include <system_error>
 #include <utility>
 
-#include "controls/Button.h"
-#include "host/windows/Wide.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 
-using controls::ControlKind;
 using controls::Property;
 
 namespace {
@@ -45,7 +43,10 @@ FormDesk::~FormDesk() { ::UnregisterClassW(kClassName, Resources.Module()); }
 
 std::shared_ptr<KeyHook> FormDesk::Keys() {
   auto keys = keys_.lock();
-  if (!keys) keys_ = keys = std::make_shared<KeyHook>(KeyHook::Procedure<FormWindow::TakeKey>);
+  if (!keys) {
+    keys_ = keys = std::make_shared<KeyHook>(KeyHook::Procedure<FormWindow::TakeKey>);
+    if (!*keys) TraceNumber(Trace, static_cast<int32_t>(::GetLastError()));
+  }
   return keys;
 }
 
@@ -67,7 +68,7 @@ void FormWindow::Open(controls::Form& form, std::shared_ptr<FormDesk> desk) {
 }
 
 void FormWindow::Create() {
-  ::CreateWindowExW(kFormExtendedStyle, kClassName, Wide(form_->Caption()).c_str(), Style(), 0, 0, 0, 0,
+  ::CreateWindowExW(kFormExtendedStyle, kClassName, ToWide(form_->Caption()).c_str(), Style(), 0, 0, 0, 0,
                     nullptr, nullptr, desk_->Resources.Module(), this);
   if (site_.window == nullptr) {
     throw std::system_error(static_cast<int>(::GetLastError()), std::system_category());
@@ -81,39 +82,29 @@ void FormWindow::Create() {
 
 // In the tab order, which also puts a label before what it names.
 void FormWindow::MakeControls() {
-  auto order = form_->Controls();
-  std::ranges::stable_sort(order, {}, &controls::Control::TabIndex);
-  const controls::Control* before = nullptr;
+  const NativeControl* before = nullptr;
   LONG_PTR id = 100;
-  for (controls::Control* control : order) {
+  for (controls::Control* control : form_->InTabOrder()) {
     auto native = MakeNativeControl(*control, site_);
     if (!native) continue;
-    NativeControl& made = *site_.controls.emplace_back(std::move(native));
-    const bool is_option = control->Kind == ControlKind::OptionButton;
-    const bool goes_on =
-        before != nullptr && before->Kind == control->Kind && before->Container == control->Container;
-    const bool ends_options = before != nullptr && before->Kind == ControlKind::OptionButton && !is_option;
-    if ((is_option && !goes_on) || ends_options) {
+    const NativeControl& made = *site_.controls.emplace_back(std::move(native));
+    const bool follows_option = before != nullptr && before->IsOption();
+    const bool goes_on = follows_option && made.IsOption() && before->Model().Container == control->Container;
+    if ((made.IsOption() || follows_option) && !goes_on) {
       ::SetWindowLongPtrW(made.Window(), GWL_STYLE, ::GetWindowLongPtrW(made.Window(), GWL_STYLE) | WS_GROUP);
     }
-    before = control;
-    const auto* button =
-        control->Kind == ControlKind::Button ? static_cast<controls::Button*>(control) : nullptr;
-    const bool is_default = button != nullptr && button->Default;
-    const bool is_cancel = button != nullptr && button->Cancel;
-    ::SetWindowLongPtrW(made.Window(), GWLP_ID, is_default ? IDOK : is_cancel ? IDCANCEL : ++id);
-    if (is_default) ::SendMessageW(site_.window, DM_SETDEFID, IDOK, 0);
+    before = &made;
+    const int command = made.DialogCommand();
+    ::SetWindowLongPtrW(made.Window(), GWLP_ID, command != 0 ? command : ++id);
+    if (command == IDOK) ::SendMessageW(site_.window, DM_SETDEFID, IDOK, 0);
   }
   for (const auto& control : site_.controls) {
     control->Rescale();
-    for (const auto property :
-         {Property::Caption, Property::List, Property::Value, Property::Enabled, Property::Visible}) {
+    for (const auto property : {Property::Caption, Property::List, Property::Value, Property::Enabled,
+                                Property::Visible, Property::Text}) {
       control->Update(property);
     }
     if (!control->Model().ToolTip().empty()) Changed(control->Model(), Property::ToolTip);
-    if (auto kind = control->Model().Kind; kind == ControlKind::TextBox || kind == ControlKind::ComboBox) {
-      control->Update(Property::Text);
-    }
   }
 }
 
@@ -279,7 +270,7 @@ std::optional<LRESULT> FormWindow::HandleLooks(controls::Form&, const Message& m
 
 // The control that a timer or a posted click names; null when it is none of the form's.
 controls::Control* FormWindow::Find(const controls::Form& form, WPARAM name) {
-  const auto controls = form.Controls();
+  const auto& controls = form.Controls();
   const auto found = std::ranges::find_if(
       controls, [name](const controls::Control* one) { return reinterpret_cast<WPARAM>(one) == name; });
   return found == controls.end() ? nullptr : *found;

@@ -46,7 +46,7 @@ class FormDesk {
   std::vector<FormWindow*> Windows;
 
   // A message of a form is being handled, and whatever it calls.
-  class Visit {
+  class [[nodiscard]] Visit {
    public:
     explicit Visit(std::shared_ptr<FormDesk> desk) : desk_(std::move(desk)) { ++desk_->messages_; }
     Visit(const Visit&) = delete;
@@ -125,7 +125,7 @@ class FormWindow final : public controls::View, public RefCounted {
   void Resized(SIZE client);
   void Rescale(UINT dpi);
   void LayOut();
-  void StartTimer(controls::Timer& timer);
+  void StartTimer(controls::Timer& timer) const;
 
   std::shared_ptr<FormDesk> desk_;
   std::shared_ptr<KeyHook> keys_;

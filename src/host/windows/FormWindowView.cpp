@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "host/windows/FormWindow.h"
-#include "host/windows/Wide.h"
 #include "util/Scope.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 
@@ -33,7 +33,7 @@ void FormWindow::Show(controls::Control& control, Property property) {
 void FormWindow::ChangedForm(Property property) {
   switch (property) {
     case Property::Caption:
-      ::SetWindowTextW(site_.window, Wide(form_->Caption()).c_str());
+      ::SetWindowTextW(site_.window, ToWide(form_->Caption()).c_str());
       break;
     case Property::Visible:
       if (form_->Visible()) {
@@ -92,15 +92,14 @@ void FormWindow::DisableOthers() {
   ::EnumThreadWindows(::GetCurrentThreadId(), DisableOther, reinterpret_cast<LPARAM>(this));
 }
 
-BOOL CALLBACK FormWindow::DisableOther(HWND window, LPARAM self) noexcept try {
+BOOL CALLBACK FormWindow::DisableOther(HWND window, LPARAM self) noexcept {
   auto& form = *reinterpret_cast<FormWindow*>(self);
   const bool is_usable = ::IsWindowVisible(window) != 0 && ::IsWindowEnabled(window) != 0;
   if (window == form.site_.window || !is_usable) return TRUE;
-  form.disabled_.push_back(window);
-  ::EnableWindow(window, FALSE);
-  return TRUE;
-} catch (const std::bad_alloc&) {
-  return FALSE;
+  return Attempt(form.desk_->Trace, [&] {
+    form.disabled_.push_back(window);
+    ::EnableWindow(window, FALSE);
+  });
 }
 
 // Frames do not clip what stands in them and controls lie on the bare form, so what moves is drawn anew
@@ -162,10 +161,12 @@ void FormWindow::Rescale(UINT dpi) {
   form_->Arrange();
 }
 
-void FormWindow::StartTimer(controls::Timer& timer) {
+void FormWindow::StartTimer(controls::Timer& timer) const {
   const auto id = reinterpret_cast<UINT_PTR>(static_cast<controls::Control*>(&timer));
   if (timer.Enabled()) {
-    ::SetTimer(site_.window, id, static_cast<UINT>(timer.Interval()), nullptr);
+    if (::SetTimer(site_.window, id, static_cast<UINT>(timer.Interval()), nullptr) == 0) {
+      TraceNumber(desk_->Trace, static_cast<int32_t>(::GetLastError()));
+    }
   } else {
     ::KillTimer(site_.window, id);
   }

@@ -25,6 +25,8 @@ class KeyHook {
   explicit KeyHook(HOOKPROC procedure)
       : handle_(::SetWindowsHookExW(WH_GETMESSAGE, procedure, nullptr, ::GetCurrentThreadId())) {}
 
+  explicit operator bool() const { return static_cast<bool>(handle_); }
+
  private:
   Hook handle_;
 };

@@ -4,18 +4,14 @@
 #include <system_error>
 #include <utility>
 
-#include "controls/Button.h"
-#include "controls/CheckBox.h"
-#include "controls/Frame.h"
 #include "controls/Image.h"
 #include "controls/Label.h"
-#include "controls/OptionButton.h"
 #include "host/windows/NativeButtons.h"
 #include "host/windows/NativeLists.h"
 #include "host/windows/NativeStatics.h"
 #include "host/windows/NativeTexts.h"
-#include "host/windows/Wide.h"
 #include "util/Scope.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 
@@ -66,7 +62,7 @@ void NativeControl::UpdateList() {
 void NativeControl::Apply(Property property) {
   switch (property) {
     case Property::Caption:
-      ::SetWindowTextW(window_, Wide(model_.Caption()).c_str());
+      ::SetWindowTextW(window_, ToWide(model_.Caption()).c_str());
       break;
     case Property::Enabled:
       ::EnableWindow(window_, model_.Enabled());
@@ -127,14 +123,14 @@ class NativeFactory final : public controls::Visitor {
 
   std::unique_ptr<NativeControl> Made;
 
-  void Visit(controls::Button& button) override { Make<NativeButton>(button); }
-  void Visit(controls::CheckBox& box) override { Make<NativeButton>(box); }
+  void Visit(controls::Button& button) override { Make<NativePushButton>(button); }
+  void Visit(controls::CheckBox& box) override { Make<NativeCheckBox>(box); }
   void Visit(controls::ComboBox& box) override { Make<NativeComboBox>(box); }
-  void Visit(controls::Frame& frame) override { Make<NativeButton>(frame); }
+  void Visit(controls::Frame& frame) override { Make<NativeFrame>(frame); }
   void Visit(controls::Image& image) override { Make<NativeImage>(image); }
   void Visit(controls::Label& label) override { Make<NativeLabel>(label); }
   void Visit(controls::ListView& list) override { Make<NativeListView>(list); }
-  void Visit(controls::OptionButton& button) override { Make<NativeButton>(button); }
+  void Visit(controls::OptionButton& button) override { Make<NativeOptionButton>(button); }
   void Visit(controls::TextBox& box) override {
     if (box.CueFor != nullptr) return Make<NativeCue>(box);
     Make<NativeTextBox>(box);
@@ -143,8 +139,8 @@ class NativeFactory final : public controls::Visitor {
   void Visit(controls::TreeView& tree) override { Make<NativeTreeView>(tree); }
 
  private:
-  template <class Native>
-  void Make(controls::Control& control) {
+  template <class Native, class Model>
+  void Make(Model& control) {
     Made = std::make_unique<Native>(control, site_);
   }
 

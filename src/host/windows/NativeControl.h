@@ -74,6 +74,10 @@ class NativeControl {
   virtual bool TakesKey(WPARAM) const { return false; }
   // Does what a key means to the control and its native window knows nothing of; true for such a key.
   virtual bool UseKey(WPARAM) { return false; }
+  // One of several that go together: the keyboard reaches them as one.
+  virtual bool IsOption() const { return false; }
+  // What Enter or Escape in a dialog has its click stand for, IDOK or IDCANCEL; 0: nothing.
+  virtual int DialogCommand() const { return 0; }
   // Its text stands where it does, and other texts in its line beside it.
   virtual bool LeadsLine() const { return false; }
 

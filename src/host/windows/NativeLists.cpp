@@ -4,7 +4,7 @@
 
 #include <uxtheme.h>
 
-#include "host/windows/Wide.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 
@@ -67,7 +67,7 @@ void NativeTreeView::FillList() {
     items_.clear();
   }
   for (std::size_t i = 0; i < nodes.size(); ++i) {
-    auto text = Wide(nodes[i].text);
+    auto text = ToWide(nodes[i].text);
     TVITEMEXW item{};
     item.mask = TVIF_TEXT | TVIF_IMAGE | TVIF_SELECTEDIMAGE;
     item.pszText = text.data();
@@ -134,7 +134,7 @@ void NativeListView::FillList() {
   Send(LVM_DELETEALLITEMS);
   Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(pictures_.Handle()));
   for (const auto& entry : List().Items()) {
-    auto text = Wide(entry.text);
+    auto text = ToWide(entry.text);
     LVITEMW item{};
     item.mask = LVIF_TEXT | LVIF_IMAGE;
     item.iItem = static_cast<int>(Send(LVM_GETITEMCOUNT));
@@ -176,7 +176,7 @@ LRESULT NativeToolBar::Notify(const NMHDR& header) {
   const auto& tip = reinterpret_cast<const NMTBGETINFOTIPW&>(header);
   const auto index = static_cast<std::size_t>(tip.iItem);
   if (index >= Bar().Buttons().size()) return 0;
-  const auto text = Wide(Bar().Buttons()[index].tool_tip);
+  const auto text = ToWide(Bar().Buttons()[index].tool_tip);
   ::lstrcpynW(tip.pszText, text.c_str(), tip.cchTextMax);
   return 0;
 }
@@ -187,7 +187,7 @@ void NativeToolBar::FillList() {
   for (const auto& button : Bar().Buttons()) pictures_.Index(button.key);
   Send(TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures_.Handle()));
   for (std::size_t i = 0; i < Bar().Buttons().size(); ++i) {
-    const auto text = Wide(Bar().Buttons()[i].caption);
+    const auto text = ToWide(Bar().Buttons()[i].caption);
     const int picture = pictures_.Index(Bar().Buttons()[i].key);
     TBBUTTON button{};
     button.iBitmap = picture < 0 ? I_IMAGENONE : picture;

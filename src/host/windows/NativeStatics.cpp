@@ -5,7 +5,7 @@
 
 #include "controls/Image.h"
 #include "controls/Label.h"
-#include "host/windows/Wide.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 
@@ -42,12 +42,12 @@ bool NativeLabel::UseKey(WPARAM key) {
 void NativeLabel::Apply(Property property) {
   const auto& label = static_cast<const controls::Label&>(model_);
   if (property == Property::Caption && is_link_ && label.Link) {
-    ::SetWindowTextW(window_, (L"<a>" + Wide(label.Caption()) + L"</a>").c_str());
+    ::SetWindowTextW(window_, (L"<a>" + ToWide(label.Caption()) + L"</a>").c_str());
     return;
   }
   NativeControl::Apply(property);
   if (property != Property::Caption || !is_link_) return;
-  // It is a link no longer.
+  // What has no target is a text like others.
   if (HasFocus()) ::SendMessageW(site_.window, WM_NEXTDLGCTL, 0, FALSE);
   ::SetWindowLongPtrW(window_, GWL_STYLE, ::GetWindowLongPtrW(window_, GWL_STYLE) & ~WS_TABSTOP);
 }
@@ -62,7 +62,7 @@ void NativeImage::Command(WORD code, WORD) {
 
 void NativeImage::Apply(Property property) {
   // For those who do not see it.
-  if (property == Property::ToolTip) ::SetWindowTextW(window_, Wide(model_.ToolTip()).c_str());
+  if (property == Property::ToolTip) ::SetWindowTextW(window_, ToWide(model_.ToolTip()).c_str());
   NativeControl::Apply(property);
 }
 

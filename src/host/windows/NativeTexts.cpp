@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "host/windows/Wide.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 
@@ -76,7 +76,7 @@ void NativeText::Typed() {
 void NativeText::Apply(Property property) {
   const std::u16string_view text = Input().Text();
   if (property == Property::Text) {
-    const auto native = ConvertsLines() ? WithReturns(text) : Wide(text);
+    const auto native = ConvertsLines() ? WithReturns(text) : ToWide(text);
     if (native != TextOf(window_)) ::SetWindowTextW(window_, native.c_str());
   } else if (property == Property::Selection) {
     const auto offset = [&](int32_t units) {
@@ -138,7 +138,8 @@ void NativeCue::Apply(Property property) {
   const auto& cue = static_cast<const controls::TextBox&>(model_);
   const NativeControl* field = site_.Find(*cue.CueFor);
   if (field == nullptr) return;
-  ::SendMessageW(field->Window(), EM_SETCUEBANNER, TRUE, reinterpret_cast<LPARAM>(Wide(cue.Text()).c_str()));
+  ::SendMessageW(field->Window(), EM_SETCUEBANNER, TRUE,
+                 reinterpret_cast<LPARAM>(ToWide(cue.Text()).c_str()));
 }
 
 NativeComboBox::NativeComboBox(controls::Control& model, FormSite& site) : NativeText(model, site) {
@@ -226,7 +227,7 @@ void NativeComboBox::FillList() {
   Send(WM_SETREDRAW, FALSE);
   Send(CB_RESETCONTENT);
   for (int32_t i = 0; i < Box().ListCount(); ++i) {
-    Send(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Wide(Box().List(i)).c_str()));
+    Send(CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(ToWide(Box().List(i)).c_str()));
   }
   Send(WM_SETREDRAW, TRUE);
   ::InvalidateRect(window_, nullptr, TRUE);

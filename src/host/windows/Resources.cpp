@@ -1,6 +1,6 @@
 #include "host/windows/Resources.h"
 
-#include "host/windows/Wide.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 namespace {
@@ -17,7 +17,7 @@ Resources::Resources() {
 Icon Resources::LoadPicture(std::u16string_view name, int pixels) const {
   if (name.empty()) return {};
   return Icon(static_cast<HICON>(
-      ::LoadImageW(module_, Wide(name).c_str(), IMAGE_ICON, pixels, pixels, LR_DEFAULTCOLOR)));
+      ::LoadImageW(module_, ToWide(name).c_str(), IMAGE_ICON, pixels, pixels, LR_DEFAULTCOLOR)));
 }
 
 }  // namespace rowlark::windows

@@ -2,7 +2,7 @@
 
 #include <commctrl.h>
 
-#include "host/windows/Wide.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 
@@ -16,7 +16,7 @@ void ToolTips::Create(HWND form, HINSTANCE module) {
 }
 
 void ToolTips::Set(HWND control, std::u16string_view text) const {
-  auto wide = Wide(text);
+  auto wide = ToWide(text);
   TTTOOLINFOW tool{};
   tool.cbSize = TTTOOLINFOW_V2_SIZE;
   tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;

@@ -4,11 +4,14 @@
 #include <windows.h>
 
 #include "host/Help.h"
+#include "util/Trace.h"
 
 namespace rowlark::windows {
 
 class WindowsHelp final : public host::Help {
  public:
+  explicit WindowsHelp(Trace* trace = nullptr) : trace_(trace) {}
+
   intptr_t HtmlHelp(std::u16string_view file, host::HelpCommand command, int32_t context) noexcept override;
 
  private:
@@ -16,8 +19,9 @@ class WindowsHelp final : public host::Help {
 
   // Null where HTML Help is not installed. The library has a thread and windows of its own, which may outlive
   // this object, so it is never unloaded.
-  static Function* Load();
+  Function* Load() const;
 
+  Trace* const trace_;
   Function* html_help_ = nullptr;
 };
 

@@ -4,8 +4,8 @@
 
 #include <utility>
 
-#include "host/windows/Wide.h"
 #include "util/windows/Handles.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 namespace {
@@ -18,7 +18,7 @@ HKEY Root(host::Hive hive) {
 // name off and mean another one.
 std::wstring KeyPath(std::u16string_view key) {
   while (key.ends_with(u'\\')) key.remove_suffix(1);
-  return key.find(u'\0') == key.npos ? Wide(key) : std::wstring();
+  return key.find(u'\0') == key.npos ? ToWide(key) : std::wstring();
 }
 
 RegistryKey Open(host::Hive hive, std::u16string_view path, REGSAM access) {
@@ -31,13 +31,19 @@ RegistryKey Open(host::Hive hive, std::u16string_view path, REGSAM access) {
   return key;
 }
 
+bool IsDone(LSTATUS status, Trace* trace) {
+  if (status != ERROR_SUCCESS) TraceNumber(trace, static_cast<int32_t>(status));
+  return status == ERROR_SUCCESS;
+}
+
 // Opens the key, or makes it with what is missing above it.
-RegistryKey Make(host::Hive hive, std::u16string_view path) {
+RegistryKey Make(host::Hive hive, std::u16string_view path, Trace* trace) {
   RegistryKey key;
   HKEY made = nullptr;
   if (const std::wstring wide = KeyPath(path);
-      !wide.empty() && ::RegCreateKeyExW(Root(hive), wide.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                         KEY_SET_VALUE, nullptr, &made, nullptr) == ERROR_SUCCESS) {
+      !wide.empty() && IsDone(::RegCreateKeyExW(Root(hive), wide.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                                KEY_SET_VALUE, nullptr, &made, nullptr),
+                              trace)) {
     key.reset(made);
   }
   return key;
@@ -51,7 +57,7 @@ std::optional<host::RegistryValue> WindowsRegistry::Read(host::Hive hive, std::u
                                                          std::u16string_view name) const {
   const RegistryKey opened = Open(hive, key, KEY_QUERY_VALUE);
   if (!opened || !IsName(name)) return std::nullopt;
-  const std::wstring wide_name = Wide(name);
+  const std::wstring wide_name = ToWide(name);
   std::vector<uint8_t> bytes(256);
   for (;;) {
     DWORD type = REG_NONE;
@@ -67,21 +73,21 @@ std::optional<host::RegistryValue> WindowsRegistry::Read(host::Hive hive, std::u
 }
 
 bool WindowsRegistry::CreateKey(host::Hive hive, std::u16string_view key) {
-  return static_cast<bool>(Make(hive, key));
+  return static_cast<bool>(Make(hive, key, trace_));
 }
 
 bool WindowsRegistry::Write(host::Hive hive, std::u16string_view key, std::u16string_view name,
                             const host::RegistryValue& value) {
   if (!IsName(name) || !std::in_range<DWORD>(value.bytes.size())) return false;
-  const RegistryKey made = Make(hive, key);
-  return made &&
-         ::RegSetValueExW(*made, Wide(name).c_str(), 0, static_cast<DWORD>(value.type), value.bytes.data(),
-                          static_cast<DWORD>(value.bytes.size())) == ERROR_SUCCESS;
+  const RegistryKey made = Make(hive, key, trace_);
+  return made && IsDone(::RegSetValueExW(*made, ToWide(name).c_str(), 0, static_cast<DWORD>(value.type),
+                                         value.bytes.data(), static_cast<DWORD>(value.bytes.size())),
+                        trace_);
 }
 
 bool WindowsRegistry::DeleteValue(host::Hive hive, std::u16string_view key, std::u16string_view name) {
   const RegistryKey opened = Open(hive, key, KEY_SET_VALUE);
-  return opened && IsName(name) && ::RegDeleteValueW(*opened, Wide(name).c_str()) == ERROR_SUCCESS;
+  return opened && IsName(name) && ::RegDeleteValueW(*opened, ToWide(name).c_str()) == ERROR_SUCCESS;
 }
 
 bool WindowsRegistry::DeleteKey(host::Hive hive, std::u16string_view key) {

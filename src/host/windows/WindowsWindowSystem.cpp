@@ -4,21 +4,21 @@
 
 #include <shellapi.h>
 
-#include <new>
 #include <utility>
 
 #include "host/windows/FormWindow.h"
-#include "host/windows/Wide.h"
 #include "util/Text.h"
+#include "util/windows/WideText.h"
 
 namespace rowlark::windows {
 namespace {
 
 struct ScreenList {
   const Dpi& dpi;
+  Trace* trace;
   std::vector<controls::TwipRect> screens;
 
-  static BOOL CALLBACK Add(HMONITOR monitor, HDC, RECT*, LPARAM list) noexcept try {
+  static BOOL CALLBACK Add(HMONITOR monitor, HDC, RECT*, LPARAM list) noexcept {
     MONITORINFO info{};
     info.cbSize = sizeof info;
     if (::GetMonitorInfoW(monitor, &info) == 0) return TRUE;
@@ -28,17 +28,16 @@ struct ScreenList {
                                     self.dpi.Twips(area.right - area.left),
                                     self.dpi.Twips(area.bottom - area.top)};
     const bool is_primary = (info.dwFlags & MONITORINFOF_PRIMARY) != 0;
-    self.screens.insert(is_primary ? self.screens.begin() : self.screens.end(), screen);
-    return TRUE;
-  } catch (const std::bad_alloc&) {
-    return FALSE;
+    return Attempt(self.trace, [&] {
+      self.screens.insert(is_primary ? self.screens.begin() : self.screens.end(), screen);
+    });
   }
 };
 
 int ShowBox(std::u16string_view text, std::u16string_view title, UINT style) {
   const HWND owner = ::GetActiveWindow();
   if (owner == nullptr) style |= MB_TASKMODAL;
-  return ::MessageBoxW(owner, Wide(text).c_str(), Wide(title).c_str(), style);
+  return ::MessageBoxW(owner, ToWide(text).c_str(), ToWide(title).c_str(), style);
 }
 
 }  // namespace
@@ -77,10 +76,14 @@ bool WindowsWindowSystem::Ask(std::u16string_view text, std::u16string_view titl
 }
 
 void WindowsWindowSystem::OpenLink(controls::Form&, std::u16string_view link) noexcept {
+  constexpr intptr_t kLastFailure = 32;
+  intptr_t result = kLastFailure + 1;
   Attempt(trace_, [&] {
     if (!MayOpen(link)) return;
-    ::ShellExecuteW(::GetActiveWindow(), L"open", Wide(link).c_str(), nullptr, nullptr, SW_SHOWDEFAULT);
+    result = reinterpret_cast<intptr_t>(::ShellExecuteW(::GetActiveWindow(), L"open", ToWide(link).c_str(),
+                                                        nullptr, nullptr, SW_SHOWDEFAULT));
   });
+  if (result <= kLastFailure) TraceNumber(trace_, static_cast<int32_t>(result));
 }
 
 void WindowsWindowSystem::Beep() noexcept { ::MessageBeep(MB_OK); }
@@ -88,14 +91,14 @@ void WindowsWindowSystem::Beep() noexcept { ::MessageBeep(MB_OK); }
 std::vector<controls::TwipRect> WindowsWindowSystem::Screens() const noexcept {
   const Dpi dpi;
   const Dpi::Scope scope(dpi);
-  ScreenList list{dpi, {}};
+  ScreenList list{dpi, trace_, {}};
   ::EnumDisplayMonitors(nullptr, nullptr, ScreenList::Add, reinterpret_cast<LPARAM>(&list));
   return std::move(list.screens);
 }
 
 intptr_t WindowsWindowSystem::WindowOfClass(std::u16string_view class_name) const noexcept {
   return AttemptOr(trace_, intptr_t{0}, [&] {
-    return reinterpret_cast<intptr_t>(::FindWindowW(Wide(class_name).c_str(), nullptr));
+    return reinterpret_cast<intptr_t>(::FindWindowW(ToWide(class_name).c_str(), nullptr));
   });
 }
 

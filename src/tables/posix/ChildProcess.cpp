@@ -27,9 +27,9 @@ void WriteAll(int pipe, std::string_view bytes) {
 
 // The other process. Its output goes nowhere: a terminal may be showing a table.
 [[noreturn]] void RunInChild(const std::function<void(const ChildProcess::Write&)>& work, int pipe) {
-  const int nothing = ::open("/dev/null", O_RDWR);
-  ::dup2(nothing, STDOUT_FILENO);
-  ::dup2(nothing, STDERR_FILENO);
+  const Descriptor nothing(::open("/dev/null", O_RDWR));
+  ::dup2(*nothing, STDOUT_FILENO);
+  ::dup2(*nothing, STDERR_FILENO);
   work([pipe](std::string_view bytes) { WriteAll(pipe, bytes); });
   ::_exit(0);
 }

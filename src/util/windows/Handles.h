@@ -23,6 +23,7 @@ struct NullableTraits {
 };
 
 using RegistryKey = Owner<NullableTraits<HKEY, ::RegCloseKey>>;
+using LoadedLibrary = Owner<NullableTraits<HMODULE, ::FreeLibrary>>;
 using MenuHandle = Owner<NullableTraits<HMENU, ::DestroyMenu>>;
 using Icon = Owner<NullableTraits<HICON, ::DestroyIcon>>;
 using Hook = Owner<NullableTraits<HHOOK, ::UnhookWindowsHookEx>>;
@@ -47,6 +48,20 @@ class [[nodiscard]] SelectedObject {
  private:
   HDC context_;
   HGDIOBJ before_;
+};
+
+// What is drawn with while a window handles WM_PAINT.
+class [[nodiscard]] PaintContext {
+ public:
+  explicit PaintContext(HWND window) : window_(window) { ::BeginPaint(window_, &paint_); }
+  PaintContext(const PaintContext&) = delete;
+  PaintContext& operator=(const PaintContext&) = delete;
+  ~PaintContext() { ::EndPaint(window_, &paint_); }
+  HDC operator*() const noexcept { return paint_.hdc; }
+
+ private:
+  HWND window_;
+  PAINTSTRUCT paint_{};
 };
 
 }  // namespace rowlark::windows

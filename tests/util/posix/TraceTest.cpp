@@ -25,6 +25,7 @@ void FailEachWay(Trace* trace) {
   Attempt(trace, [] { throw std::system_error(28, std::generic_category(), "secret"); });
   Attempt(trace, [] { throw std::runtime_error("secret"); });
   Attempt(trace, [] { throw "secret"; });
+  TraceNumber(trace, static_cast<int32_t>(0x80004005));
 }
 
 TEST(Trace, AppendsToTheFileThatTheUserNamesAndQuotesNothing) {
@@ -34,11 +35,11 @@ TEST(Trace, AppendsToTheFileThatTheUserNamesAndQuotesNothing) {
   FailEachWay(OpenTrace().get());
   FailEachWay(OpenTrace().get());
   const auto text = ReadBytes(file);
-  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 10) << text;
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 12) << text;
   EXPECT_EQ(text.find("secret"), text.npos) << text;
   for (const char* part :
        {"Z FailEachWay (TraceTest.cpp:", "): automation error 1004\n", "automation error 0x80028018\n",
-        "generic error 28\n", "runtime_error", "unknown error\n"}) {
+        "generic error 28\n", "runtime_error", "unknown error\n", "): error 0x80004005\n"}) {
     EXPECT_NE(text.find(part), text.npos) << part << " in\n" << text;
   }
   EXPECT_EQ(std::filesystem::status(file).permissions(),

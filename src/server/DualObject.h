@@ -29,10 +29,10 @@ inline constexpr VARIANT_BOOL Flag(bool value) { return value ? VARIANT_TRUE : V
 
 // `Interface` is the class's dual interface, `Class` its coclass, `Core_` what it stands for.
 template <class Interface, class Class, class Core_>
-class Object : public Interface, public ISupportErrorInfo, public IProvideClassInfo2, public IOwnObject {
+class DualObject : public Interface, public ISupportErrorInfo, public IProvideClassInfo2, public IOwnObject {
  public:
-  Object(const Object&) = delete;
-  Object& operator=(const Object&) = delete;
+  DualObject(const DualObject&) = delete;
+  DualObject& operator=(const DualObject&) = delete;
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
     if (object == nullptr) return E_POINTER;
@@ -106,7 +106,8 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
   STDMETHODIMP GetClassInfo(ITypeInfo** info) noexcept override {
     if (info == nullptr) return E_POINTER;
     *info = nullptr;
-    return Do([&] { *info = module_.TypeInfo(__uuidof(Class)).Detach(); });
+    const HRESULT result = Do([&] { *info = module_.TypeInfo(__uuidof(Class)).Detach(); });
+    return SUCCEEDED(result) && *info == nullptr ? TYPE_E_CANTLOADLIBRARY : result;
   }
   STDMETHODIMP GetGUID(DWORD kind, GUID* guid) noexcept override {
     if (guid == nullptr) return E_POINTER;
@@ -121,7 +122,7 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
 
  protected:
   // `name` is the class's, for the source of errors.
-  Object(Module& module, std::u16string_view name, std::shared_ptr<Core_> core)
+  DualObject(Module& module, std::u16string_view name, std::shared_ptr<Core_> core)
       : module_(module),
         name_(name),
         core_(std::move(core)),
@@ -129,7 +130,7 @@ class Object : public Interface, public ISupportErrorInfo, public IProvideClassI
     module_.Remember(core_.get(), static_cast<Interface*>(this));
     module_.ObjectMade();
   }
-  virtual ~Object() {
+  virtual ~DualObject() {
     if (core_) module_.Forget(core_.get(), static_cast<Interface*>(this));
   }
 

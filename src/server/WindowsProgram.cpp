@@ -1,4 +1,4 @@
-#include "server/Library.h"
+#include "server/WindowsProgram.h"
 
 #include <utility>
 
@@ -18,7 +18,7 @@ std::u16string ConfigurationFolder() {
 
 }  // namespace
 
-Library::Library(std::u16string_view file_name, std::function<void()> idle)
+WindowsProgram::WindowsProgram(std::u16string_view file_name, std::function<void()> idle)
     : windows_(std::move(idle), trace_.get()),
       Shared(Platform{pump_, registry_, help_, windows_, files_, FolderOf(file_name), ConfigurationFolder(),
                       trace_.get()}) {}

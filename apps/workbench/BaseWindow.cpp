@@ -1,4 +1,4 @@
-#include "Window.h"
+#include "BaseWindow.h"
 
 #include <exception>
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace rowlark::workbench {
 
-HWND Window::Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style, HWND parent) {
+HWND BaseWindow::Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style, HWND parent) {
   window_class.cbSize = sizeof window_class;
   window_class.hInstance = GetModuleHandleW(nullptr);
   window_class.lpfnWndProc = Procedure;
@@ -20,7 +20,7 @@ HWND Window::Create(WNDCLASSEXW window_class, const wchar_t* title, DWORD style,
   return hwnd_;
 }
 
-void Window::PlaceBeside(const Window& other) {
+void BaseWindow::PlaceBeside(const BaseWindow& other) const {
   WINDOWPLACEMENT place{};
   place.length = sizeof place;
   if (!GetWindowPlacement(other.Hwnd(), &place)) return;
@@ -39,13 +39,13 @@ void Window::PlaceBeside(const Window& other) {
                SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-LRESULT CALLBACK Window::Procedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
+LRESULT CALLBACK BaseWindow::Procedure(HWND handle, UINT message, WPARAM wparam, LPARAM lparam) noexcept {
   if (message == WM_NCCREATE) {
-    auto* window = static_cast<Window*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);
+    auto* window = static_cast<BaseWindow*>(reinterpret_cast<CREATESTRUCTW*>(lparam)->lpCreateParams);
     window->hwnd_ = handle;
     SetWindowLongPtrW(handle, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(window));
   }
-  auto* window = reinterpret_cast<Window*>(GetWindowLongPtrW(handle, GWLP_USERDATA));
+  auto* window = reinterpret_cast<BaseWindow*>(GetWindowLongPtrW(handle, GWLP_USERDATA));
   if (window == nullptr) return DefWindowProcW(handle, message, wparam, lparam);
   LRESULT result = 0;
   bool handled = false;
@@ -62,10 +62,10 @@ LRESULT CALLBACK Window::Procedure(HWND handle, UINT message, WPARAM wparam, LPA
   return handled ? result : DefWindowProcW(handle, message, wparam, lparam);
 }
 
-void ReportFailure(HWND owner) noexcept {
-  const auto show = [owner](std::u16string_view text) {
-    MessageBoxW(GetAncestor(owner, GA_ROOT), std::wstring(text.begin(), text.end()).c_str(),
-                L"Rowlark Workbench", MB_OK | MB_ICONEXCLAMATION);
+void ReportFailure(HWND owner) noexcept try {
+  const auto show = [owner](const std::u16string& text) {
+    MessageBoxW(GetAncestor(owner, GA_ROOT), windows::AsWide(text.c_str()), L"Rowlark Workbench",
+                MB_OK | MB_ICONEXCLAMATION);
   };
   try {
     throw;
@@ -74,6 +74,8 @@ void ReportFailure(HWND owner) noexcept {
   } catch (const std::exception& error) {
     show(ToUtf16(error.what()));
   }
+} catch (...) {
+  MessageBeep(MB_ICONEXCLAMATION);  // no memory for a text
 }
 
 }  // namespace rowlark::workbench

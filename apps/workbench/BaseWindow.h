@@ -5,18 +5,18 @@
 
 namespace rowlark::workbench {
 
-class Window {
+class BaseWindow {
  public:
-  Window() = default;
-  Window(const Window&) = delete;
-  Window& operator=(const Window&) = delete;
-  virtual ~Window() {
+  BaseWindow() = default;
+  BaseWindow(const BaseWindow&) = delete;
+  BaseWindow& operator=(const BaseWindow&) = delete;
+  virtual ~BaseWindow() {
     if (hwnd_ != nullptr) DestroyWindow(hwnd_);
   }
 
   HWND Hwnd() const { return hwnd_; }
   // Makes it as large as another window, below and to the right of it; where the screen ends, in its corner.
-  void PlaceBeside(const Window& other);
+  void PlaceBeside(const BaseWindow& other) const;
 
  protected:
   // Registers the class when it is new, and makes a window of it: empty inside a parent, else where the
