@@ -7,8 +7,8 @@
 #include <functional>
 
 #include "AutomationHost.h"
+#include "RuntimeLibrary.h"
 #include "automation/Variant.h"
-#include "vtrlk_runtime_h.h"
 
 namespace rowlark {
 namespace {
@@ -27,15 +27,7 @@ class FormLibrary : public ::testing::Test {
     owner_ = CreateWindowW(L"XLMAIN", L"", WS_OVERLAPPEDWINDOW | WS_VISIBLE, 10, 10, 400, 300, nullptr,
                            nullptr, nullptr, nullptr);
     ASSERT_NE(owner_, nullptr);
-    library_ = LoadLibraryA(ROWLARK_RUNTIME);
-    ASSERT_NE(library_, nullptr);
-    ComPtr<IClassFactory> factory;
-    ASSERT_EQ(Entry<decltype(&DllGetClassObject)>("DllGetClassObject")(
-                  __uuidof(::clsVTRLKRuntime), IID_IClassFactory, reinterpret_cast<void**>(factory.Put())),
-              S_OK);
-    ASSERT_EQ(factory->CreateInstance(nullptr, __uuidof(_clsVTRLKRuntime),
-                                      reinterpret_cast<void**>(runtime_.Put())),
-              S_OK);
+    ASSERT_EQ(library_.Create(runtime_), S_OK);
     const auto model = MakeRef<standalone::Application>();
     model->SetWindow({.handle = reinterpret_cast<intptr_t>(owner_)});
     auto& sheet =
@@ -49,18 +41,14 @@ class FormLibrary : public ::testing::Test {
   void TearDown() override {
     runtime_ = nullptr;
     EXPECT_EQ(Form(), nullptr);
-    EXPECT_EQ(Entry<decltype(&DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
-    FreeLibrary(library_);
+    EXPECT_EQ(library_.CanUnload(), S_OK);
+    library_.Unload();
     EXPECT_EQ(GetModuleHandleW(L"vtrlk_runtime.dll"), nullptr);
     PostMessageW(owner_, WM_KEYDOWN, 'A', 0);
     Pump(300);
     if (IsWindow(owner_)) DestroyWindow(owner_);
     host_ = nullptr;
     CoUninitialize();
-  }
-  template <class Function>
-  Function Entry(const char* name) const {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library_, name)));
   }
   static void Pump(
       DWORD milliseconds, const std::function<bool()>& ended = [] { return false; }) {
@@ -94,7 +82,7 @@ class FormLibrary : public ::testing::Test {
   }
 
   HWND owner_ = nullptr;
-  HMODULE library_ = nullptr;
+  testing::RuntimeLibrary library_;
   ComPtr<_clsVTRLKRuntime> runtime_;
   ComPtr<IDispatch> host_;
   std::function<void()> changed_ = [] {};

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <set>
 
 #include "Platform.h"
@@ -16,6 +17,7 @@
 #include "host/windows/WindowsMessagePump.h"
 #include "host/windows/WindowsWindowSystem.h"
 #include "runtime/clsVTRLKRuntime.h"
+#include "util/windows/Handles.h"
 
 namespace rowlark::windows {
 namespace {
@@ -37,6 +39,43 @@ std::vector<HWND> WindowsOfThread() {
   return windows;
 }
 
+RECT Client(HWND window) {
+  RECT area{};
+  ::GetClientRect(window, &area);
+  return area;
+}
+
+RECT Place(HWND window) {
+  RECT area{};
+  ::GetWindowRect(window, &area);
+  return area;
+}
+
+LONG Width(const RECT& area) { return area.right - area.left; }
+LONG Height(const RECT& area) { return area.bottom - area.top; }
+
+// The window comes to a screen of that resolution.
+void Rescale(HWND window, WORD dpi) {
+  RECT place{100, 100, 0, 0};
+  ::SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&place));
+}
+
+HFONT FontOf(HWND window) { return reinterpret_cast<HFONT>(::SendMessageW(window, WM_GETFONT, 0, 0)); }
+
+// A host's loop, until something has come about or ten seconds have gone.
+bool PumpUntil(const std::function<bool()>& condition) {
+  const DWORD begin = ::GetTickCount();
+  for (MSG message; !condition();) {
+    if (::GetTickCount() - begin > 10'000) return false;
+    ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
+    while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+      ::TranslateMessage(&message);
+      ::DispatchMessageW(&message);
+    }
+  }
+  return true;
+}
+
 class FormWindows : public ::testing::Test {
  protected:
   FormWindows() {
@@ -45,20 +84,6 @@ class FormWindows : public ::testing::Test {
   }
   ~FormWindows() override { forms.Unload(nullptr); }
 
-  // A host's loop, until something has come about or ten seconds have gone.
-  template <class Condition>
-  static bool PumpUntil(Condition condition) {
-    const DWORD begin = ::GetTickCount();
-    for (MSG message; !condition();) {
-      if (::GetTickCount() - begin > 10'000) return false;
-      ::MsgWaitForMultipleObjects(0, nullptr, FALSE, 10, QS_ALLINPUT);
-      while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
-        ::TranslateMessage(&message);
-        ::DispatchMessageW(&message);
-      }
-    }
-    return true;
-  }
   static void Pump() {
     bool passed = false;
     PumpUntil([&passed] { return std::exchange(passed, true); });
@@ -304,8 +329,7 @@ BOOL CALLBACK CheckText(HWND window, LPARAM report) {
   ::GetClassNameW(window, type, 50);
   wchar_t text[500];
   ::GetWindowTextW(window, text, 500);
-  RECT area{};
-  ::GetClientRect(window, &area);
+  const RECT area = Client(window);
   const std::wstring_view name = type;
   SIZE needed{};
   const bool is_group =
@@ -316,17 +340,14 @@ BOOL CALLBACK CheckText(HWND window, LPARAM report) {
   } else if (name == TOOLBARCLASSNAMEW) {
     ::SendMessageW(window, TB_GETMAXSIZE, 0, reinterpret_cast<LPARAM>(&needed));
   } else if (name == WC_STATICW || is_group || name == WC_LINK) {
-    const HDC context = ::GetDC(window);
-    const HGDIOBJ before =
-        ::SelectObject(context, reinterpret_cast<HFONT>(::SendMessageW(window, WM_GETFONT, 0, 0)));
+    const ScreenContext context(::GetDC(window));
+    const SelectedObject selected(*context, FontOf(window));
     RECT extent{};
     std::wstring plain = text;
     if (name == WC_LINK && plain.starts_with(L"<a>")) plain = plain.substr(3, plain.size() - 7);
     const bool is_icon = (::GetWindowLongPtrW(window, GWL_STYLE) & SS_TYPEMASK) == SS_ICON;
-    if (!is_icon || is_group) ::DrawTextW(context, plain.c_str(), -1, &extent, DT_CALCRECT);
+    if (!is_icon || is_group) ::DrawTextW(*context, plain.c_str(), -1, &extent, DT_CALCRECT);
     needed = {extent.right + (is_group ? 12 : 0), is_group ? 0 : extent.bottom};
-    ::SelectObject(context, before);
-    ::ReleaseDC(window, context);
   }
   if (needed.cx > area.right || needed.cy > area.bottom) {
     char what[600];
@@ -353,14 +374,12 @@ TEST_F(FormWindows, CutNoTextInAnyLanguage) {
     check(*forms.Edit());
     check(*Options(0));
     const HWND tree = ::FindWindowExW(WindowOf(*forms.Options()), nullptr, WC_TREEVIEWW, nullptr);
-    RECT area{};
-    ::GetClientRect(tree, &area);
     for (auto node = ::SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0); node != 0;
          node = ::SendMessageW(tree, TVM_GETNEXTITEM, TVGN_NEXT, node)) {
       RECT item{};
       std::memcpy(&item, &node, sizeof node);
       ::SendMessageW(tree, TVM_GETITEMRECT, TRUE, reinterpret_cast<LPARAM>(&item));
-      EXPECT_LE(item.right, area.right);
+      EXPECT_LE(item.right, Client(tree).right);
     }
     const auto about = MakeRef<frmAbout>(shared);
     ASSERT_TRUE(about->Open());
@@ -377,16 +396,11 @@ TEST_F(FormWindows, CutNoTextInAnyLanguage) {
 TEST_F(FormWindows, FollowTheResolution) {
   const auto form = Search();
   const HWND window = WindowOf(*form);
-  RECT before{};
-  ::GetClientRect(window, &before);
-  RECT place{100, 100, 0, 0};
-  ::SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(192, 192), reinterpret_cast<LPARAM>(&place));
-  RECT after{};
-  ::GetClientRect(window, &after);
+  const RECT before = Client(window);
+  Rescale(window, 192);
+  const RECT after = Client(window);
   EXPECT_NEAR(after.right, 2 * before.right, before.right / 5);
   EXPECT_NEAR(after.bottom, 2 * before.bottom, before.bottom / 4);
-  LOGFONTW font{};
-  ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(::GetFocus(), WM_GETFONT, 0, 0)), sizeof font, &font);
   std::string cut;
   ::EnumChildWindows(window, CheckText, reinterpret_cast<LPARAM>(&cut));
   EXPECT_EQ(cut, "");
@@ -394,14 +408,12 @@ TEST_F(FormWindows, FollowTheResolution) {
 
 // What a window shows of itself on the screen.
 std::vector<COLORREF> Picture(HWND window) {
-  RECT area{};
-  ::GetClientRect(window, &area);
-  const HDC context = ::GetDC(window);
+  const RECT area = Client(window);
+  const ScreenContext context(::GetDC(window));
   std::vector<COLORREF> pixels;
   for (LONG y = 0; y < area.bottom; y += 2) {
-    for (LONG x = 0; x < area.right; x += 2) pixels.push_back(::GetPixel(context, x, y));
+    for (LONG x = 0; x < area.right; x += 2) pixels.push_back(::GetPixel(*context, x, y));
   }
-  ::ReleaseDC(window, context);
   return pixels;
 }
 
@@ -409,11 +421,9 @@ TEST_F(FormWindows, AreDrawnAnewWhereTheirControlsMove) {
   const auto form = Options(0);
   form->btnClose.SetFocus();  // no caret blinks
   const HWND window = WindowOf(*form);
-  RECT place{100, 100, 0, 0};
   const std::function<void()> changes[] = {
       [&] { shared.Language->SetLangFile(u"german.lng"); }, [&] { form->tvw0.UserPicked(1); },
-      [&] { shared.Language->SetLangFile(u"french.lng"); },
-      [&] { ::SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(144, 144), reinterpret_cast<LPARAM>(&place)); },
+      [&] { shared.Language->SetLangFile(u"french.lng"); }, [&] { Rescale(window, 144); },
       [&] { shared.Language->SetLangFile(u"english.lng"); }};
   for (const auto& change : changes) {
     change();
@@ -430,14 +440,11 @@ TEST_F(FormWindows, HaveTextsOnTheBaseLinesOfTheirBoxes) {
   const HWND window = WindowOf(*form);
   const auto top_of_text = [window](const wchar_t* caption) {
     const HWND found = ::FindWindowExW(window, nullptr, nullptr, caption);
-    RECT area{};
-    ::GetWindowRect(found, &area);
+    RECT area = Place(found);
     if (::GetWindowLongPtrW(found, GWL_STYLE) & BS_CHECKBOX) {
-      LOGFONTW font{};
-      ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(found, WM_GETFONT, 0, 0)), sizeof font, &font);
       SIZE ideal{};
       ::SendMessageW(found, BCM_GETIDEALSIZE, 0, reinterpret_cast<LPARAM>(&ideal));
-      area.top += (area.bottom - area.top - ideal.cy) / 2;
+      area.top += (Height(area) - ideal.cy) / 2;
     }
     return area.top;
   };
@@ -450,8 +457,7 @@ TEST_F(FormWindows, HaveTextsOnTheBaseLinesOfTheirBoxes) {
     return top.y;
   };
   for (const WORD dpi : std::initializer_list<WORD>{96, 120, 144, 192}) {
-    RECT place{10, 10, 0, 0};
-    ::SendMessageW(window, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), reinterpret_cast<LPARAM>(&place));
+    Rescale(window, dpi);
     form->tvw0.UserPicked(1);
     EXPECT_EQ(top_of_text(L"Search range:"), top_in_box(form->box1_Range)) << dpi;
     EXPECT_EQ(top_of_text(L"GoTo column:"), top_in_box(form->box1_Col)) << dpi;
@@ -465,11 +471,7 @@ TEST_F(FormWindows, HaveTextsOnTheBaseLinesOfTheirBoxes) {
 TEST_F(FormWindows, GrowAndShrinkWithWhatTheyShow) {
   const auto form = Search();
   const HWND search = WindowOf(*form);
-  const auto height = [](HWND window) {
-    RECT area{};
-    ::GetWindowRect(window, &area);
-    return area.bottom - area.top;
-  };
+  const auto height = [](HWND window) { return Height(Place(window)); };
   const auto before = height(search);
   Type(u"nobody");
   EXPECT_TRUE(PumpUntil([&] { return form->boxError.Visible(); }));
@@ -483,28 +485,21 @@ TEST_F(FormWindows, GrowAndShrinkWithWhatTheyShow) {
   Pump();
   const HWND edit = WindowOf(*forms.Edit());
   const HWND box = ::GetFocus();
-  RECT least{};
-  RECT least_box{};
-  ::GetWindowRect(edit, &least);
-  ::GetWindowRect(box, &least_box);
+  const RECT least = Place(edit);
+  const RECT least_box = Place(box);
   const auto resize = [edit](LONG width, LONG tall) {
     ::SetWindowPos(edit, nullptr, 0, 0, width, tall, SWP_NOMOVE | SWP_NOZORDER);
   };
-  const auto width_of = [](const RECT& area) { return area.right - area.left; };
-  resize(width_of(least) + 90, height(edit) + 60);
-  EXPECT_EQ(height(edit), least.bottom - least.top + 60);
-  RECT grown{};
-  ::GetWindowRect(box, &grown);
-  EXPECT_NEAR(width_of(grown), width_of(least_box) + 90, 3);
-  EXPECT_NEAR(grown.bottom - grown.top, least_box.bottom - least_box.top + 60, 3);
+  resize(Width(least) + 90, Height(least) + 60);
+  EXPECT_EQ(height(edit), Height(least) + 60);
+  EXPECT_NEAR(Width(Place(box)), Width(least_box) + 90, 3);
+  EXPECT_NEAR(height(box), Height(least_box) + 60, 3);
   shared.Language->SetLangFile(u"german.lng");
-  EXPECT_NEAR(height(edit), least.bottom - least.top + 60, 3);
+  EXPECT_NEAR(height(edit), Height(least) + 60, 3);
   resize(10, 10);
-  ::GetWindowRect(edit, &grown);
-  EXPECT_LE(width_of(least), width_of(grown));
-  EXPECT_NEAR(height(edit), least.bottom - least.top, 3);
-  const LONG_PTR style = ::GetWindowLongPtrW(search, GWL_STYLE);
-  EXPECT_EQ(style & WS_THICKFRAME, 0);
+  EXPECT_LE(Width(least), Width(Place(edit)));
+  EXPECT_NEAR(height(edit), Height(least), 3);
+  EXPECT_EQ(::GetWindowLongPtrW(search, GWL_STYLE) & WS_THICKFRAME, 0);
 }
 
 TEST_F(FormWindows, CountEveryOneOfQuickClicks) {
@@ -566,10 +561,8 @@ TEST_F(FormWindows, RememberWhereTheUserPutsThem) {
   form = Search();
   EXPECT_EQ(form->Position().x, left);
   EXPECT_EQ(form->Position().y, top);
-  RECT area{};
-  ::GetWindowRect(WindowOf(*form), &area);
-  EXPECT_EQ(area.left, 100);
-  EXPECT_EQ(area.top, 80);
+  EXPECT_EQ(Place(WindowOf(*form)).left, 100);
+  EXPECT_EQ(Place(WindowOf(*form)).top, 80);
 }
 
 HWND MakeHostWindow() {
@@ -597,13 +590,12 @@ TEST_F(FormWindows, DisableTheOthersWhileModal) {
   const auto search = Search();
   const HWND other = WindowOf(*search);
   bool was_modal = false;
-  const auto stop = [&] {
+  const std::function<void()> stop = [&] {
     was_modal = !::IsWindowEnabled(host) && !::IsWindowEnabled(other);
     runtime.DoStop();
   };
   static const std::function<void()>* action = nullptr;  // a timer without a window is told nothing else
-  const std::function<void()> stop_function = stop;
-  action = &stop_function;
+  action = &stop;
   ::SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR timer, DWORD) {
     ::KillTimer(nullptr, timer);
     (*action)();
@@ -618,13 +610,12 @@ TEST_F(FormWindows, DisableTheOthersWhileModal) {
 
 // The highest of the handles that a new object of GDI gets: they are given out again from the lowest on.
 WORD HighestGdiHandle() {
-  HBRUSH brushes[32];
+  GdiObject<HBRUSH> brushes[32];
   WORD highest = 0;
-  for (HBRUSH& brush : brushes) {
-    brush = ::CreateSolidBrush(RGB(1, 2, 3));
-    highest = std::max(highest, LOWORD(reinterpret_cast<DWORD_PTR>(brush)));
+  for (auto& brush : brushes) {
+    brush.reset(::CreateSolidBrush(RGB(1, 2, 3)));
+    highest = std::max(highest, LOWORD(reinterpret_cast<DWORD_PTR>(*brush)));
   }
-  for (const HBRUSH brush : brushes) ::DeleteObject(brush);
   return highest;
 }
 

@@ -7,6 +7,7 @@
 #include "host/windows/WindowsMessagePump.h"
 #include "host/windows/WindowsWindowSystem.h"
 #include "util/Utf.h"
+#include "util/windows/Handles.h"
 
 namespace rowlark::windows {
 namespace {
@@ -144,9 +145,7 @@ TEST(WindowSystemOfWindows, TellsScreensAndWindows) {
   ASSERT_EQ(screens.size(), static_cast<std::size_t>(::GetSystemMetrics(SM_CMONITORS)));
   RECT area{};
   ASSERT_NE(::SystemParametersInfoW(SPI_GETWORKAREA, 0, &area, 0), 0);
-  const HDC context = ::GetDC(nullptr);
-  const int resolution = ::GetDeviceCaps(context, LOGPIXELSX);
-  ::ReleaseDC(nullptr, context);
+  const int resolution = ::GetDeviceCaps(*ScreenContext(::GetDC(nullptr)), LOGPIXELSX);
   EXPECT_EQ(screens[0].left, area.left * 1440 / resolution);
   EXPECT_EQ(screens[0].width, (area.right - area.left) * 1440 / resolution);
 

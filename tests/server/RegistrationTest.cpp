@@ -5,6 +5,8 @@
 #include <ostream>
 #include <string>
 
+#include "RuntimeLibrary.h"
+
 namespace rowlark {
 namespace {
 
@@ -33,8 +35,6 @@ const Scope kUser{"user", HKEY_CURRENT_USER, L"user"};
 class Registration : public ::testing::TestWithParam<Scope> {
  protected:
   void SetUp() override {
-    library_ = LoadLibraryA(ROWLARK_RUNTIME);
-    ASSERT_NE(library_, nullptr);
     was_registered_ = Exists(kClassKey);
     ASSERT_EQ(Install(false), S_OK);
   }
@@ -43,24 +43,22 @@ class Registration : public ::testing::TestWithParam<Scope> {
     RegDeleteTreeA(GetParam().root, kProgIdKey.c_str());
     RegDeleteKeyExA(GetParam().root, kClassKey.c_str(), kOtherView, 0);
     EXPECT_EQ(Install(was_registered_), S_OK);
-    FreeLibrary(library_);
   }
 
   HRESULT Install(bool install) const {
-    const auto entry = [this](const char* name) {
-      return reinterpret_cast<void*>(GetProcAddress(library_, name));
-    };
-    if (GetParam().install != nullptr)
-      return reinterpret_cast<HRESULT(WINAPI*)(BOOL, const wchar_t*)>(entry("DllInstall"))(
-          install, GetParam().install);
-    return reinterpret_cast<HRESULT(WINAPI*)()>(
-        entry(install ? "DllRegisterServer" : "DllUnregisterServer"))();
+    if (const auto* scope = GetParam().install) {
+      return library_.Entry<HRESULT(WINAPI*)(BOOL, const wchar_t*)>("DllInstall")(install, scope);
+    }
+    return library_.Entry<HRESULT(WINAPI*)()>(install ? "DllRegisterServer" : "DllUnregisterServer")();
   }
   static bool Exists(const std::string& path) {
-    HKEY key = nullptr;
-    const bool exists = RegOpenKeyExA(GetParam().root, path.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS;
-    if (exists) RegCloseKey(key);
-    return exists;
+    windows::RegistryKey key;
+    return RegOpenKeyExA(GetParam().root, path.c_str(), 0, KEY_READ, key.Put()) == ERROR_SUCCESS;
+  }
+  static LSTATUS Make(const std::string& path, DWORD options, REGSAM view = 0) {
+    windows::RegistryKey key;
+    return RegCreateKeyExA(GetParam().root, path.c_str(), 0, nullptr, options, KEY_ALL_ACCESS | view, nullptr,
+                           key.Put(), nullptr);
   }
   static std::string Text(const std::string& path, const char* name = nullptr) {
     char text[512] = {};
@@ -74,7 +72,7 @@ class Registration : public ::testing::TestWithParam<Scope> {
       EXPECT_FALSE(Exists(key)) << key;
   }
 
-  HMODULE library_ = nullptr;
+  testing::RuntimeLibrary library_;
   bool was_registered_ = false;
 };
 
@@ -82,7 +80,7 @@ TEST_P(Registration, IsWhatWindowsLooksForAndIsTakenBack) {
   ExpectNothing();
   for (int twice = 0; twice < 2; ++twice) ASSERT_EQ(Install(true), S_OK);
   char file[MAX_PATH];
-  GetModuleFileNameA(library_, file, MAX_PATH);
+  GetModuleFileNameA(library_.Module(), file, MAX_PATH);
   EXPECT_EQ(Text(kClassKey + "\\InprocServer32"), file);
   EXPECT_EQ(Text(kClassKey + "\\InprocServer32", "ThreadingModel"), "Apartment");
   EXPECT_EQ(Text(kClassKey + "\\ProgID"), kProgId);
@@ -97,11 +95,7 @@ TEST_P(Registration, IsWhatWindowsLooksForAndIsTakenBack) {
 }
 
 TEST_P(Registration, LeavesTheNameToTheLibraryOfTheOtherBitness) {
-  HKEY other = nullptr;
-  ASSERT_EQ(RegCreateKeyExA(GetParam().root, kClassKey.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS | kOtherView,
-                            nullptr, &other, nullptr),
-            ERROR_SUCCESS);
-  RegCloseKey(other);
+  ASSERT_EQ(Make(kClassKey, 0, kOtherView), ERROR_SUCCESS);
   if (Exists(kClassKey)) GTEST_SKIP() << "both views are one here";
   ASSERT_EQ(Install(true), S_OK);
   EXPECT_EQ(Install(false), S_OK);
@@ -114,11 +108,7 @@ TEST_P(Registration, LeavesTheNameToTheLibraryOfTheOtherBitness) {
 
 TEST_P(Registration, TakesEverythingBackWhenItFailsHalfWay) {
   // What lasts can not stand below a key that does not: "Clsid", which comes late, can not be written.
-  HKEY key = nullptr;
-  ASSERT_EQ(RegCreateKeyExA(GetParam().root, kProgIdKey.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
-                            KEY_ALL_ACCESS, nullptr, &key, nullptr),
-            ERROR_SUCCESS);
-  RegCloseKey(key);
+  ASSERT_EQ(Make(kProgIdKey, REG_OPTION_VOLATILE), ERROR_SUCCESS);
   EXPECT_EQ(Install(true), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
   ExpectNothing();
 }

@@ -4,15 +4,22 @@
 #include <psapi.h>
 
 #include <atomic>
+#include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "AutomationHost.h"
+#include "RuntimeLibrary.h"
+#include "TempFolder.h"
+
+#include "automation/Arrays.h"
+#include "automation/NamelessDispatch.h"
 #include "automation/Variant.h"
 #include "util/Utf.h"
-#include "vtrlk_runtime_h.h"
 
 namespace rowlark {
 namespace {
@@ -21,31 +28,34 @@ using automation::Bstr;
 using automation::ComPtr;
 using automation::Variant;
 
-// Counts what it hears.
-class Sink final : public IDispatch {
+// The name of the events that a connection point raises.
+IID EventsOf(IConnectionPoint& point) {
+  IID iid;
+  EXPECT_EQ(point.GetConnectionInterface(&iid), S_OK);
+  return iid;
+}
+
+// Counts what it hears from a connection point.
+class Sink final : public automation::NamelessDispatch {
  public:
+  explicit Sink(IConnectionPoint& point) : NamelessDispatch(EventsOf(point)) {
+    AddRef();  // of the test, which ends it
+    EXPECT_EQ(point.Advise(this, &cookie), S_OK);
+  }
+
+  DWORD cookie = 0;
   int heard = 0;
   std::string flags;
   std::string texts;
   std::function<void()> on_event = [] {};
-  ULONG references = 1;
 
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IDispatch && iid != __uuidof(__clsVTRLKRuntime) &&
-        iid != __uuidof(__clsVTRLKLang))
-      return E_NOINTERFACE;
-    *object = this;
+  // Whether anybody else holds it.
+  bool Held() {
     AddRef();
-    return S_OK;
+    return Release() > 1;
   }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-  STDMETHODIMP_(ULONG) Release() override { return --references; }
-  STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, OLECHAR**, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
-                      UINT*) override {
+                      UINT*) noexcept override {
     ++heard;
     if (id == 1 && arguments->cArgs == 1) {
       const VARIANT& argument = arguments->rgvarg[0];
@@ -72,9 +82,8 @@ class Server : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(SUCCEEDED(CoInitialize(nullptr)));
-    library_ = LoadLibraryA(ROWLARK_RUNTIME);
-    ASSERT_NE(library_, nullptr);
-    ASSERT_EQ(Create(runtime_), S_OK);
+    ::SetEnvironmentVariableW(L"ROWLARK_TRACE", trace_.c_str());
+    ASSERT_EQ(library_.Create(runtime_), S_OK);
     model_ = NewModel();
     host_ = workbench::ExposeApplication(model_);
     ComPtr<_clsVTRLKOptions> options;
@@ -86,23 +95,10 @@ class Server : public ::testing::Test {
   void TearDown() override {
     if (runtime_) runtime_->put_ExcelApp(Variant());
     runtime_ = nullptr;
-    EXPECT_EQ(Entry<decltype(&DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
-    FreeLibrary(library_);
+    EXPECT_EQ(library_.CanUnload(), S_OK);
     host_ = nullptr;
     model_ = nullptr;
     CoUninitialize();
-  }
-  template <class Function>
-  Function Entry(const char* name) const {
-    return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(library_, name)));
-  }
-  HRESULT Create(ComPtr<_clsVTRLKRuntime>& runtime) const {
-    ComPtr<IClassFactory> factory;
-    EXPECT_EQ(Entry<decltype(&DllGetClassObject)>("DllGetClassObject")(
-                  __uuidof(::clsVTRLKRuntime), IID_IClassFactory, reinterpret_cast<void**>(factory.Put())),
-              S_OK);
-    return factory->CreateInstance(nullptr, __uuidof(_clsVTRLKRuntime),
-                                   reinterpret_cast<void**>(runtime.Put()));
   }
   static Ref<standalone::Application> NewModel() {
     auto model = MakeRef<standalone::Application>();
@@ -118,7 +114,7 @@ class Server : public ::testing::Test {
     if (GetErrorInfo(0, error.Put()) == S_OK) error->GetSource(source.Put());
     return ToUtf8(source.View());
   }
-  bool Search(std::u16string_view text, VARIANT* error = nullptr) {
+  bool Search(std::u16string_view text, VARIANT* error = nullptr) const {
     VARIANT_BOOL found = VARIANT_FALSE;
     EXPECT_EQ(runtime_->Search(Bstr(text).get(), error, &found), S_OK);
     return found != VARIANT_FALSE;
@@ -129,8 +125,14 @@ class Server : public ::testing::Test {
     ComPtr<IConnectionPointContainer>::From(object)->FindConnectionPoint(events, point.Put());
     return point;
   }
+  std::string Traced() const {
+    std::ifstream file(trace_, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
 
-  HMODULE library_ = nullptr;
+  const TempFolder folder_;
+  const std::filesystem::path trace_ = folder_.Path() / "trace.txt";
+  testing::RuntimeLibrary library_;
   ComPtr<_clsVTRLKRuntime> runtime_;
   Ref<standalone::Application> model_;
   ComPtr<IDispatch> host_;
@@ -214,26 +216,26 @@ TEST_F(Server, NamesClassAndMemberAsTheSourceOfErrors) {
   expect(runtime_->DetectSearchRange(&sheet, &item), "VTRLKRuntime.clsVTRLKRuntime.DetectSearchRange");
 }
 
-TEST_F(Server, RaisesEventsToEverySink) {
+TEST_F(Server, RaisesEventsToEverySinkThatIsConnectedYet) {
   const auto point = Point(runtime_.get(), __uuidof(__clsVTRLKRuntime));
-  Sink first;
-  Sink second;
-  DWORD first_cookie = 0;
-  DWORD second_cookie = 0;
-  ASSERT_EQ(point->Advise(&first, &first_cookie), S_OK);
-  ASSERT_EQ(point->Advise(&second, &second_cookie), S_OK);
+  Sink first(*point);
+  Sink second(*point);
   EXPECT_TRUE(Search(u"ann"));
   EXPECT_EQ(first.flags, "TF");
   EXPECT_EQ(second.flags, "TF");
-  EXPECT_EQ(point->Unadvise(first_cookie), S_OK);
-  EXPECT_EQ(point->Unadvise(first_cookie), CONNECT_E_NOCONNECTION);
+  EXPECT_EQ(point->Unadvise(first.cookie), S_OK);
+  EXPECT_EQ(point->Unadvise(first.cookie), CONNECT_E_NOCONNECTION);
+  Sink third(*point);
+  second.on_event = [&] { point->Unadvise(third.cookie); };
   EXPECT_TRUE(Search(u"bob"));
   EXPECT_EQ(first.heard, 2);
   EXPECT_EQ(second.heard, 4);
-  point->Unadvise(second_cookie);
-  EXPECT_EQ(first.references, 1U);
-  EXPECT_EQ(second.references, 1U);
+  EXPECT_EQ(third.heard, 0);
+  point->Unadvise(second.cookie);
+  for (auto* sink : {&first, &second, &third}) EXPECT_FALSE(sink->Held());
   EXPECT_FALSE(Point(runtime_.get(), IID_IUnknown));
+  EXPECT_NE(Traced().find("CallSink (Events.cpp:"), std::string::npos);
+  EXPECT_NE(Traced().find("): error 0x80004005\n"), std::string::npos);
 }
 
 TEST_F(Server, HandsOutConnectionPointsWithAnIdentityOfTheirOwn) {
@@ -248,9 +250,7 @@ TEST_F(Server, HandsOutConnectionPointsWithAnIdentityOfTheirOwn) {
   EXPECT_EQ(ComPtr<IUnknown>::From(container.get()).get(), owner.get());
   EXPECT_NE(identity.get(), owner.get());
 
-  Sink sink;
-  DWORD cookie = 0;
-  ASSERT_EQ(point->Advise(&sink, &cookie), S_OK);
+  const Sink sink(*point);
   ComPtr<IEnumConnectionPoints> points;
   ComPtr<IEnumConnections> connections;
   ASSERT_EQ(container->EnumConnectionPoints(points.Put()), S_OK);
@@ -259,40 +259,9 @@ TEST_F(Server, HandsOutConnectionPointsWithAnIdentityOfTheirOwn) {
   EXPECT_EQ(points->Skip(1), S_FALSE);
   CONNECTDATA connection{};
   ASSERT_EQ(connections->Next(1, &connection, nullptr), S_OK);
-  EXPECT_EQ(connection.dwCookie, cookie);
+  EXPECT_EQ(connection.dwCookie, sink.cookie);
   connection.pUnk->Release();
-  EXPECT_EQ(point->Unadvise(cookie), S_OK);
-}
-
-TEST_F(Server, IsKeptByWhateverItHasHandedOut) {
-  auto point = Point(runtime_.get(), __uuidof(__clsVTRLKRuntime));
-  Sink sink;
-  DWORD cookie = 0;
-  ASSERT_EQ(point->Advise(&sink, &cookie), S_OK);
-  ComPtr<IEnumConnections> connections;
-  ASSERT_EQ(point->EnumConnections(connections.Put()), S_OK);
-  point->Unadvise(cookie);
-  point = nullptr;
-  runtime_->put_ExcelApp(Variant());
-  runtime_ = nullptr;
-  EXPECT_EQ(Entry<decltype(&DllCanUnloadNow)>("DllCanUnloadNow")(), S_FALSE);
-  EXPECT_EQ(connections->Skip(1), S_OK);
-}
-
-TEST_F(Server, TellsNothingToASinkThatAnEarlierOneHasDisconnected) {
-  const auto point = Point(runtime_.get(), __uuidof(__clsVTRLKRuntime));
-  Sink first;
-  Sink second;
-  DWORD first_cookie = 0;
-  DWORD second_cookie = 0;
-  ASSERT_EQ(point->Advise(&first, &first_cookie), S_OK);
-  ASSERT_EQ(point->Advise(&second, &second_cookie), S_OK);
-  first.on_event = [&] { point->Unadvise(second_cookie); };
-  EXPECT_TRUE(Search(u"ann"));
-  EXPECT_EQ(first.heard, 2);
-  EXPECT_EQ(second.heard, 0);
-  EXPECT_EQ(second.references, 1U);
-  point->Unadvise(first_cookie);
+  EXPECT_EQ(point->Unadvise(sink.cookie), S_OK);
 }
 
 TEST_F(Server, ReplacesMarksByWhatHasAText) {
@@ -304,13 +273,11 @@ TEST_F(Server, ReplacesMarksByWhatHasAText) {
     value.parray = made;
     return value;
   };
-  const auto variants = [&](const std::vector<Variant>& elements, LONG first) {
-    SAFEARRAY* made = SafeArrayCreateVector(VT_VARIANT, first, static_cast<ULONG>(elements.size()));
-    for (LONG i = 0; i < static_cast<LONG>(elements.size()); ++i) {
-      LONG index = first + i;
-      SafeArrayPutElement(made, &index, const_cast<Variant*>(&elements[static_cast<std::size_t>(i)]));
-    }
-    return array(made, VT_VARIANT);
+  const auto variants = [](std::vector<Variant> elements, LONG first) {
+    SAFEARRAYBOUND bounds[] = {{static_cast<ULONG>(elements.size()), first}};
+    Variant made = automation::NewArray(bounds);
+    for (std::size_t i = 0; i < elements.size(); ++i) automation::Elements(made)[i] = elements[i].Detach();
+    return made;
   };
   Variant null;
   null.vt = VT_NULL;
@@ -362,7 +329,7 @@ TEST_F(Server, BelongsToOneThreadAtATime) {
   };
   const auto refused = [&] {
     ComPtr<_clsVTRLKRuntime> runtime;
-    EXPECT_EQ(Create(runtime), RPC_E_WRONG_THREAD);
+    EXPECT_EQ(library_.Create(runtime), RPC_E_WRONG_THREAD);
     EXPECT_EQ(ErrorSource(), "VTRLKRuntime.clsVTRLKRuntime.Create");
     EXPECT_FALSE(runtime);
   };
@@ -372,9 +339,9 @@ TEST_F(Server, BelongsToOneThreadAtATime) {
   last = nullptr;
   elsewhere([&] {
     ComPtr<_clsVTRLKRuntime> runtime;
-    EXPECT_EQ(Create(runtime), S_OK);
+    EXPECT_EQ(library_.Create(runtime), S_OK);
   });
-  ASSERT_EQ(Create(runtime_), S_OK);
+  ASSERT_EQ(library_.Create(runtime_), S_OK);
   runtime_ = nullptr;
 
   std::atomic<int> searches = 0;
@@ -384,7 +351,7 @@ TEST_F(Server, BelongsToOneThreadAtATime) {
       const auto host = workbench::ExposeApplication(NewModel());
       for (int mine = 0; mine < 8;) {
         ComPtr<_clsVTRLKRuntime> runtime;
-        if (const HRESULT made = Create(runtime); FAILED(made)) {
+        if (const HRESULT made = library_.Create(runtime); FAILED(made)) {
           EXPECT_EQ(made, RPC_E_WRONG_THREAD);
           std::this_thread::yield();
           continue;
@@ -408,9 +375,7 @@ TEST_F(Server, TellsOfANewLanguage) {
   ComPtr<_clsVTRLKLang> language;
   runtime_->get_Language(language.Put());
   auto point = Point(language.get(), __uuidof(__clsVTRLKLang));
-  Sink sink;
-  DWORD cookie = 0;
-  ASSERT_EQ(point->Advise(&sink, &cookie), S_OK);
+  Sink sink(*point);
   for (const auto* file : {u"german.lng", u"german.lng", u"english.lng"})
     language->put_LangFile(Bstr(file).get());
   EXPECT_EQ(sink.texts, "german.lng;english.lng;");
@@ -423,32 +388,26 @@ TEST_F(Server, TellsOfANewLanguage) {
   items->ToString(VARIANT_FALSE, german.Put());
   language->put_LangFile(Bstr(u"english.lng").get());
   sink.on_event = [&] {
-    point->Unadvise(cookie);
+    point->Unadvise(sink.cookie);
     point = nullptr;
     language = nullptr;
   };
-  Sink later;
-  DWORD unused = 0;
-  ASSERT_EQ(point->Advise(&later, &unused), S_OK);
+  Sink later(*point);
   VARIANT_BOOL read = VARIANT_FALSE;
   EXPECT_EQ(items->ToObject(german.get(), &read), S_OK);
   EXPECT_EQ(later.texts, "german.lng;");
-  EXPECT_EQ(later.references, 1U);
+  EXPECT_FALSE(later.Held());
   EXPECT_EQ(sink.texts, "german.lng;english.lng;german.lng;english.lng;german.lng;");
-  EXPECT_EQ(sink.references, 1U);
+  EXPECT_FALSE(sink.Held());
 }
 
 TEST_F(Server, LetsGoOfItselfInTheMiddleOfAnEvent) {
   const auto point = Point(runtime_.get(), __uuidof(__clsVTRLKRuntime));
-  Sink sink;
-  DWORD cookie = 0;
-  ASSERT_EQ(point->Advise(&sink, &cookie), S_OK);
-  const auto* searching = runtime_.get();
+  Sink sink(*point);
   sink.on_event = [&] { runtime_ = nullptr; };
-  VARIANT_BOOL found = VARIANT_FALSE;
-  EXPECT_EQ(const_cast<_clsVTRLKRuntime*>(searching)->Search(Bstr(u"ann").get(), nullptr, &found), S_OK);
+  EXPECT_TRUE(Search(u"ann"));
   EXPECT_EQ(sink.flags, "TF");
-  EXPECT_EQ(point->Unadvise(cookie), S_OK);
+  EXPECT_EQ(point->Unadvise(sink.cookie), S_OK);
 }
 
 TEST_F(Server, TellsThatTheHostIsBusyAndThatItHasGone) {
@@ -486,9 +445,15 @@ TEST_F(Server, IsTheSameObjectEachTimeAndOutlivesItsOwner) {
   EXPECT_NE(runtime_->putref_Items(nullptr), S_OK);
   ComPtr<_clsVTRLKItem> profile;
   items->get_DefaultItem(profile.Put());
-  again = nullptr;
-  EXPECT_EQ(Entry<decltype(&DllCanUnloadNow)>("DllCanUnloadNow")(), S_FALSE);
+  ComPtr<IEnumConnections> connections;
+  Point(runtime_.get(), __uuidof(__clsVTRLKRuntime))->EnumConnections(connections.Put());
+  for (auto* object : {&items, &again}) *object = nullptr;
+  runtime_->put_ExcelApp(Variant());
+  runtime_ = nullptr;
   EXPECT_EQ(profile->put_StartRow(-1), S_OK);
+  profile = nullptr;
+  EXPECT_EQ(library_.CanUnload(), S_FALSE);
+  EXPECT_EQ(connections->Skip(1), S_FALSE);
 }
 
 TEST_F(Server, SearchesTenThousandTimesInTheSameMemory) {

@@ -7,7 +7,7 @@
 #include <functional>
 #include <optional>
 
-#include "automation/Events.h"
+#include "automation/NamelessDispatch.h"
 #include "automation/Variant.h"
 #include "util/Utf.h"
 
@@ -280,22 +280,15 @@ TEST_F(AutomationHost, EnumeratesCollections) {
   }
 }
 
-// Notes "sheet!address" of each selection.
-class Listener final : public IDispatch {
+// Notes the address of each selection on a sheet.
+class Listener final : public automation::NamelessDispatch {
  public:
-  explicit Listener(IDispatch* sheet) : sheet_(sheet) {}
-  std::string heard;
-  IID named = IID_IDispatch;  // the other interface that it answers to
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) noexcept override {
-    *object = iid == IID_IUnknown || iid == IID_IDispatch || iid == named ? this : nullptr;
-    return *object != nullptr ? S_OK : E_NOINTERFACE;
+  explicit Listener(IDispatch* sheet, const IID& events = IID_IUnknown)
+      : NamelessDispatch(events), sheet_(sheet) {
+    AddRef();  // of the test, which ends it
   }
-  STDMETHODIMP_(ULONG) AddRef() noexcept override { return 1; }
-  STDMETHODIMP_(ULONG) Release() noexcept override { return 1; }
-  STDMETHODIMP GetTypeInfoCount(UINT*) noexcept override { return E_NOTIMPL; }
-  STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) noexcept override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) noexcept override { return E_NOTIMPL; }
+  std::string heard;
+
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
                       UINT*) noexcept override {
     EXPECT_EQ(id, 0x616);
@@ -311,7 +304,6 @@ class Listener final : public IDispatch {
 
 TEST_F(AutomationHost, TellsOfSelections) {
   const auto sheet = Sheet();
-  Listener listener(sheet.pdispVal);
   const auto book = Get(application, u"ActiveWorkbook");
   const auto container = ComPtr<IConnectionPointContainer>::From(book.pdispVal);
   ASSERT_TRUE(container);
@@ -319,8 +311,9 @@ TEST_F(AutomationHost, TellsOfSelections) {
   ComPtr<IConnectionPoint> point;
   ASSERT_EQ(container->FindConnectionPoint(kWorkbookEvents, point.Put()), S_OK);
   DWORD cookie = 0;
-  EXPECT_EQ(point->Advise(&listener, &cookie), CONNECT_E_CANNOTCONNECT) << "as Excel, by its name alone";
-  listener.named = kWorkbookEvents;
+  Listener nameless(sheet.pdispVal);
+  EXPECT_EQ(point->Advise(&nameless, &cookie), CONNECT_E_CANNOTCONNECT) << "as Excel, by its name alone";
+  Listener listener(sheet.pdispVal, kWorkbookEvents);
   ASSERT_EQ(point->Advise(&listener, &cookie), S_OK);
 
   Get(Range(u"B2:C3"), u"Select");
