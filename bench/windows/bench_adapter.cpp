@@ -142,9 +142,9 @@ class Recorder final : public automation::Counted<IDispatch> {
     inner.rgvarg = step.arguments.data();
     const HRESULT outcome = inner_->Invoke(id, iid, locale, flags, &inner, result, exception, wrong);
     if (SUCCEEDED(outcome) && result != nullptr && result->vt == VT_DISPATCH && result->pdispVal != nullptr) {
+      auto given = ComPtr<IDispatch>::Attach(std::exchange(result->pdispVal, nullptr));
       // NOLINTNEXTLINE(bugprone-unhandled-exception-at-new): without memory there is nothing to measure
-      ComPtr<Recorder> wrapped(
-          new Recorder(recording_, ComPtr<IDispatch>::Attach(std::exchange(result->pdispVal, nullptr))));
+      ComPtr<Recorder> wrapped(new Recorder(recording_, std::move(given)));
       step.result = wrapped->slot_;
       result->pdispVal = wrapped.Detach();
     }
