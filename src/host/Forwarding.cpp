@@ -36,6 +36,17 @@ const Range& Unwrap(const Range& range) {
   return forwarder != nullptr ? forwarder->Inner() : range;
 }
 
+FindArguments InnerOf(FindArguments arguments) {
+  if (arguments.After != nullptr) arguments.After = &Unwrap(*arguments.After);
+  return arguments;
+}
+
+class ForwardingRowSearch final : public Forwarder<RowSearch> {
+ public:
+  using Forwarder::Forwarder;
+  Piece Next(std::vector<int32_t>& rows) override { return Call("RowSearch.Next").Next(rows); }
+};
+
 class ForwardingRange final : public Forwarder<Range> {
  public:
   using Forwarder::Forwarder;
@@ -59,12 +70,15 @@ class ForwardingRange final : public Forwarder<Range> {
   }
   void Activate() override { Call("Range.Activate").Activate(); }
   Ref<Range> Find(const FindArguments& arguments) override {
-    auto inner = arguments;
-    if (inner.After != nullptr) inner.After = &Unwrap(*inner.After);
-    return Wrap(Call("Range.Find").Find(inner));
+    return Wrap(Call("Range.Find").Find(InnerOf(arguments)));
   }
   Ref<Range> FindNext(const Range& after) override {
     return Wrap(Call("Range.FindNext").FindNext(Unwrap(after)));
+  }
+  Ref<RowSearch> FindRows(const FindArguments& arguments,
+                          std::optional<std::span<const int32_t>> columns) override {
+    if (!Context().FindsRows()) return nullptr;
+    return Wrap(Call("Range.FindRows").FindRows(InnerOf(arguments), columns));
   }
   Ref<Range> SpecialCells(XlCellType type) const override {
     return Wrap(Call("Range.SpecialCells").SpecialCells(type));
@@ -214,6 +228,9 @@ Ref<Worksheet> Forwarding::Wrap(const Ref<Worksheet>& inner) {
   return Make<ForwardingWorksheet>(inner, *this);
 }
 Ref<Range> Forwarding::Wrap(const Ref<Range>& inner) { return Make<ForwardingRange>(inner, *this); }
+Ref<RowSearch> Forwarding::Wrap(const Ref<RowSearch>& inner) {
+  return Make<ForwardingRowSearch>(inner, *this);
+}
 Ref<AutoFilter> Forwarding::Wrap(const Ref<AutoFilter>& inner) {
   return Make<ForwardingAutoFilter>(inner, *this);
 }

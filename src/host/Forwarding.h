@@ -19,11 +19,15 @@ class Forwarding {
   // throws.
   virtual void OnCall(std::string_view operation) = 0;
 
+  // Whether ranges find rows in bulk when the host's do; a host that does not gets Find and FindNext.
+  virtual bool FindsRows() const { return true; }
+
   // The wrapper of an object of the host; nothing stays nothing.
   virtual Ref<Application> Wrap(const Ref<Application>& inner);
   virtual Ref<Workbook> Wrap(const Ref<Workbook>& inner);
   virtual Ref<Worksheet> Wrap(const Ref<Worksheet>& inner);
   virtual Ref<Range> Wrap(const Ref<Range>& inner);
+  virtual Ref<RowSearch> Wrap(const Ref<RowSearch>& inner);
   virtual Ref<AutoFilter> Wrap(const Ref<AutoFilter>& inner);
   virtual Ref<Filter> Wrap(const Ref<Filter>& inner);
   virtual Ref<CommandBar> Wrap(const Ref<CommandBar>& inner);

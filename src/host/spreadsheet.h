@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -65,6 +66,17 @@ struct AutoFilterArguments {
   std::optional<Criterion> Criteria2 = std::nullopt;
 };
 
+// A search for the rows of a range that hold a match, piece by piece, so that messages can be processed and
+// the search be given up in between.
+class RowSearch : public RefCounted {
+ public:
+  enum class Piece { Matches, NoMatch, End };
+
+  // Goes on for some milliseconds at most and appends the rows that it finds, as the cells are by now. Rows
+  // ascend within an area; one that has been found may come again.
+  virtual Piece Next(std::vector<int32_t>& rows) = 0;
+};
+
 class Range : public RefCounted {
  public:
   // Of the first area: its first row and column, its extent.
@@ -101,6 +113,14 @@ class Range : public RefCounted {
   // `after` (which must lie in the range), and wraps around at the end of the range.
   virtual Ref<Range> Find(const FindArguments& arguments) = 0;
   virtual Ref<Range> FindNext(const Range& after) = 0;
+
+  // All rows in which `Find` and `FindNext` would find a match in one of the columns, which ascend (omitted:
+  // in any), for xlNext by rows. Nothing where the host can only find one cell after the other.
+  virtual Ref<RowSearch> FindRows(const FindArguments& arguments,
+                                  std::optional<std::span<const int32_t>> columns) {
+    static_cast<void>(arguments), static_cast<void>(columns);
+    return nullptr;
+  }
 
   // The cells of a kind; fails when there is none.
   virtual Ref<Range> SpecialCells(XlCellType type) const = 0;

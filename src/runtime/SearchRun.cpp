@@ -5,6 +5,7 @@
 
 #include "runtime/DetectSearchRange.h"
 #include "runtime/Failure.h"
+#include "runtime/FindLoop.h"
 #include "runtime/ShowAll.h"
 #include "util/Scope.h"
 #include "util/Text.h"
@@ -12,6 +13,8 @@
 
 namespace rowlark {
 namespace {
+
+using Piece = host::RowSearch::Piece;
 
 bool MayHideRows(const host::Application& application, const host::Worksheet& sheet) {
   if (application.Version() == u"8.0" && Require(sheet.Parent())->ReadOnly()) return false;
@@ -72,15 +75,16 @@ Ref<host::Range> SearchRun::SearchRange(const host::Worksheet& sheet, Block bloc
   // Rows that an AutoFilter hides are never searched. Of a single cell the host would give the visible cells
   // of the whole sheet; in a hidden row it finds nothing anyhow.
   if (!filtered || (width_ == 1 && block.first_row == end_row_)) return range;
-  areas_ = 0;
   return range->SpecialCells(host::xlCellTypeVisible);
 }
 
-// A match counts in a searched column and a visible row.
-void SearchRun::Take(const host::Range& cell, int32_t row) {
-  if (!rows_.empty() && rows_.back() == row) return;
-  if (!all_columns_ && !std::ranges::binary_search(columns_, cell.Column())) return;
-  if (!cell.EntireRowHidden()) rows_.push_back(row);
+// Whoever only goes to the first match of a word wants the one that the host's Find gives first, which need
+// not be the one in the highest row.
+Ref<host::RowSearch> SearchRun::RowsWith(std::u16string_view word, const Ref<host::Range>& range) const {
+  if (options_.UseFilter) {
+    if (auto rows = range->FindRows(What(word), columns_)) return rows;
+  }
+  return MakeRef<FindLoop>(range, width_, What(word), columns_);
 }
 
 bool SearchRun::HideBlock(host::Worksheet& sheet, int32_t first, int32_t last) {
@@ -94,20 +98,6 @@ bool SearchRun::HideBlock(host::Worksheet& sheet, int32_t first, int32_t last) {
   error_ =
       language_->GetText(u"Err.SearchHide", u"Error #%1: Can not hide/unhide rows %2", {u"397", host_error});
   return false;
-}
-
-// FindNext goes round until it comes back to the first match. That cell may have ceased to match, since
-// messages are processed in between, and then it would go round for ever. Rows ascend within an area and
-// begin anew at most once an area, the last time for the cell at its upper left, which is looked at last; and
-// a row has no more matches than cells.
-bool SearchRun::GoesInCircles(const host::Range& range, int32_t row) {
-  if (row == last_row_ && ++in_row_ <= width_) return false;
-  const bool anew = row <= last_row_;
-  last_row_ = row;
-  in_row_ = 1;
-  if (!anew || ++rounds_ == 1) return false;
-  if (areas_ == 0) areas_ = range.AreasCount();
-  return rounds_ > areas_;
 }
 
 Resumable SearchRun::Work() {
@@ -138,30 +128,18 @@ Resumable SearchRun::Work() {
     }
     if (co_await stopped) co_return;
 
-    columns_ = searched.On(*sheet);
-    all_columns_ = searched.Names().empty();
+    if (!searched.Names().empty()) columns_ = searched.On(*sheet);
     const auto range = SearchRange(*sheet, detected.block, detected.filtered);
     bool enough = false;
     for (const auto& word : Words()) {
-      auto cell = range->Find(What(word));
-      if (!cell) continue;
-      const int32_t first_row = cell->Row();
-      Take(*cell, first_row);
-      if (co_await stopped) co_return;
-      if (!options_.UseFilter) continue;
-      const auto first_address = cell->Address();
-      last_row_ = first_row;
-      in_row_ = 1;
-      rounds_ = 0;
-      while ((cell = range->FindNext(*cell))) {
-        const int32_t row = cell->Row();
-        if (row == first_row && cell->Address() == first_address) break;
-        if (GoesInCircles(*range, row)) break;
-        Take(*cell, row);
-        if (co_await stopped || shared_.Terminating) {
-          enough = true;
-          break;
-        }
+      const auto search = RowsWith(word, range);
+      bool matched = false;  // before this piece
+      for (auto piece = Piece::NoMatch; (piece = search->Next(rows_)) != Piece::End;) {
+        const bool stop = co_await stopped;
+        if (stop && !matched) co_return;
+        enough = stop || (shared_.Terminating && (matched || piece == Piece::NoMatch));
+        if (enough || !options_.UseFilter) break;
+        matched |= piece == Piece::Matches;
       }
       if (enough) break;
     }

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -50,8 +51,7 @@ class SearchRun {
   std::vector<std::u16string> Words() const;
   host::FindArguments What(std::u16string_view word) const;
   Ref<host::Range> SearchRange(const host::Worksheet& sheet, Block block, bool filtered);
-  void Take(const host::Range& cell, int32_t row);
-  bool GoesInCircles(const host::Range& range, int32_t row);
+  Ref<host::RowSearch> RowsWith(std::u16string_view word, const Ref<host::Range>& range) const;
   bool HideBlock(host::Worksheet& sheet, int32_t first, int32_t last);
 
   SharedState& shared_;
@@ -61,17 +61,10 @@ class SearchRun {
   const bool& stop_request_;
   const std::u16string text_;
 
-  bool all_columns_ = true;
-  std::vector<int32_t> columns_;  // ascending; those searched unless all are
-  std::vector<int32_t> rows_;     // of the matches; a row may stand there more than once
-  int32_t end_row_ = 0;           // last row of the search range
-  int32_t width_ = 0;             // its columns
-  int32_t areas_ = 1;             // its areas; 0 where they have not been counted
-
-  // Of the matches of a word:
-  int32_t last_row_ = 0;  // the row of the last one
-  int32_t in_row_ = 0;    // how many of them in succession stand in that row
-  int32_t rounds_ = 0;    // how often the rows have begun anew
+  std::optional<std::vector<int32_t>> columns_;  // those searched, ascending, unless all are
+  std::vector<int32_t> rows_;                    // of the matches; a row may stand there more than once
+  int32_t end_row_ = 0;                          // last row of the search range
+  int32_t width_ = 0;                            // its columns
 
   std::u16string address_;
   Outcome outcome_ = Outcome::Stopped;

@@ -43,6 +43,7 @@ TEST(Search, AsksTheHostForNoMoreThanItNeeds) {
    public:
     std::map<std::string, int, std::less<>> Calls;
     void OnCall(std::string_view operation) override { ++Calls[std::string(operation)]; }
+    bool FindsRows() const override { return false; }
   } counting;
   Session session(kOrders);
   session.runtime.SetExcelApp(counting.Wrap(Ref<host::Application>(session.application)));
