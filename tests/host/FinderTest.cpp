@@ -3,7 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <optional>
 #include <random>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "Sheet.h"
 #include "host/standalone/Scan.h"
@@ -24,6 +30,20 @@ std::string FindAll(host::Range& range, const host::FindArguments& arguments) {
     all += (all.empty() ? "" : " ") + SampleHost::Plain(*cell);
     cell = range.FindNext(*cell);
   } while (cell && cell->Address() != first);
+  return all;
+}
+
+// The rows that are found in bulk, "2 1"; `between` is called after each piece.
+std::string FindRows(host::Range& range, const host::FindArguments& arguments,
+                     const std::optional<std::vector<int32_t>>& columns = std::nullopt,
+                     const std::function<void()>& between = {}) {
+  std::vector<int32_t> rows;
+  const auto search = range.FindRows(arguments, columns);
+  while (search->Next(rows) != host::RowSearch::Piece::End) {
+    if (between) between();
+  }
+  std::string all;
+  for (const int32_t row : rows) all += (all.empty() ? "" : " ") + std::to_string(row);
   return all;
 }
 
@@ -112,12 +132,32 @@ TEST(Find, SeesValuesInVisibleRowsAndFormulasEverywhere) {
   EXPECT_EQ(FindAll(*sample.sheet->Range(u"A1:A4"), arguments), "A2 A3 A4 A1");
 }
 
-// Matches are found some thousand bytes at a time; one may begin before such an end and go on behind it.
-TEST(Find, MissesNothingBetweenTwoBatches) {
-  for (std::size_t filler = 4070; filler < 4110; ++filler) {
-    const SampleHost sample("x|needle|" + std::string(filler, 'x') + "|needle");
-    EXPECT_EQ(FindAll(*sample.sheet->Range(u"A1:A4"), What(u"needle")), "A2 A4") << filler;
-  }
+// A row is a piece. What the first search found is of no use to the second one.
+TEST(Find, RowsAreFoundAsTheCellsAreByNow) {
+  const std::string filler(300000, '-');
+  const SampleHost sample("x," + filler + "|x," + filler + "|y," + filler + "|y," + filler);
+  const auto range = sample.sheet->Range(u"A1:B4");
+  int32_t pieces = 0;
+  EXPECT_EQ(FindRows(*range, What(u"x"), std::nullopt,
+                     [&] {
+                       if (++pieces != 2) return;
+                       sample.sheet->SetCell(1, 1, u"y");
+                       sample.sheet->SetCell(3, 1, u"xx");
+                       sample.sheet->SetHidden({4, 1, 4, 1}, true);
+                       sample.sheet->SetCell(4, 1, u"xx");
+                     }),
+            "1 2 3");
+  EXPECT_GE(pieces, 4);
+  EXPECT_EQ(FindRows(*range, What(u"x")), "2 3");
+  EXPECT_EQ(FindRows(*range, What(u"xx")), "3");
+  sample.sheet->SetHidden({4, 1, 4, 1}, false);
+  EXPECT_EQ(FindRows(*range, What(u"xx")), "3 4");
+  const auto book = sample.application->AddWorkbook(u"other");
+  EXPECT_EQ(FindRows(*book->ActiveSheet()->Range(u"A1:B4"), What(u"xx")), "");
+  const auto search = range->FindRows(What(u"x"), std::nullopt);
+  sample.application->Close(sample.book);
+  std::vector<int32_t> rows;
+  EXPECT_THROW(search->Next(rows), host::Error);
 }
 
 TEST(Scan, AgreesWithAnObviousSearch) {
@@ -152,7 +192,7 @@ TEST(Find, AgreesWithAnObviousModel) {
   constexpr int32_t kColumns = 4;
   const std::u16string_view kTexts[] = {u"", u"a", u"A", u"ab", u"Ba", u"äb", u"Ä", u"bab", u"жЖ"};
   const std::u16string_view kWhats[] = {u"a", u"b", u"ab", u"Ä", u"ж", u"a*b", u"?", u"a?", u"", u"ba*"};
-  for (int round = 0; round < 3000; ++round) {
+  for (int round = 0; round < 2000; ++round) {
     const SampleHost sample("");
     std::u16string cells[kRows][kColumns];
     for (int32_t row = 0; row < kRows; ++row) {
@@ -187,15 +227,70 @@ TEST(Find, AgreesWithAnObviousModel) {
     std::rotate(order.begin(), order.begin() + 1, order.end());
     const standalone::Pattern pattern(arguments.What, arguments.LookAt == host::xlWhole,
                                       *arguments.MatchCase);
+    std::optional<std::vector<int32_t>> columns;
+    if (pick(2) == 0) columns = {1, 1 + pick(kColumns)};
+    std::set<int32_t> rows;
     std::string expected;
     for (const auto& [row, column] : order) {
       std::u16string text = row < kTop + kRows ? cells[row - kTop][column - 1] : u"";
       if (!*arguments.MatchCase) text = FoldCase(text);
       if (sample.sheet->HiddenRows().Contains(row) || !pattern.Matches(ToUtf8(text))) continue;
       expected += (expected.empty() ? "" : " ") + SampleHost::Plain(*sample.sheet->Cells(row, column));
+      if (!columns || std::ranges::count(*columns, column) > 0) rows.insert(row);
     }
+    std::ostringstream expected_rows;
+    for (const int32_t row : rows) expected_rows << (expected_rows.tellp() > 0 ? " " : "") << row;
     ASSERT_EQ(FindAll(*range, arguments), expected)
         << "round " << round << ": \"" << ToUtf8(arguments.What) << "\" in " << SampleHost::Plain(*range);
+    ASSERT_EQ(FindRows(*range, arguments, columns), expected_rows.str())
+        << "round " << round << ": \"" << ToUtf8(arguments.What) << "\" in " << SampleHost::Plain(*range);
+  }
+}
+
+// Texts that are typed letter by letter, taken back, searched for in another way, while cells and rows
+// change: what is remembered of the searches before gives no other rows than one cell after the other.
+TEST(Find, RowsAreThoseOfEveryCellWhateverWasSearchedBefore) {
+  std::mt19937 random(11);
+  const auto pick = [&](int32_t n) { return static_cast<int32_t>(random() % static_cast<uint32_t>(n)); };
+  constexpr int32_t kRows = 40;
+  const auto text = [&] {
+    std::u16string letters;
+    for (int32_t i = pick(6); i > 0; --i) letters += u"abAä?"[pick(5)];
+    return letters;
+  };
+  for (int round = 0; round < 60; ++round) {
+    const SampleHost sample("");
+    for (int32_t row = 1; row <= kRows; ++row) {
+      for (int32_t column = 1; column <= 3; ++column) sample.sheet->SetCell(row, column, text());
+    }
+    std::u16string what;
+    for (int step = 0; step < 60; ++step) {
+      if (pick(4) != 0) {
+        what += u"aabä*"[pick(5)];
+      } else if (!what.empty()) {
+        what.pop_back();
+      }
+      if (pick(9) == 0) sample.sheet->SetCell(1 + pick(kRows), 1 + pick(3), text());
+      if (pick(5) == 0) sample.sheet->SetHidden({1 + pick(kRows), 1, kRows, 1}, pick(2) == 0);
+      auto arguments =
+          What(pick(6) == 0 ? text() : what, pick(6) == 0 ? host::xlWhole : host::xlPart, pick(6) == 0);
+      std::vector<Block> areas{{1, 1, kRows, 3}};
+      if (pick(3) == 0) areas = {{2, 1, 10 + pick(9), 3}, {20 + pick(9), 1, kRows, 3 - pick(2)}};
+      std::optional<std::vector<int32_t>> columns;
+      if (pick(4) == 0) columns = {1 + pick(2), 3};
+      const auto range = sample.sheet->MakeRange(areas);
+      std::set<int32_t> rows;
+      std::u16string first;
+      for (auto cell = range->Find(arguments); cell && cell->Address() != first;
+           cell = range->FindNext(*cell)) {
+        if (first.empty()) first = cell->Address();
+        if (!columns || std::ranges::count(*columns, cell->Column()) > 0) rows.insert(cell->Row());
+      }
+      std::ostringstream expected;
+      for (const int32_t row : rows) expected << (expected.tellp() > 0 ? " " : "") << row;
+      ASSERT_EQ(FindRows(*range, arguments, columns), expected.str())
+          << "round " << round << ", step " << step << ": " << ToUtf8(arguments.What);
+    }
   }
 }
 

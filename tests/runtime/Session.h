@@ -7,14 +7,22 @@
 
 #include "Library.h"
 #include "Sheet.h"
+#include "host/Forwarding.h"
 #include "runtime/clsVTRLKRuntime.h"
 
 namespace rowlark::testing {
 
+// A host that does not find rows in bulk.
+class CellByCell final : public host::Forwarding {
+ public:
+  void OnCall(std::string_view) override {}
+  bool FindsRows() const override { return false; }
+};
+
 struct Session : SampleHost, TestLibrary {
   explicit Session(std::string_view cells, std::u16string_view version = u"16.0", bool read_only = false)
       : SampleHost(cells, u"C:\\Data\\Book1.xls", version, read_only), runtime(shared, forms) {
-    runtime.SetExcelApp(application);
+    runtime.SetExcelApp(host);
     runtime.SearchOptions->CompareMethod = CompareMode::Text;
     runtime.SearchOptions->UseFilter = true;
     searching = runtime.SearchingEvent().Connect([this](bool& on) { events += on ? 'T' : 'F'; });
@@ -24,6 +32,11 @@ struct Session : SampleHost, TestLibrary {
   std::string Search(std::u16string_view text) {
     std::u16string error = u"untouched";
     return runtime.Search(text, error) ? "found" : ToUtf8(error);
+  }
+  // From now on the host finds no rows in bulk.
+  void FindCellByCell() {
+    host = cell_by_cell.Wrap(host);
+    runtime.SetExcelApp(host);
   }
   clsVTRLKItem& Profile() { return *runtime.Items->DefaultItem; }
   bool FlagsRestored() const {
@@ -36,6 +49,8 @@ struct Session : SampleHost, TestLibrary {
     sheet->Range(range)->AutoFilter(arguments);
   }
 
+  CellByCell cell_by_cell;
+  Ref<host::Application> host = application;  // as the runtime sees it
   clsVTRLKRuntime runtime;
   std::string events;  // of Searching: T at the start, F at the end
   Connection searching;

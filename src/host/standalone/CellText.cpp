@@ -117,6 +117,20 @@ const CellText::Block* CellText::BlockOf(int32_t row) const {
   return index < blocks_.size() ? blocks_[index].get() : nullptr;
 }
 
+std::optional<CellText::Piece> CellText::PieceOf(int32_t first, int32_t last) const {
+  last = std::min(last, static_cast<int32_t>(blocks_.size()) * kBlockRows);
+  while (first <= last) {
+    const auto index = RowInBlock(first);
+    const int32_t before = first - 1 - static_cast<int32_t>(index);
+    const auto* block = BlockOf(first);
+    if (block != nullptr && static_cast<int32_t>(index) < block->Rows()) {
+      return Piece{block, before, index, static_cast<std::size_t>(std::min(block->Rows(), last - before))};
+    }
+    first = before + kBlockRows + 1;
+  }
+  return std::nullopt;
+}
+
 std::string_view CellText::Row(int32_t row, bool folded) const {
   const auto* block = BlockOf(row);
   const auto index = RowInBlock(row);

@@ -53,14 +53,25 @@ class CellText {
   // Changes with every change of the text.
   uint64_t Version() const { return version_; }
 
-  // The block of a row, or null when it stores nothing; `RowInBlock` counts from 0.
-  const Block* BlockOf(int32_t row) const;
-  static std::size_t RowInBlock(int32_t row) { return static_cast<std::size_t>(row - 1) % kBlockRows; }
+  // Rows `first` to `end` (excluded) of a block, counted from 0.
+  struct Piece {
+    const Block* block;
+    int32_t before;  // the rows of the sheet before the block
+    std::size_t first;
+    std::size_t end;
+    const Twin& TwinFor(bool match_case) const { return block->twins[match_case ? 0 : 1]; }
+    int32_t RowOnSheet(std::size_t row) const { return before + 1 + static_cast<int32_t>(row); }
+  };
+  // The first of the pieces in which the rows `first` to `last` are stored; nothing when none of them is.
+  std::optional<Piece> PieceOf(int32_t first, int32_t last) const;
 
   // How often each byte stands in a sample of the text.
   std::array<uint32_t, 256> SampleBytes(bool folded) const;
 
  private:
+  static std::size_t RowInBlock(int32_t row) { return static_cast<std::size_t>(row - 1) % kBlockRows; }
+  // The block of a row, or null when it stores nothing.
+  const Block* BlockOf(int32_t row) const;
   Block& BlockFor(int32_t row);
   void Use(int32_t row, int32_t first_column, int32_t last_column);
 

@@ -3,17 +3,18 @@
 // out.
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "host/spreadsheet.h"
 #include "host/standalone/Address.h"
 #include "host/standalone/CellText.h"
 #include "host/standalone/Pattern.h"
+#include "host/standalone/RowFinder.h"
 #include "host/standalone/RowSet.h"
-#include "host/standalone/Scan.h"
 
 namespace rowlark::standalone {
 
@@ -28,8 +29,6 @@ struct Haystack {
 
 class Finder {
  public:
-  Finder() : scan_(SelectScan()) {}
-
   // Takes the settings of a new search; `after` is not read.
   void Begin(const host::FindArguments& arguments);
 
@@ -45,25 +44,23 @@ class Finder {
     return Next(haystack, after);
   }
 
+  // All rows with a match in one of the columns (ascending; nothing: in any). Where what was found before
+  // shows that there can be none in other rows, only those are looked at.
+  RowFinder Rows(const Haystack& haystack, std::optional<std::span<const int32_t>> columns) const;
+  // What a RowFinder found; nothing is taken.
+  void Remember(std::shared_ptr<const FoundRows> found);
+
+  // The model keeps no comments.
+  bool LooksAtText() const { return look_in_ != host::xlComments; }
+  // Whether hidden rows are passed over: the host finds values as they are shown.
+  bool PassesHidden() const { return look_in_ == host::xlValues; }
+
  private:
-  // A match, and the separator behind its cell (null when the match was not found by its literal).
-  struct Match {
-    Cell cell;
-    const char* end = nullptr;
-  };
-  // Matches that stand close together are found in one go and handed out one by one: those of `matches` up to
-  // `count`, in an area of a sheet as it was at the time. The one handed out last is where a search goes on.
-  struct Batch {
+  // The match that was handed out last: which of overlapping areas it belongs to, and its place among many.
+  struct LastMatch {
     const CellText* text = nullptr;
-    uint64_t version = 0;
-    uint64_t layout = 0;
-    std::size_t area_index = 0;
-    Block area;
-    std::size_t count = 0;
-    std::size_t next = 0;           // of the matches to hand out
-    const char* scanned = nullptr;  // behind the last match; no other starts before this place
-    std::array<Match, 128> matches;
-    const Match& Last() const { return matches[next - 1]; }
+    Cell cell;
+    std::size_t area = 0;
   };
   // The first match behind the upper left cell of a range. A search that wraps around ends there.
   struct FirstMatch {
@@ -77,22 +74,18 @@ class Finder {
 
   bool Forward() const { return direction_ == host::xlNext; }
   bool ByRows() const { return order_ == host::xlByRows; }
-  const CellText::Twin& TwinOf(const CellText::Block& block) const {
-    return block.twins[pattern_.MatchCase() ? 0 : 1];
-  }
-  // Whether the batch stands at that cell of that haystack.
-  bool StandsAt(const Haystack& haystack, Cell cell) const;
-  void StartBatch(const Haystack& haystack, const Block& area);
-  bool Matches(const Haystack& haystack, Cell cell);
+  std::size_t AreaOf(const Haystack& haystack, Cell cell) const;
   std::optional<Cell> Successor(const Block& area, Cell cell) const;
   std::optional<Cell> Wrap(const Haystack& haystack, std::size_t area, Cell after);
-  // The first match of an area at or behind `from`, or in the whole of it, as the first of a new batch.
+  // The first match of an area at or behind `from`, or in the whole of it.
   std::optional<Cell> InArea(const Haystack& haystack, const Block& area, std::optional<Cell> from);
-  std::optional<Cell> InAreaByCell(const Haystack& haystack, const Block& area, std::optional<Cell> from);
-  // Fills the batch, going on from where it stands when `resume` is set.
-  void FillBatch(const Haystack& haystack, const Block& area, Cell from, bool resume);
+  std::optional<Cell> InAreaByScan(const Haystack& haystack, const Block& area, Cell from);
+  std::optional<Cell> InAreaByCell(const Haystack& haystack, const Block& area,
+                                   std::optional<Cell> from) const;
+  bool IsMatch(const Haystack& haystack, CellReader& reader, Cell cell) const;
+  // The bytes of the pattern that are rarest in the text.
+  Pattern::RareBytes RareBytes(const CellText& text);
 
-  const ScanKernel& scan_;
   Pattern pattern_;
   Pattern::RareBytes rare_;
   const CellText* sampled_ = nullptr;  // the text whose bytes `rare_` was chosen by
@@ -102,9 +95,9 @@ class Finder {
   host::XlSearchOrder order_ = host::xlByRows;
   host::XlSearchDirection direction_ = host::xlNext;
 
-  Batch batch_;
-  std::optional<CellReader> reader_;  // stands at the last cell that was looked at by itself
+  LastMatch last_;
   FirstMatch first_;
+  std::vector<std::shared_ptr<const FoundRows>> found_;  // the latest one first
 };
 
 }  // namespace rowlark::standalone

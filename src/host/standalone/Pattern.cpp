@@ -94,6 +94,13 @@ bool Pattern::Matches(std::string_view cell) const {
   return element == elements_.size();
 }
 
+bool Pattern::Implies(const Pattern& other) const {
+  if (match_case_ != other.match_case_) return false;
+  if (elements_ == other.elements_) return true;
+  const bool part_of_cell = other.literal_suffices_ && other.elements_.front() == kAnyText;
+  return part_of_cell && literal_.find(other.literal_) != std::string::npos;
+}
+
 Pattern::RareBytes Pattern::ChooseRareBytes(const std::array<uint32_t, 256>& counts) const {
   const auto count = [&](std::size_t i) { return counts[static_cast<unsigned char>(literal_[i])]; };
   RareBytes rare;

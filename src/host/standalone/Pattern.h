@@ -22,6 +22,9 @@ class Pattern {
   // `cell` comes from the folded twin unless the pattern matches case.
   bool Matches(std::string_view cell) const;
 
+  // Whether every cell that matches this pattern is known to match the other one as well.
+  bool Implies(const Pattern& other) const;
+
   // A literal that stands in the row of every matching cell, separators included; empty when there is none.
   const std::string& Literal() const { return literal_; }
   // Whether a cell in which the literal stands needs no further look.

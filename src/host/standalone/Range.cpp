@@ -14,6 +14,27 @@ Haystack HaystackOf(const Worksheet& sheet, std::span<const Block> areas) {
   return {sheet.Text(), sheet.HiddenRows(), sheet.Layout(), areas};
 }
 
+class SheetRows final : public host::RowSearch {
+ public:
+  SheetRows(Ref<Worksheet> sheet, RowFinder finder, bool passes_hidden)
+      : sheet_(std::move(sheet)), finder_(std::move(finder)), passes_hidden_(passes_hidden) {}
+
+  Piece Next(std::vector<int32_t>& rows) override {
+    auto& application = sheet_->Book().Host();
+    const auto before = rows.size();
+    if (finder_.Next(sheet_->Text(), passes_hidden_ ? &sheet_->HiddenRows() : nullptr, rows)) {
+      return rows.size() > before ? Piece::Matches : Piece::NoMatch;
+    }
+    application.Find().Remember(finder_.Found(sheet_->Text()));
+    return Piece::End;
+  }
+
+ private:
+  const Ref<Worksheet> sheet_;
+  RowFinder finder_;
+  const bool passes_hidden_;
+};
+
 }  // namespace
 
 void Range::Dispose() noexcept {
@@ -103,6 +124,15 @@ Ref<host::Range> Range::FindNext(const host::Range& after) {
       sheet_->Book().Host().Find().NextForward(HaystackOf(*sheet_, Areas()), {after.Row(), after.Column()});
   if (!cell) return nullptr;
   return sheet_->MakeRange(Block::OfCell(cell->row, cell->column));
+}
+
+Ref<host::RowSearch> Range::FindRows(const host::FindArguments& arguments,
+                                     std::optional<std::span<const int32_t>> columns) {
+  auto& finder = sheet_->Book().Host().Find();
+  finder.Begin(arguments);
+  if (!finder.LooksAtText()) return nullptr;
+  return MakeRef<SheetRows>(sheet_, finder.Rows(HaystackOf(*sheet_, Areas()), columns),
+                            finder.PassesHidden());
 }
 
 Ref<host::Range> Range::SpecialCells(host::XlCellType type) const {

@@ -29,6 +29,8 @@ class Range final : public host::Range {
   void Activate() override;
   Ref<host::Range> Find(const host::FindArguments& arguments) override;
   Ref<host::Range> FindNext(const host::Range& after) override;
+  Ref<host::RowSearch> FindRows(const host::FindArguments& arguments,
+                                std::optional<std::span<const int32_t>> columns) override;
   Ref<host::Range> SpecialCells(host::XlCellType type) const override;
   void AutoFilter(const host::AutoFilterArguments& arguments) override;
 
