@@ -19,6 +19,11 @@ std::span<const Query> Queries() {
        .columns = u"J",
        .patterns = {",Paid,"}},
       {.name = "a letter of nearly every cell", .text = u"e", .patterns = {"e"}},
+      {.name = "first letter: r", .text = u"r", .patterns = {"r"}},
+      {.name = "next letter: re", .text = u"re", .before = u"r", .patterns = {"re"}},
+      {.name = "next letter: rem", .text = u"rem", .before = u"re", .patterns = {"rem"}},
+      {.name = "next letter: remi", .text = u"remi", .before = u"rem", .patterns = {"remi"}},
+      {.name = "last letter: reminder", .text = u"reminder", .before = u"reminde", .patterns = {"reminder"}},
   };
   return kQueries;
 }

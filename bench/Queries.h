@@ -13,6 +13,7 @@ namespace rowlark::bench {
 struct Query {
   std::string_view name;
   std::u16string_view text;
+  std::u16string_view before = {};  // searched for just before, unmeasured: a letter is typed behind it
   xeVT_SEARCH_WORDS words = xcVT_SEARCH_WORDS_ALL;
   std::u16string_view columns = {};  // as in a profile's SearchCols; empty: all
   // Fixed texts, letter case ignored; a line that holds one of them counts.
