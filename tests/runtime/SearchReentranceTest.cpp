@@ -25,7 +25,7 @@ struct Piecewise : Session {
   Piecewise() : Session(Cells()) {}
   static std::string Cells() {
     std::string cells;
-    for (const auto row : testing::SplitAt(kTable, '|')) {
+    for (const auto row : Pieces(std::string_view(kTable), std::string_view("|"))) {
       cells.append(cells.empty() ? "" : "|").append(row).append(",").append(263000, '-');
     }
     return cells;
