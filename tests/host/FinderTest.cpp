@@ -132,11 +132,12 @@ TEST(Find, SeesValuesInVisibleRowsAndFormulasEverywhere) {
   EXPECT_EQ(FindAll(*sample.sheet->Range(u"A1:A4"), arguments), "A2 A3 A4 A1");
 }
 
-// A row is a piece. What the first search found is of no use to the second one.
+// A row is a piece. What a search has found is of use to the next one until a cell changes.
 TEST(Find, RowsAreFoundAsTheCellsAreByNow) {
   const std::string filler(300000, '-');
-  const SampleHost sample("x," + filler + "|x," + filler + "|y," + filler + "|y," + filler);
-  const auto range = sample.sheet->Range(u"A1:B4");
+  const auto row = [&](const char* first) { return std::string(first) + "," + filler; };
+  const SampleHost sample(row("x") + "|" + row("x") + "|" + row("y") + "|" + row("y") + "|" + row("y"));
+  const auto range = sample.sheet->Range(u"A1:B5");
   int32_t pieces = 0;
   EXPECT_EQ(FindRows(*range, What(u"x"), std::nullopt,
                      [&] {
@@ -152,6 +153,8 @@ TEST(Find, RowsAreFoundAsTheCellsAreByNow) {
   EXPECT_EQ(FindRows(*range, What(u"xx")), "3");
   sample.sheet->SetHidden({4, 1, 4, 1}, false);
   EXPECT_EQ(FindRows(*range, What(u"xx")), "3 4");
+  EXPECT_EQ(FindRows(*range, What(u"xx"), std::nullopt, [&] { sample.sheet->SetCell(5, 1, u"xx"); }),
+            "3 4 5");
   const auto book = sample.application->AddWorkbook(u"other");
   EXPECT_EQ(FindRows(*book->ActiveSheet()->Range(u"A1:B4"), What(u"xx")), "");
   const auto search = range->FindRows(What(u"x"), std::nullopt);
