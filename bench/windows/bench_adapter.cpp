@@ -22,6 +22,7 @@
 #include "AutomationHost.h"
 #include "automation/ComPtr.h"
 #include "automation/Counted.h"
+#include "automation/Variant.h"
 #include "forms/FormSet.h"
 #include "host/standalone/Application.h"
 #include "host/standalone/Headless.h"
@@ -90,7 +91,7 @@ class Recording {
       VARIANT result{};
       EXCEPINFO exception{};
       const HRESULT outcome =
-          slots[step.object]->Invoke(step.id, IID_NULL, LOCALE_USER_DEFAULT, step.flags, &parameters,
+          slots[step.object]->Invoke(step.id, IID_NULL, automation::kLocale, step.flags, &parameters,
                                      step.wants_result ? &result : nullptr, &exception, nullptr);
       for (std::size_t i = 0; i < step.objects.size(); ++i) {
         if (arguments[i].vt == VT_BSTR) SysFreeString(arguments[i].bstrVal);
