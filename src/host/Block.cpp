@@ -30,6 +30,11 @@ Block Block::Of(const host::Range& range) {
   return {row, column, row + rows - 1, column + columns - 1};
 }
 
+std::u16string Block::Address() const {
+  const auto cell = [](int32_t row, int32_t column) { return ColumnLetters(column) + ToText(row); };
+  return cell(first_row, first_column) + u":" + cell(last_row, last_column);
+}
+
 Columns::Columns(std::u16string_view text) {
   if (text.empty()) return;
   const auto names = Pieces(text, u",");

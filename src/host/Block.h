@@ -25,6 +25,8 @@ struct Block {
   static constexpr Block OfCell(int32_t row, int32_t column) { return {row, column, row, column}; }
 
   bool IsClosed() const { return first_row > 0 && first_column > 0 && last_row > 0 && last_column > 0; }
+  // "B3:F200", of a closed one.
+  std::u16string Address() const;
   friend bool operator==(const Block&, const Block&) = default;
 
   // Of closed ones:

@@ -1,5 +1,6 @@
 #include "host/Forwarding.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace rowlark::host {
@@ -128,6 +129,9 @@ class ForwardingWorksheet final : public Forwarder<Worksheet> {
     return Wrap(Call("Worksheet.AutoFilter").AutoFilter());
   }
   bool ProtectScenarios() const override { return Call("Worksheet.ProtectScenarios").ProtectScenarios(); }
+  std::size_t HideRows(std::span<const RowRun> runs) override {
+    return Call("Worksheet.HideRows").HideRows(runs.first(std::min(runs.size(), Context().RunsAtOnce())));
+  }
 };
 
 class ForwardingWorkbook final : public Forwarder<Workbook> {

@@ -3,6 +3,9 @@
 // well.
 #pragma once
 
+#include <cstddef>
+#include <limits>
+
 #include "host/spreadsheet.h"
 
 namespace rowlark::host {
@@ -21,6 +24,8 @@ class Forwarding {
 
   // Whether ranges find rows in bulk when the host's do; a host that does not gets Find and FindNext.
   virtual bool FindsRows() const { return true; }
+  // How many runs of rows are hidden in one go at most, at least 1.
+  virtual std::size_t RunsAtOnce() const { return std::numeric_limits<std::size_t>::max(); }
 
   // The wrapper of an object of the host; nothing stays nothing.
   virtual Ref<Application> Wrap(const Ref<Application>& inner);

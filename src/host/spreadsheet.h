@@ -7,6 +7,7 @@
 // out.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -146,6 +147,14 @@ class AutoFilter : public RefCounted {
   virtual void ApplyFilter() = 0;                        // since version 12
 };
 
+// Rows that follow one another, both ends included.
+struct RowRun {
+  int32_t first = 1;
+  int32_t last = 0;
+
+  int32_t Rows() const { return last - first + 1; }
+};
+
 class Worksheet : public RefCounted {
  public:
   virtual Ref<Workbook> Parent() const = 0;
@@ -157,6 +166,11 @@ class Worksheet : public RefCounted {
   virtual bool AutoFilterMode() const = 0;
   virtual Ref<host::AutoFilter> AutoFilter() const = 0;  // nothing without an AutoFilter
   virtual bool ProtectScenarios() const = 0;
+
+  // EntireRow.Hidden = True for the rows of the first runs of a list, as many as the host takes in one go;
+  // returns how many. The list is not empty, and at least one is taken. Where the host refuses a run, those
+  // before it are hidden.
+  virtual std::size_t HideRows(std::span<const RowRun> runs) = 0;
 };
 
 class Workbook : public RefCounted {

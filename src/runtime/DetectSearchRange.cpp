@@ -32,6 +32,7 @@ DetectedRange DetectSearchRange(const host::Worksheet& sheet, Block block) {
   if (block.IsClosed()) return detected;
   detected.automatic =
       block.first_row <= 0 && block.first_column <= 0 && block.last_row <= 0 && block.last_column <= 0;
+  detected.ends_used = block.last_row <= 0;
   const auto used = sheet.UsedRange();
   Close(
       closed.first_column, closed.last_column, [&] { return used->Column(); },
@@ -39,6 +40,16 @@ DetectedRange DetectSearchRange(const host::Worksheet& sheet, Block block) {
   Close(
       closed.first_row, closed.last_row, [&] { return used->Row(); }, [&] { return used->RowsCount(); });
   return detected;
+}
+
+Ref<host::Range> RangeOnSheet(const host::Worksheet& sheet, Block& block) {
+  try {
+    return sheet.Range(block.Address());
+  } catch (const host::Error&) {
+    const auto first = CellOnSheet(sheet, block.first_row, block.first_column);
+    const auto last = CellOnSheet(sheet, block.last_row, block.last_column);
+    return sheet.Range(*first, *last);
+  }
 }
 
 Ref<host::Range> CellOnSheet(const host::Worksheet& sheet, int32_t& row, int32_t& column) {

@@ -5,10 +5,11 @@
 
 namespace rowlark {
 
-FindLoop::FindLoop(Ref<host::Range> range, int32_t width, const host::FindArguments& arguments,
+FindLoop::FindLoop(Ref<host::Range> range, int32_t width, bool visible, const host::FindArguments& arguments,
                    std::optional<std::vector<int32_t>> columns)
     : range_(std::move(range)),
       width_(width),
+      visible_(visible),
       what_(arguments.What),
       arguments_(arguments),
       columns_(std::move(columns)) {
@@ -51,7 +52,7 @@ bool FindLoop::GoesInCircles(int32_t row) {
 void FindLoop::Take(const host::Range& cell, int32_t row, std::vector<int32_t>& rows) const {
   if (!rows.empty() && rows.back() == row) return;
   if (columns_ && !std::ranges::binary_search(*columns_, cell.Column())) return;
-  if (!cell.EntireRowHidden()) rows.push_back(row);
+  if (visible_ || !cell.EntireRowHidden()) rows.push_back(row);
 }
 
 }  // namespace rowlark

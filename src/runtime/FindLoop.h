@@ -13,8 +13,9 @@ namespace rowlark {
 
 class FindLoop final : public host::RowSearch {
  public:
-  // `width` is the number of columns that the range spans; `columns` ascend.
-  FindLoop(Ref<host::Range> range, int32_t width, const host::FindArguments& arguments,
+  // `width` is the number of columns that the range spans, `visible` that none of its rows is hidden;
+  // `columns` ascend.
+  FindLoop(Ref<host::Range> range, int32_t width, bool visible, const host::FindArguments& arguments,
            std::optional<std::vector<int32_t>> columns);
 
   // A match counts in one of the columns and in a visible row; one that does not is a match all the same.
@@ -28,6 +29,7 @@ class FindLoop final : public host::RowSearch {
 
   const Ref<host::Range> range_;
   const int32_t width_;
+  const bool visible_;
   const std::u16string what_;
   host::FindArguments arguments_;
   const std::optional<std::vector<int32_t>> columns_;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "runtime/DetectSearchRange.h"
 #include "runtime/Failure.h"
 #include "runtime/FindLoop.h"
 #include "runtime/ShowAll.h"
@@ -16,9 +15,23 @@ namespace {
 
 using Piece = host::RowSearch::Piece;
 
+// How many runs of rows are hidden before messages are processed again.
+constexpr std::size_t kRunsBetweenChecks = 64;
+
 bool MayHideRows(const host::Application& application, const host::Worksheet& sheet) {
   if (application.Version() == u"8.0" && Require(sheet.Parent())->ReadOnly()) return false;
   return !sheet.ProtectScenarios();
+}
+
+// The rows first to last that are not listed. The list ascends and may name a row more than once.
+std::vector<host::RowRun> Gaps(std::span<const int32_t> rows, int32_t first, int32_t last) {
+  std::vector<host::RowRun> gaps;
+  for (const int32_t row : rows) {
+    if (row > first) gaps.push_back({first, row - 1});
+    first = row + 1;
+  }
+  if (first <= last) gaps.push_back({first, last});
+  return gaps;
 }
 
 }  // namespace
@@ -64,17 +77,20 @@ host::FindArguments SearchRun::What(std::u16string_view word) const {
   return arguments;
 }
 
-Ref<host::Range> SearchRun::SearchRange(const host::Worksheet& sheet, Block block, bool filtered) {
-  const auto used = sheet.UsedRange();
-  const int32_t limit_row = used->Row() + used->RowsCount();  // one more than the last used row
-  end_row_ = block.last_row >= 0 ? std::min(block.last_row, limit_row) : limit_row;
-  const auto first = CellOnSheet(sheet, block.first_row, block.first_column);
-  const auto last = CellOnSheet(sheet, end_row_, block.last_column);
-  const auto range = sheet.Range(*first, *last);
+Ref<host::Range> SearchRun::SearchRange(const host::Worksheet& sheet, const DetectedRange& detected) {
+  Block block = detected.block;
+  if (!detected.ends_used) {
+    const auto used = sheet.UsedRange();
+    const int32_t limit_row = used->Row() + used->RowsCount();  // one more than the last used row
+    block.last_row = block.last_row >= 0 ? std::min(block.last_row, limit_row) : limit_row;
+  }
+  const auto range = RangeOnSheet(sheet, block);
+  end_row_ = block.last_row;
   width_ = std::abs(block.last_column - block.first_column) + 1;
   // Rows that an AutoFilter hides are never searched. Of a single cell the host would give the visible cells
   // of the whole sheet; in a hidden row it finds nothing anyhow.
-  if (!filtered || (width_ == 1 && block.first_row == end_row_)) return range;
+  if (!detected.filtered || (width_ == 1 && block.first_row == end_row_)) return range;
+  all_visible_ = true;
   return range->SpecialCells(host::xlCellTypeVisible);
 }
 
@@ -84,20 +100,21 @@ Ref<host::RowSearch> SearchRun::RowsWith(std::u16string_view word, const Ref<hos
   if (options_.UseFilter) {
     if (auto rows = range->FindRows(What(word), columns_)) return rows;
   }
-  return MakeRef<FindLoop>(range, width_, What(word), columns_);
+  return MakeRef<FindLoop>(range, width_, all_visible_, What(word), columns_);
 }
 
-bool SearchRun::HideBlock(host::Worksheet& sheet, int32_t first, int32_t last) {
-  address_.assign(1, u'A');
-  address_ += ToText(first);
-  address_ += u":A";
-  address_ += ToText(last);
-  std::u16string host_error;
-  if (HideRows(sheet, *sheet.Range(address_), true, shared_.Platform.Trace, host_error)) return true;
-  outcome_ = Outcome::Failed;
-  error_ =
-      language_->GetText(u"Err.SearchHide", u"Error #%1: Can not hide/unhide rows %2", {u"397", host_error});
-  return false;
+// Takes those that are hidden off the list; false when the host refuses.
+bool SearchRun::HideSome(host::Worksheet& sheet, std::span<const host::RowRun>& runs) {
+  try {
+    runs = runs.subspan(sheet.HideRows(runs.first(std::min(runs.size(), kRunsBetweenChecks))));
+    return true;
+  } catch (...) {
+    TraceCaught(shared_.Platform.Trace);
+    outcome_ = Outcome::Failed;
+    error_ = language_->GetText(u"Err.SearchHide", u"Error #%1: Can not hide/unhide rows %2",
+                                {u"397", CurrentDescription()});
+    return false;
+  }
 }
 
 Resumable SearchRun::Work() {
@@ -121,15 +138,18 @@ Resumable SearchRun::Work() {
     const bool hides = options_.UseFilter && MayHideRows(*application, *sheet);
     if (hides) {
       std::u16string discarded;  // a search that can not begin says nothing
-      if (!ShowAll(shared_, *application, screen, *items_, true, discarded)) {
+      const SearchedSheet searched_sheet{sheet, profile, detected.filtered ? 0 : detected.block.first_column};
+      const auto shown = ShowAll(shared_, *application, screen, *items_, true, discarded, &searched_sheet);
+      if (shown == Shown::Unknown) {
         outcome_ = Outcome::Failed;
         co_return;
       }
+      all_visible_ = shown == Shown::Every;
     }
     if (co_await stopped) co_return;
 
     if (!searched.Names().empty()) columns_ = searched.On(*sheet);
-    const auto range = SearchRange(*sheet, detected.block, detected.filtered);
+    const auto range = SearchRange(*sheet, detected);
     bool enough = false;
     for (const auto& word : Words()) {
       const auto search = RowsWith(word, range);
@@ -155,17 +175,20 @@ Resumable SearchRun::Work() {
     if (hides) {
       screen.Change(false);
       items_->RowsIsGrouped = true;  // also when the host refuses a block: those before it are hidden
-      int32_t next = range->Row();
-      for (const int32_t row : rows_) {
-        if (row - 1 >= next && !HideBlock(*sheet, next, row - 1)) co_return;
-        next = row + 1;
+      // What stands above a range that nobody chose goes too, but for a single row, which is likely a header.
+      const bool above = detected.automatic && rows_.front() > 2;
+      const auto gaps = Gaps(rows_, above ? 1 : range->Row(), end_row_);
+      std::span<const host::RowRun> left = gaps;
+      while (!left.empty()) {
+        if (!HideSome(*sheet, left)) co_return;
         if (co_await stopped || shared_.Terminating) break;
       }
       if (superseded_) co_return;
-      if (next <= end_row_ && !HideBlock(*sheet, next, end_row_)) co_return;
-      // What stands above a range that nobody chose goes too, but for a single row, which is likely a header.
-      if (const int32_t above = rows_.front() - 1; detected.automatic && above >= 2) {
-        if (!HideBlock(*sheet, 1, above)) co_return;
+      if (!left.empty() && left.front().first <= end_row_) {
+        // A search that is stopped leaves nothing behind the rows that it has come to.
+        const host::RowRun rest{left.front().first, end_row_};
+        left = {&rest, 1};
+        if (!HideSome(*sheet, left)) co_return;
       }
       screen.GiveBack();
     }

@@ -8,11 +8,13 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "host/Block.h"
+#include "host/spreadsheet.h"
+#include "runtime/DetectSearchRange.h"
 #include "runtime/Outcome.h"
 #include "runtime/Resumable.h"
 #include "runtime/clsVTRLKOptions.h"
@@ -50,9 +52,9 @@ class SearchRun {
   Resumable Work();
   std::vector<std::u16string> Words() const;
   host::FindArguments What(std::u16string_view word) const;
-  Ref<host::Range> SearchRange(const host::Worksheet& sheet, Block block, bool filtered);
+  Ref<host::Range> SearchRange(const host::Worksheet& sheet, const DetectedRange& detected);
   Ref<host::RowSearch> RowsWith(std::u16string_view word, const Ref<host::Range>& range) const;
-  bool HideBlock(host::Worksheet& sheet, int32_t first, int32_t last);
+  bool HideSome(host::Worksheet& sheet, std::span<const host::RowRun>& runs);
 
   SharedState& shared_;
   const std::shared_ptr<clsVTRLKLang> language_;  // the library may end during the run
@@ -65,8 +67,8 @@ class SearchRun {
   std::vector<int32_t> rows_;                    // of the matches; a row may stand there more than once
   int32_t end_row_ = 0;                          // last row of the search range
   int32_t width_ = 0;                            // its columns
+  bool all_visible_ = false;                     // none of its rows is hidden
 
-  std::u16string address_;
   Outcome outcome_ = Outcome::Stopped;
   std::u16string error_;
   bool on_stack_ = false;

@@ -27,7 +27,8 @@ std::optional<host::Criterion> TryRead(Read read) {
 
 // Applies the filter of a column once more, which shows the rows that a search has hidden. True when the
 // filters of all columns have been applied.
-bool Reapply(host::AutoFilter& filters, int32_t field, const host::Filter& filter, Trace* trace) {
+bool Reapply(host::AutoFilter& filters, host::Range& filtered, int32_t field, const host::Filter& filter,
+             Trace* trace) {
   const int32_t operation = filter.Operator();
   if (operation >= host::xlFilterValues) {
     // The criteria that can be read are not all that such a filter has: a list of values lacks the groups of
@@ -47,7 +48,7 @@ bool Reapply(host::AutoFilter& filters, int32_t field, const host::Filter& filte
     arguments.Criteria2 = TryRead([&] { return filter.Criteria2(); });
   }
   // Without a criterion the filter would be cleared.
-  if (arguments.Criteria1 && Attempt(trace, [&] { filters.Range()->AutoFilter(arguments); })) return false;
+  if (arguments.Criteria1 && Attempt(trace, [&] { filtered.AutoFilter(arguments); })) return false;
   filters.ApplyFilter();
   return true;
 }
@@ -65,30 +66,34 @@ void ShowRows(const host::Worksheet& sheet, int32_t first, int32_t last) {
   }
 }
 
-void Show(host::Worksheet& sheet, host::Range& range, Trace* trace) {
+// All rows of a sheet without an AutoFilter; on a sheet with one, those around the filter's data, and of its
+// data those that pass the filters.
+Shown ShowRows(const host::Worksheet& sheet, host::Range& cells, Trace* trace) {
   if (!sheet.AutoFilterMode()) {
-    range.SetEntireRowHidden(false);
-    return;
+    cells.SetEntireRowHidden(false);
+    return Shown::Every;
   }
   const auto filters = Require(sheet.AutoFilter());
   const auto filtered = filters->Range();
   const int32_t header = filtered->Row();
-  ShowRows(sheet, range.Row(), header);
-  ShowRows(sheet, header + filtered->RowsCount(), range.Row() + range.RowsCount() - 1);
+  ShowRows(sheet, 1, header);
+  ShowRows(sheet, header + filtered->RowsCount(), cells.RowsCount());
   int32_t active = 0;
   const int32_t count = filters->FiltersCount();
   for (int32_t field = 1; field <= count; ++field) {
     const auto filter = Require(filters->Filters(field));
     if (!filter->On()) continue;
     ++active;
-    if (Reapply(*filters, field, *filter, trace)) break;
+    if (Reapply(*filters, *filtered, field, *filter, trace)) break;
   }
   if (active == 0) filtered->SetEntireRowHidden(false);
+  return Shown::Passing;
 }
 
-void GoToFirstRow(host::Worksheet& sheet, const clsVTRLKItem& profile) {
+void GoToFirstRow(const host::Worksheet& sheet, const clsVTRLKItem& profile, int32_t used_column) {
   int32_t column = profile.SelectCol;
   if (column < 1) column = profile.StartCol();
+  if (column < 1) column = used_column;
   if (column < 1) column = sheet.UsedRange()->Column();
   int32_t row = std::max(profile.StartRow(), 1);
   CellOnSheet(sheet, row, column)->Activate();
@@ -96,56 +101,42 @@ void GoToFirstRow(host::Worksheet& sheet, const clsVTRLKItem& profile) {
 
 }  // namespace
 
-bool HideRows(host::Worksheet& sheet, host::Range& range, bool hide, Trace* trace, std::u16string& error) {
-  error.clear();
-  try {
-    if (hide) {
-      range.SetEntireRowHidden(true);
-    } else {
-      Show(sheet, range, trace);
-    }
-    return true;
-  } catch (...) {
-    TraceCaught(trace);
-    error = CurrentDescription();
-    return false;
-  }
-}
-
 std::shared_ptr<clsVTRLKItem> ActiveProfile(const host::Application& application, clsVTRLKItems& items) {
   return items.ForWorkbook(Require(application.ActiveWorkbook())->Name());
 }
 
-bool ShowAll(SharedState& shared, const host::Application& application, FlagScope& screen,
-             clsVTRLKItems& items, bool call_from_search, std::u16string& error) {
+Shown ShowAll(SharedState& shared, const host::Application& application, FlagScope& screen,
+              clsVTRLKItems& items, bool call_from_search, std::u16string& error,
+              const SearchedSheet* searched) {
   error.clear();
   const auto language = shared.Language;
-  bool done = true;
   try {
-    const auto active_cell = application.ActiveCell();
+    const bool stays = searched == nullptr || !searched->profile->UnhideJumpFirstRow;
+    const auto active_cell = stays ? application.ActiveCell() : nullptr;
     screen.Change(false);
-    const auto sheet = Require(application.ActiveSheet());
-    std::u16string host_error;
-    if (!HideRows(*sheet, *sheet->Cells(), false, shared.Platform.Trace, host_error)) {
+    const auto sheet = searched != nullptr ? searched->sheet : Require(application.ActiveSheet());
+    const auto cells = sheet->Cells();
+    auto* const trace = shared.Platform.Trace;
+    const auto shown = AttemptOr(trace, Shown::Unknown, [&] { return ShowRows(*sheet, *cells, trace); });
+    if (shown == Shown::Unknown) {
       // The message ends with the word False in place of the host's reason.
       error = language->GetText(u"Err.SearchHide", u"Error #%1: Can't show/hide rows %2", {u"397", u"False"});
-      done = false;
     }
     if (!call_from_search) screen.GiveBack();
     items.RowsIsGrouped = false;
 
-    const auto profile = ActiveProfile(application, items);
+    const auto profile = searched != nullptr ? searched->profile : ActiveProfile(application, items);
     if (profile->UnhideJumpFirstRow) {
-      GoToFirstRow(*sheet, *profile);
+      GoToFirstRow(*sheet, *profile, searched != nullptr ? searched->used_column : 0);
     } else {
       Require(active_cell)->Activate();
     }
     if (profile->DontSaveChanges) Require(application.ActiveWorkbook())->SetSaved(true);
-    return done;
+    return shown;
   } catch (...) {
     TraceCaught(shared.Platform.Trace);
     error = GenericError(*language);
-    return false;
+    return Shown::Unknown;
   }
 }
 

@@ -124,7 +124,7 @@ OperationResult clsVTRLKRuntime::ShowAllRows(bool called_from_search) {
   shared.GiveBackFlags();
   FlagScope screen(shared.Flags, application, HostFlag::ScreenUpdating, true);
   OperationResult result;
-  if (ShowAll(shared, *application, screen, *items, called_from_search, result.error)) {
+  if (ShowAll(shared, *application, screen, *items, called_from_search, result.error) != Shown::Unknown) {
     result.outcome = Outcome::Done;
     if (called_from_search) screen.Leave();
   }

@@ -214,7 +214,7 @@ TEST(Reentrance, ASupersededSearchHidesNothingMore) {
       void OnCall(std::string_view operation) override { Hear(operation); }
     } watch;
     watch.Hear = [&](std::string_view operation) {
-      hidden += asked && session.events == "T" && operation == "Range.EntireRow.Hidden=" ? 1 : 0;
+      hidden += asked && session.events == "T" && operation == "Worksheet.HideRows" ? 1 : 0;
     };
     session.runtime.SetExcelApp(watch.Wrap(session.host));
     Script(session, [&](int64_t pass) {

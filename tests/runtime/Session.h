@@ -12,11 +12,12 @@
 
 namespace rowlark::testing {
 
-// A host that does not find rows in bulk.
+// A host that does not find rows in bulk, and hides one run of rows at a time.
 class CellByCell final : public host::Forwarding {
  public:
   void OnCall(std::string_view) override {}
   bool FindsRows() const override { return false; }
+  std::size_t RunsAtOnce() const override { return 1; }
 };
 
 struct Session : SampleHost, TestLibrary {
@@ -33,7 +34,7 @@ struct Session : SampleHost, TestLibrary {
     std::u16string error = u"untouched";
     return runtime.Search(text, error) ? "found" : ToUtf8(error);
   }
-  // From now on the host finds no rows in bulk.
+  // From now on the host finds and hides no rows in bulk.
   void FindCellByCell() {
     host = cell_by_cell.Wrap(host);
     runtime.SetExcelApp(host);

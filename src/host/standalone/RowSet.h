@@ -6,17 +6,12 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/spreadsheet.h"
 #include "host/standalone/Address.h"
 
 namespace rowlark::standalone {
 
-// Rows that follow one another, both ends included.
-struct RowRun {
-  int32_t first = 1;
-  int32_t last = 0;
-
-  int32_t Rows() const { return last - first + 1; }
-};
+using host::RowRun;
 
 class RowSet {
  public:

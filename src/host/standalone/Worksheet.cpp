@@ -127,6 +127,15 @@ Ref<host::AutoFilter> Worksheet::AutoFilter() const {
 
 bool Worksheet::ProtectScenarios() const { return protection_.scenarios; }
 
+std::size_t Worksheet::HideRows(std::span<const RowRun> runs) {
+  Book();
+  for (const RowRun run : runs) {
+    if (run.first < 1 || run.last > size_.rows) Fail(u"Application-defined or object-defined error");
+    SetHidden({run.first, 1, run.last, 1}, true);
+  }
+  return runs.size();
+}
+
 void Worksheet::Changed() const { Book().SetSaved(false); }
 
 void Worksheet::SetHidden(const Block& rows, bool hidden) {

@@ -50,6 +50,7 @@ class Worksheet final : public host::Worksheet {
   bool AutoFilterMode() const override;
   Ref<host::AutoFilter> AutoFilter() const override;
   bool ProtectScenarios() const override;
+  std::size_t HideRows(std::span<const RowRun> runs) override;
 
   const std::u16string& Name() const { return name_; }
   void SetName(std::u16string_view name) { name_ = name; }
@@ -131,6 +132,7 @@ class ChartSheet final : public host::Worksheet {
   bool AutoFilterMode() const override { Refuse(); }
   Ref<host::AutoFilter> AutoFilter() const override { Refuse(); }
   bool ProtectScenarios() const override { return false; }
+  std::size_t HideRows(std::span<const RowRun>) override { Refuse(); }
 
  private:
   [[noreturn]] static void Refuse() {

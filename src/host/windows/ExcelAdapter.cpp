@@ -1,5 +1,6 @@
 #include "host/windows/ExcelAdapter.h"
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -39,7 +40,11 @@ class ExcelApplication final : public host::Application {
   bool EnableAnimations() const override { return object_.Bool(Members().EnableAnimations); }
   void SetEnableAnimations(bool on) override { object_.Put(Members().EnableAnimations, on); }
 
-  std::u16string Version() const override { return object_.Text(Members().Version); }
+  // The same as long as the process lives.
+  std::u16string Version() const override {
+    if (!version_) version_ = object_.Text(Members().Version);
+    return *version_;
+  }
   // Handles of windows are numbers of 32 bits, whatever type they arrive in.
   intptr_t Hwnd() const override {
     const auto number = Converted(object_.Get(Members().Hwnd), VT_I8).llVal;
@@ -63,6 +68,7 @@ class ExcelApplication final : public host::Application {
 
   Ref<ExcelSession> session_;
   Dispatch object_;
+  mutable std::optional<std::u16string> version_;
 };
 
 }  // namespace

@@ -3,9 +3,22 @@
 #include "host/windows/ExcelEvents.h"
 #include "host/windows/ExcelRange.h"
 #include "host/windows/ExcelValues.h"
+#include "util/Text.h"
 
 namespace rowlark::windows {
 namespace {
+
+// What Excel takes for an address, in units of UTF-16.
+constexpr std::size_t kLongestAddress = 255;
+
+// "A5", "A5:A7": a cell of each row.
+void AppendRows(std::u16string& address, host::RowRun run) {
+  address += u'A';
+  address += ToText(run.first);
+  if (run.last == run.first) return;
+  address += u":A";
+  address += ToText(run.last);
+}
 
 class ExcelFilter final : public host::Filter {
  public:
@@ -99,5 +112,34 @@ Ref<host::AutoFilter> ExcelSheet::AutoFilter() const {
 }
 
 bool ExcelSheet::ProtectScenarios() const { return object_.Bool(members_.ProtectScenarios); }
+
+void ExcelSheet::HideRowsOf(std::u16string_view address) { Range(address)->SetEntireRowHidden(true); }
+
+// As many runs as an address holds. Where the host refuses them together they are hidden one by one, so that
+// the error is that of the run which can not be hidden.
+std::size_t ExcelSheet::HideRows(std::span<const host::RowRun> runs) {
+  std::u16string address;
+  address.reserve(2 * kLongestAddress);
+  std::size_t count = 0;
+  for (; count < runs.size(); ++count) {
+    const std::size_t complete = address.size();
+    if (count > 0) address += u',';
+    AppendRows(address, runs[count]);
+    if (address.size() <= kLongestAddress) continue;
+    address.resize(complete);
+    break;
+  }
+  try {
+    HideRowsOf(address);
+  } catch (const host::Error&) {
+    if (count == 1) throw;
+    for (const auto run : runs.first(count)) {
+      address.clear();
+      AppendRows(address, run);
+      HideRowsOf(address);
+    }
+  }
+  return count;
+}
 
 }  // namespace rowlark::windows

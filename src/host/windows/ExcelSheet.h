@@ -1,6 +1,8 @@
 // Excel's Workbook, Worksheet, AutoFilter and Filter behind the seam.
 #pragma once
 
+#include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,8 +46,11 @@ class ExcelSheet final : public host::Worksheet {
   bool AutoFilterMode() const override;
   Ref<host::AutoFilter> AutoFilter() const override;
   bool ProtectScenarios() const override;
+  std::size_t HideRows(std::span<const host::RowRun> runs) override;
 
  private:
+  void HideRowsOf(std::u16string_view address);
+
   Ref<ExcelSession> session_;
   SheetMembers& members_;  // of the session
   Dispatch object_;
