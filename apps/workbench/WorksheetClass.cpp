@@ -10,12 +10,17 @@ standalone::Worksheet& Sheet(const Call& call) {
   return sheet;
 }
 
+// In units of UTF-16.
+constexpr std::size_t kLongestAddress = 255;
+
 [[noreturn]] void Fail(std::u16string description) { throw host::Error(1004, std::move(description)); }
 
 Ref<host::Range> Corner(Call& call, std::size_t argument, const host::Worksheet& sheet) {
   auto* range = call.AsRange(argument);
-  if (range == nullptr) return sheet.Range(call.Text(argument));
-  if (&range->Sheet() != &sheet) Fail(u"Method 'Range' of object '_Worksheet' failed");
+  if (range == nullptr && call.Text(argument).size() <= kLongestAddress) {
+    return sheet.Range(call.Text(argument));
+  }
+  if (range == nullptr || &range->Sheet() != &sheet) Fail(u"Method 'Range' of object '_Worksheet' failed");
   return range;
 }
 

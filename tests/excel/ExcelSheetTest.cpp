@@ -77,6 +77,28 @@ TEST(ExcelSheet, FiltersAsTheModelDoes) {
   EXPECT_EQ(host.VisibleRows(4), "1 2 4");
 }
 
+TEST(ExcelSheet, HidesRunsOfRowsTogetherOrOneByOne) {
+  SampleHost host("x");
+  Excel excel(host.application);
+  const auto sheet = excel.application->ActiveSheet();
+  std::vector<host::RowRun> runs;
+  for (int32_t row = 2; row <= 200; row += 2) runs.push_back({row, row});
+  EXPECT_EQ(sheet->HideRows(runs), 61) << "as many as 255 characters name";
+
+  const host::RowRun two[] = {{2, 3}, {5, 5}};
+  for (int32_t call = 0; call < 3; ++call) {  // of the address, its rows, their being hidden
+    host.sheet->Cells()->SetEntireRowHidden(false);
+    excel.StartCounting();
+    excel.Refuse(1, RPC_E_CALL_REJECTED, call);
+    EXPECT_EQ(sheet->HideRows(two), 2);
+    EXPECT_EQ(host.VisibleRows(6), "1 4 6");
+  }
+  host.sheet->Cells()->SetEntireRowHidden(false);
+  const host::RowRun beyond[] = {{2, 2}, {4, 4}, {standalone::kMaxRow + 1, standalone::kMaxRow + 1}, {6, 6}};
+  EXPECT_THROW(sheet->HideRows(beyond), host::Error);
+  EXPECT_EQ(host.VisibleRows(7), "1 3 5 6 7");
+}
+
 TEST(ExcelMenu, IsBuiltFoundAndRemoved) {
   SampleHost host("x");
   const Excel excel(host.application);

@@ -9,8 +9,12 @@
 //   SetValue                                    1, and one where the host does not know the user's locale
 // Selection, sheets and command bar controls are asked for the id of a name, to tell their class.
 //
-// So a search makes 4 invocations for a match (FindNext, Row, EntireRow, Hidden; with chosen columns also
-// Column), 3 for a block of rows that it hides (Range, EntireRow, Hidden), and about 60 for itself.
+// HideRows makes 3 (Range, EntireRow, Hidden) for as many runs of rows as an address of 255 characters names.
+// The version is asked once.
+//
+// So a search makes 2 invocations for a match (FindNext, Row; with chosen columns also Column; where rows may
+// be hidden also EntireRow and Hidden), 3 for about 20 to 40 runs of rows that it hides, and about 40 for
+// itself.
 #pragma once
 
 #include <oaidl.h>
