@@ -203,10 +203,12 @@ void TerminalProgram::GoToMatch(bool back) {
 
 void TerminalProgram::AskForCell() {
   if (editor_ && editor_->Loaded()) return;
-  editor_ = MakeRef<CellEditor>(Text(u"Terminal.GoTo.Caption", u"Go to a row or cell"), u"",
-                                [this](CellEditor::End end, const std::u16string& place) {
-                                  if (end != CellEditor::End::Cancelled) GoTo(place);
-                                });
+  editor_ = MakeRef<CellEditor>(
+      Text(u"Terminal.GoTo.Caption", u"Go to a row or cell"), u"",
+      [this](CellEditor::End end, const std::u16string& place) {
+        if (end != CellEditor::End::Cancelled) GoTo(place);
+      },
+      program_.Trace());
   editor_->Open(windows_);
 }
 
