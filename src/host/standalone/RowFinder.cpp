@@ -8,7 +8,7 @@ namespace {
 
 // A piece: less than a millisecond where the scan goes at the speed of memory, some where every cell is
 // compared with wildcards.
-constexpr std::size_t kPieceBytes = 256 * 1024;
+constexpr std::size_t kPieceBytes = std::size_t{256} * 1024;
 // What a run of rows costs beside its text.
 constexpr std::size_t kRunBytes = 64;
 
