@@ -9,7 +9,7 @@
 
 #include "Archive.h"
 #include "csv/CsvFile.h"
-#include "tables/workbook/NumberFormat.h"
+#include "tables/format/NumberFormat.h"
 #include "tables/workbook/WorkbookReader.h"
 
 namespace {
@@ -50,7 +50,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   parts.resize(3);  // of Office Open XML: rows, strings, the code of a format
   Check check;
   try {
-    rowlark::FormatNumber(static_cast<double>(size) * 1234.5678 - 99999, parts[2]);
+    const rowlark::NumberFormat format(parts[2]);
+    for (const double number : {static_cast<double>(size) * 1234.5678 - 99999, 0.0, 0.5, -1e300})
+      format.Number(number);
+    format.Text(parts[1]);
     if (data[0] == 'x') {
       const auto archive =
           rowlark::samples::Archive(rowlark::samples::XlsxParts({{"S", parts[0]}}, parts[1], {parts[2]}));

@@ -70,8 +70,9 @@ inline Parts XlsxParts(const std::vector<std::pair<std::string, std::string>>& s
   }
   parts.insert(parts.end(),
                {{"_rels/.rels", relationships(relationship("a", "officeDocument", "xl/workbook.xml"))},
-                {"xl/workbook.xml",
-                 "<?xml version=\"1.0\"?><workbook xmlns:r=\"x\"><sheets>" + names + "</sheets></workbook>"},
+                {"xl/workbook.xml", "<?xml version=\"1.0\"?><workbook xmlns:r=\"" +
+                                        office.substr(0, office.size() - 1) + "\"><sheets>" + names +
+                                        "</sheets></workbook>"},
                 {"xl/_rels/workbook.xml.rels", relationships(targets)},
                 {"xl/strings.xml", "<?xml version=\"1.0\"?><sst>" + strings + "</sst>"},
                 {"xl/styles.xml", "<?xml version=\"1.0\"?><styleSheet><numFmts>" + codes +
@@ -83,7 +84,10 @@ inline Parts XlsxParts(const std::vector<std::pair<std::string, std::string>>& s
 // The content of an OpenDocument spreadsheet whose tables are given as XML.
 inline std::string OdsContent(const std::string& tables) {
   return "<?xml version=\"1.0\"?><office:document-content "
-         "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\"><office:body><office:"
+         "xmlns:office=\"urn:oasis:names:tc:opendocument:xmlns:office:1.0\" "
+         "xmlns:table=\"urn:oasis:names:tc:opendocument:xmlns:table:1.0\" "
+         "xmlns:text=\"urn:oasis:names:tc:opendocument:xmlns:text:1.0\" "
+         "xmlns:draw=\"urn:oasis:names:tc:opendocument:xmlns:drawing:1.0\"><office:body><office:"
          "spreadsheet>" +
          tables + "</office:spreadsheet></office:body></office:document-content>";
 }

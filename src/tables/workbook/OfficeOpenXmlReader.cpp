@@ -2,9 +2,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <stdexcept>
 
-#include "tables/workbook/NumberFormat.h"
+#include "tables/format/NumberFormat.h"
 #include "tables/workbook/Package.h"
 #include "tables/workbook/WorkbookReader.h"
 #include "tables/workbook/Xml.h"
@@ -40,7 +41,7 @@ class Relationships final : public XmlHandler {
 
   Relationships(const Package& package, const std::filesystem::path& part) : folder_(part.parent_path()) {
     const auto name = folder_ / "_rels" / (part.filename().string() + ".rels");
-    if (const auto content = package.Read(name.string())) ParseXml(*content, *this);
+    package.Parse(name.string(), *this);
   }
 
   const Target* Find(const std::string& id) const {
@@ -62,8 +63,6 @@ class Relationships final : public XmlHandler {
     targets_[std::string(Value(attributes, "Id"))] = {part.lexically_normal().string(),
                                                       std::string(type.substr(type.rfind('/') + 1))};
   }
-  void End(string_view) override {}
-  void Characters(string_view) override {}
 
  private:
   std::filesystem::path folder_;
@@ -84,7 +83,7 @@ class SharedStrings final : public XmlHandler {
     if (name == "t") in_text_ = false;
   }
   void Characters(string_view text) override {
-    if (in_text_) strings_.back() += text;
+    if (in_text_) AppendToCell(strings_.back(), text);
   }
 
   const std::string& At(std::size_t index) const {
@@ -102,19 +101,25 @@ class SharedStrings final : public XmlHandler {
 class Styles final : public XmlHandler {
  public:
   void Start(string_view name, const Attributes& attributes) override {
-    if (name == "numFmt") codes_[Id(attributes)] = Value(attributes, "formatCode");
-    if (name == "cellXfs") in_cell_formats_ = true;
-    if (name == "xf" && in_cell_formats_) formats_.push_back(Id(attributes));
+    // Styles of conditional formats (dxf) have a numFmt and an xf of their own.
+    if (name == "numFmts" || name == "cellXfs") within_ = name;
+    if (name == "numFmt" && within_ == "numFmts") codes_[Id(attributes)] = Value(attributes, "formatCode");
+    if (name == "xf" && within_ == "cellXfs") ids_.push_back(Id(attributes));
   }
   void End(string_view name) override {
-    if (name == "cellXfs") in_cell_formats_ = false;
+    if (name == within_) within_.clear();
   }
-  void Characters(string_view) override {}
 
-  string_view Code(std::size_t style) const {
-    if (style >= formats_.size()) return "General";
-    const auto own = codes_.find(formats_[style]);
-    return own != codes_.end() ? string_view(own->second) : BuiltinFormat(formats_[style]);
+  // Parsed once a style, when a cell has it.
+  const NumberFormat& Format(std::size_t style) const {
+    if (style >= ids_.size()) return general_;
+    const auto [found, is_new] = formats_.try_emplace(ids_[style]);
+    if (is_new) {
+      const auto own = codes_.find(found->first);
+      found->second =
+          NumberFormat(own != codes_.end() ? string_view(own->second) : BuiltinFormat(found->first));
+    }
+    return found->second;
   }
 
  private:
@@ -123,36 +128,31 @@ class Styles final : public XmlHandler {
   }
 
   std::map<int, std::string> codes_;
-  std::vector<int> formats_;
-  bool in_cell_formats_ = false;
+  std::vector<int> ids_;
+  std::string within_;
+  mutable std::map<int, NumberFormat> formats_;
+  NumberFormat general_;
 };
 
 struct Workbook final : XmlHandler {
   void Start(string_view name, const Attributes& attributes) override {
-    if (name == "sheet") sheets.emplace_back(Value(attributes, "name"), Value(attributes, "id"));
+    if (name == "sheet") sheets.emplace_back(Value(attributes, "name"), Value(attributes, "r:id"));
     if (name == "workbookPr") {
       const auto value = Value(attributes, "date1904");
-      since_1904 = value == "1" || value == "true";
+      if (value == "1" || value == "true") calendar = Calendar::Since1904;
     }
   }
-  void End(string_view) override {}
-  void Characters(string_view) override {}
 
   std::vector<std::pair<std::string, std::string>> sheets;  // name, relationship
-  bool since_1904 = false;
+  Calendar calendar = Calendar::Since1900;
 };
 
 class SheetReader final : public XmlHandler {
  public:
   // `first`, `part`: what has been read before, of all, and what this sheet is of it.
-  SheetReader(RowBuilder& rows, const SharedStrings& strings, const Styles& styles, bool since_1904,
+  SheetReader(RowBuilder& rows, const SharedStrings& strings, const Styles& styles, Calendar calendar,
               double first, double part)
-      : rows_(rows),
-        strings_(strings),
-        styles_(styles),
-        since_1904_(since_1904),
-        first_(first),
-        part_(part) {}
+      : rows_(rows), strings_(strings), styles_(styles), calendar_(calendar), first_(first), part_(part) {}
 
   void Progress(double fraction) override { rows_.Progress(first_ + part_ * fraction); }
 
@@ -166,11 +166,14 @@ class SheetReader final : public XmlHandler {
       type_ = Value(attributes, "t");
       style_ = Number(attributes, "s", 0);
       value_.clear();
+      formula_.reset();
       in_cell_ = true;
     } else if (name == "rPh") {
       in_phonetic_ = true;
+    } else if (in_cell_ && name == "f") {
+      text_ = &formula_.emplace();
     } else {
-      in_value_ = in_cell_ && (name == "v" || (name == "t" && !in_phonetic_));
+      text_ = in_cell_ && (name == "v" || (name == "t" && !in_phonetic_)) ? &value_ : nullptr;
     }
   }
 
@@ -182,13 +185,13 @@ class SheetReader final : public XmlHandler {
       rows_.Put(column_, Shown());
     } else if (name == "rPh") {
       in_phonetic_ = false;
-    } else if (name == "v" || name == "t") {
-      in_value_ = false;
+    } else if (name == "v" || name == "t" || name == "f") {
+      text_ = nullptr;
     }
   }
 
   void Characters(string_view text) override {
-    if (in_value_) value_ += text;
+    if (text_ != nullptr) AppendToCell(*text_, text);
   }
 
  private:
@@ -201,66 +204,64 @@ class SheetReader final : public XmlHandler {
     return column;
   }
   std::string Shown() const {
-    if (value_.empty()) return {};
+    const auto& format = styles_.Format(style_);
+    if (value_.empty()) return formula_ && type_ != "str" ? FormulaText(*formula_) : std::string();
     if (type_ == "s") {
       std::size_t index = 0;
       std::from_chars(value_.data(), value_.data() + value_.size(), index);
-      return strings_.At(index);
+      return format.Text(strings_.At(index));
     }
     if (type_ == "b") return value_ == "0" ? "FALSE" : "TRUE";
-    if (type_ == "str" || type_ == "inlineStr") return Unescape(value_);
+    if (type_ == "str" || type_ == "inlineStr") return format.Text(Unescape(value_));
+    if (type_ == "d" && format.IsDate()) {
+      if (const auto date = DateNumber(value_, calendar_)) return format.Number(*date, calendar_);
+    }
     if (!type_.empty() && type_ != "n") return value_;  // errors, dates in ISO 8601
-    double number = 0;
-    const auto [end, failed] = std::from_chars(value_.data(), value_.data() + value_.size(), number);
-    if (failed != std::errc() || end != value_.data() + value_.size()) return value_;
-    return FormatNumber(number, styles_.Code(style_), since_1904_);
+    const auto number = CellNumber(value_);
+    return number ? format.Number(*number, calendar_) : value_;
   }
 
   RowBuilder& rows_;
   const SharedStrings& strings_;
   const Styles& styles_;
-  bool since_1904_;
+  Calendar calendar_;
   double first_;
   double part_;
   std::size_t column_ = 0;
   std::size_t style_ = 0;
   std::string type_;
   std::string value_;
+  std::optional<std::string> formula_;
+  std::string* text_ = nullptr;  // where the characters go
   bool in_cell_ = false;
-  bool in_value_ = false;
   bool in_phonetic_ = false;
 };
-
-void ParsePart(const Package& package, const std::string& part, XmlHandler& handler) {
-  if (const auto content = package.Read(part)) ParseXml(*content, handler);
-}
 
 }  // namespace
 
 void ReadOfficeOpenXml(const Package& package, SheetSink& sink) {
   const auto main = Relationships(package, "").PartOfType("officeDocument");
-  const auto content = package.Read(main);
-  if (!content) throw std::runtime_error("No workbook is in this archive");
   Workbook workbook;
-  ParseXml(*content, workbook);
+  if (!package.Parse(main, workbook)) throw std::runtime_error("No workbook is in this archive");
   if (workbook.sheets.empty()) throw std::runtime_error("A workbook without sheets");
   const Relationships parts(package, main);
   SharedStrings strings;
-  ParsePart(package, parts.PartOfType("sharedStrings"), strings);
+  package.Parse(parts.PartOfType("sharedStrings"), strings);
   Styles styles;
-  ParsePart(package, parts.PartOfType("styles"), styles);
+  package.Parse(parts.PartOfType("styles"), styles);
 
   RowBuilder rows(sink);
   const double part = 1 / static_cast<double>(workbook.sheets.size());
   double read = 0;
   for (const auto& [name, id] : workbook.sheets) {
     const auto* target = parts.Find(id);
-    if (target != nullptr && target->type != "worksheet") continue;  // a chart
-    const auto sheet = target != nullptr ? package.Read(target->part) : std::nullopt;
-    if (!sheet) throw std::runtime_error("The sheet '" + name + "' is missing");
+    if (id.empty() || (target != nullptr && target->type != "worksheet")) continue;  // a module, a chart
+    if (target == nullptr || !package.Has(target->part)) {
+      throw std::runtime_error("The sheet '" + name + "' is missing");
+    }
     rows.StartSheet(name);
-    SheetReader reader(rows, strings, styles, workbook.since_1904, read, part);
-    ParseXml(*sheet, reader);
+    SheetReader reader(rows, strings, styles, workbook.calendar, read, part);
+    package.Parse(target->part, reader);
     read += part;
   }
 }

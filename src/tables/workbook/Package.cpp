@@ -39,20 +39,38 @@ bool Package::Has(const std::string& name) const {
   return zip_name_locate(archive_->zip, name.c_str(), 0) >= 0;
 }
 
-std::optional<std::string> Package::Read(const std::string& name) const {
-  if (!Has(name)) return std::nullopt;
-  const std::unique_ptr<zip_file_t, Close> file(zip_fopen(archive_->zip, name.c_str(), 0));
-  std::string content;
-  zip_int64_t count = file == nullptr ? -1 : 1;
-  while (count > 0) {  // in pieces: what the archive says of sizes need not be true
-    constexpr std::size_t kPiece = 1 << 18;
-    const auto size = content.size();
-    content.resize(size + kPiece);
-    count = zip_fread(file.get(), content.data() + size, kPiece);
-    content.resize(size + (count > 0 ? static_cast<std::size_t>(count) : 0));
+bool Package::Read(const std::string& name, const Take& take) const {
+  const auto index = zip_name_locate(archive_->zip, name.c_str(), 0);
+  if (index < 0) return false;
+  const auto place = static_cast<zip_uint64_t>(index);
+  // What the archive says of sizes need not be true.
+  zip_stat_t told;
+  zip_stat_init(&told);
+  const bool tells = zip_stat_index(archive_->zip, place, 0, &told) == 0 && (told.valid & ZIP_STAT_SIZE) != 0;
+  const auto size = tells ? static_cast<double>(told.size) : 0;
+
+  const std::unique_ptr<zip_file_t, Close> file(zip_fopen_index(archive_->zip, place, 0));
+  if (file == nullptr) throw std::runtime_error("Damaged archive: " + name);
+  constexpr std::size_t kPiece = 1 << 18;
+  std::string piece(kPiece, '\0');
+  double read = 0;
+  for (;;) {
+    const auto count = zip_fread(file.get(), piece.data(), piece.size());
+    if (count < 0) throw std::runtime_error("Damaged archive: " + name);
+    if (count == 0) return true;
+    read += static_cast<double>(count);
+    take(std::string_view(piece).substr(0, static_cast<std::size_t>(count)), read < size ? read / size : 1);
   }
-  if (count < 0) throw std::runtime_error("Damaged archive: " + name);
-  return content;
+}
+
+bool Package::Parse(const std::string& name, XmlHandler& handler) const {
+  XmlParser parser(handler);
+  const bool is_there = Read(name, [&](std::string_view piece, double fraction) {
+    parser.Take(piece);
+    handler.Progress(fraction);
+  });
+  if (is_there) parser.End();
+  return is_there;
 }
 
 }  // namespace rowlark

@@ -1,10 +1,12 @@
 // The parts of a ZIP archive.
 #pragma once
 
+#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
+
+#include "tables/workbook/Xml.h"
 
 namespace rowlark {
 
@@ -15,8 +17,12 @@ class Package {
   ~Package();
 
   bool Has(const std::string& name) const;
-  // Nothing when there is no such part. Throws std::exception for one that is damaged.
-  std::optional<std::string> Read(const std::string& name) const;
+  // Hands on the pieces of a part. False when there is no such part. Throws std::exception for one that is
+  // damaged.
+  using Take = std::function<void(std::string_view piece, double fraction)>;
+  bool Read(const std::string& name, const Take& take) const;
+  // A part that is XML.
+  bool Parse(const std::string& name, XmlHandler& handler) const;
 
  private:
   struct Archive;

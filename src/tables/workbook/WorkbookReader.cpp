@@ -1,11 +1,14 @@
 #include "tables/workbook/WorkbookReader.h"
 
 #include <algorithm>
+#include <charconv>
 #include <stdexcept>
+#include <system_error>
 #include <utility>
 
 #include "csv/CsvFile.h"
 #include "tables/workbook/Package.h"
+#include "util/Utf.h"
 
 namespace rowlark {
 namespace {
@@ -21,21 +24,43 @@ bool IsXmlWith(std::string_view beginning, std::string_view name_space) {
   return beginning.starts_with("<?xml") && beginning.find(name_space) != std::string_view::npos;
 }
 
-std::string_view WithoutMark(std::string_view bytes) {
+constexpr std::size_t kMaxCellLength = 32'767;  // in units of UTF-16
+
+// Without blanks at the ends.
+std::string_view WithoutBlanks(std::string_view text) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+  return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+std::string_view CutToCell(std::string_view text) {
+  if (text.size() <= kMaxCellLength) return text;
+  auto rest = text;
+  for (std::size_t length = 0; !rest.empty();) {
+    const auto before = rest;
+    length += TakeUtf8(rest) > 0xFFFF ? 2 : 1;
+    if (length > kMaxCellLength) return text.substr(0, text.size() - before.size());
+  }
+  return text;
+}
+
+// XML without what may stand before it.
+std::string_view XmlOf(std::string_view bytes) {
   constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-  return bytes.substr(bytes.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0);
+  if (bytes.starts_with(kUtf8Mark)) bytes.remove_prefix(kUtf8Mark.size());
+  return WithoutBlanks(bytes);
 }
 
 }  // namespace
 
 bool IsWorkbook(std::string_view beginning) {
-  const auto xml = WithoutMark(beginning);
+  const auto xml = XmlOf(beginning);
   return beginning.starts_with(kZip) || beginning.starts_with(kCompoundFile) ||
          IsXmlWith(xml, kXmlSpreadsheet) || IsXmlWith(xml, kOpenDocument);
 }
 
 void ReadWorkbook(std::string_view bytes, SheetSink& sink) {
-  const auto xml = WithoutMark(bytes);
+  const auto xml = XmlOf(bytes);
   if (bytes.starts_with(kCompoundFile)) {
     throw std::runtime_error("A workbook of an old version or with a password; save it as .xlsx without one");
   }
@@ -43,10 +68,23 @@ void ReadWorkbook(std::string_view bytes, SheetSink& sink) {
   if (IsXmlWith(xml, kXmlSpreadsheet)) return ReadXmlSpreadsheet(xml, sink);
   const Package package(bytes);
   if (package.Has("_rels/.rels")) return ReadOfficeOpenXml(package, sink);
-  const auto content = package.Read("content.xml");
-  if (!content) throw std::runtime_error("No workbook is in this archive");
-  ReadOpenDocument(*content, sink);
+  ReadOpenDocument(package, sink);
 }
+
+void AppendToCell(std::string& text, std::string_view more) {
+  constexpr std::size_t kMaxBytes = 3 * kMaxCellLength;  // at most, of a unit of UTF-16
+  if (text.size() < kMaxBytes) text += more;
+}
+
+std::optional<double> CellNumber(std::string_view text) {
+  text = WithoutBlanks(text);
+  double number = 0;
+  const auto [end, failed] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (failed != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+std::string FormulaText(std::string_view formula) { return '=' + std::string(formula); }
 
 void RowBuilder::StartSheet(std::string_view name) {
   row_ = 1;
@@ -63,7 +101,7 @@ void RowBuilder::Put(std::size_t column, std::string_view text) {
   if (text.empty()) return;
   if (column == 0 || column > CsvFile::kMaxColumns) throw std::runtime_error("More than 16,384 columns");
   if (cells_.size() < column) cells_.resize(column);
-  cells_[column - 1] = text;
+  cells_[column - 1] = CutToCell(text);
 }
 
 void RowBuilder::EndRow(std::size_t times) {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,6 +30,13 @@ bool IsWorkbook(std::string_view beginning);
 // Throws std::exception with the reason when it can not be read.
 void ReadWorkbook(std::string_view bytes, SheetSink& sink);
 
+// Adds to the text of a cell, which may become longer than a cell holds but not without bound.
+void AppendToCell(std::string& text, std::string_view more);
+// The number that a cell stores; nothing where that is none.
+std::optional<double> CellNumber(std::string_view text);
+// What is shown of a formula whose result is not in the file: the formula.
+std::string FormulaText(std::string_view formula);
+
 // Builds rows in order and within the bounds of a sheet.
 class RowBuilder {
  public:
@@ -39,7 +47,8 @@ class RowBuilder {
   // Ends the row at hand and goes to that one, from 1; throws when it lies before.
   void StartRow(std::size_t row);
   std::size_t Row() const noexcept { return row_; }
-  // Puts a text into a column, from 1. Throws beyond the sheet.
+  // Puts a text into a column, from 1; of a long one what a cell holds, 32,767 characters. Throws beyond the
+  // sheet.
   void Put(std::size_t column, std::string_view text);
   // The row at hand so many times.
   void EndRow(std::size_t times = 1);
@@ -53,7 +62,8 @@ class RowBuilder {
 // The readers of the formats.
 class Package;
 void ReadOfficeOpenXml(const Package& package, SheetSink& sink);
-void ReadOpenDocument(std::string_view content, SheetSink& sink);
+void ReadOpenDocument(const Package& package, SheetSink& sink);
+void ReadOpenDocument(std::string_view content, SheetSink& sink);  // of a file that is no archive
 void ReadXmlSpreadsheet(std::string_view content, SheetSink& sink);
 
 }  // namespace rowlark
