@@ -3,6 +3,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -15,8 +16,9 @@ class ChildProcess {
   using Write = std::function<void(std::string_view bytes)>;
 
   // Runs `work` there, which writes with what it is handed, writes nowhere else and lets no exception out;
-  // the process ends with it. Throws std::system_error.
-  explicit ChildProcess(const std::function<void(const Write& write)>& work);
+  // the process ends with it. Beyond so many bytes more than it begins with it gets no memory. Throws
+  // std::system_error.
+  ChildProcess(const std::function<void(const Write& write)>& work, std::uint64_t memory);
   // Ends the process.
   ~ChildProcess();
 

@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "tables/Loader.h"
 #include "util/FileSystemPlatform.h"
 
@@ -6,29 +8,46 @@ namespace {
 
 class CsvLoader final : public Loader {
  public:
-  CsvLoader(const std::filesystem::path& path, std::optional<char> separator)
-      : name_(platform::ToText(path.stem())), file_(CsvFile::Open(path, separator)) {}
+  CsvLoader(const std::filesystem::path& path, std::optional<char> separator, const MemoryBound& memory)
+      : path_(path.string()),
+        name_(platform::ToText(path.stem())),
+        file_(CsvFile::Open(path, separator)),
+        bound_(memory),
+        memory_(memory) {}
 
   bool Step(standalone::Workbook& workbook) override {
     standalone::Worksheet& sheet = *workbook.Worksheets().front();
     sheet.SetName(name_);
-    const auto reading =
-        file_.ReadRows([&](std::span<const std::string_view> cells) { sheet.AppendRow(cells); });
-    if (reading == CsvFile::Reading::Again) sheet.Clear();
+    const auto reading = file_.ReadRows([&](std::span<const std::string_view> cells) {
+      try {
+        memory_.Add(cells);
+      } catch (const std::runtime_error& error) {
+        throw std::runtime_error(path_ + ": " + error.what());
+      }
+      sheet.AppendRow(cells);
+    });
+    if (reading == CsvFile::Reading::Again) {
+      sheet.Clear();
+      memory_ = bound_;
+    }
     return reading != CsvFile::Reading::Done;
   }
   double Fraction() const override { return file_.Fraction(); }
   CsvFile* Csv() noexcept override { return &file_; }
 
  private:
+  std::string path_;
   std::u16string name_;
   CsvFile file_;
+  MemoryBound bound_;  // as it is at the beginning
+  MemoryBound memory_;
 };
 
 }  // namespace
 
-std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, std::optional<char> separator) {
-  return std::make_unique<CsvLoader>(path, separator);
+std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, std::optional<char> separator,
+                                const MemoryBound& memory) {
+  return std::make_unique<CsvLoader>(path, separator, memory);
 }
 
 }  // namespace rowlark

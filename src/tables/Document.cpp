@@ -81,8 +81,11 @@ bool WriteFile(const std::filesystem::path& path, Writer& writer, const Document
 }  // namespace
 
 Document::Document(Ref<standalone::Application> host, const std::filesystem::path& path,
-                   std::u16string_view full_name, std::optional<char> separator)
-    : path_(path), stamp_(FileStamp::Of(path)), loader_(OpenLoader(path, separator)), host_(std::move(host)) {
+                   std::u16string_view full_name, std::optional<char> separator, const MemoryBound& memory)
+    : path_(path),
+      stamp_(FileStamp::Of(path)),
+      loader_(OpenLoader(path, separator, memory)),
+      host_(std::move(host)) {
   workbook_ = host_->AddWorkbook(full_name);
   for (const auto& sheet : Sheets()) sheet->SetLoading(true);
   try {

@@ -50,10 +50,11 @@ class Document {
  public:
   // Opens a CSV file or, as far as the platform has them, a workbook (.xlsx, .ods and others), by its
   // content. Its workbook becomes the active one of `host` under `full_name`; the first rows of a CSV file
-  // are there at once. Without `separator` that is found by itself. Throws std::runtime_error("path:
-  // reason").
+  // are there at once. Without `separator` that is found by itself. A table that becomes too large for
+  // `memory` is loaded up to there. Throws std::runtime_error("path: reason").
   Document(Ref<standalone::Application> host, const std::filesystem::path& path,
-           std::u16string_view full_name, std::optional<char> separator = std::nullopt);
+           std::u16string_view full_name, std::optional<char> separator = std::nullopt,
+           const MemoryBound& memory = MemoryBound());
   Document(const Document&) = delete;
   Document& operator=(const Document&) = delete;
   // Closes the workbook; edits that were not saved are gone.

@@ -8,6 +8,7 @@
 
 #include "csv/CsvFile.h"
 #include "host/standalone/Workbook.h"
+#include "tables/MemoryBound.h"
 
 namespace rowlark {
 
@@ -29,12 +30,15 @@ class Loader {
 };
 
 // The loader that the file's content asks for. Throws std::runtime_error("path: reason").
-std::unique_ptr<Loader> OpenLoader(const std::filesystem::path& path, std::optional<char> separator);
+std::unique_ptr<Loader> OpenLoader(const std::filesystem::path& path, std::optional<char> separator,
+                                   const MemoryBound& memory);
 
-std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, std::optional<char> separator);
-std::unique_ptr<Loader> LoadWorkbook(const std::filesystem::path& path);
+std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, std::optional<char> separator,
+                                const MemoryBound& memory);
+std::unique_ptr<Loader> LoadWorkbook(const std::filesystem::path& path, const MemoryBound& memory);
 // What `read` tells, in a process of its own; `path` is for messages.
 std::unique_ptr<Loader> LoadSheets(const std::filesystem::path& path,
-                                   const std::function<void(SheetSink& sink)>& read);
+                                   const std::function<void(SheetSink& sink)>& read,
+                                   const MemoryBound& memory = MemoryBound());
 
 }  // namespace rowlark

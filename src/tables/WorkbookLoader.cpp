@@ -33,6 +33,8 @@ void ReadAndTell(const std::function<void(SheetSink&)>& read, const ChildProcess
 // Puts what it is told into the sheets of a workbook.
 class SheetFiller final : public SheetMessageReader::Sink {
  public:
+  explicit SheetFiller(const MemoryBound& memory) : memory_(memory) {}
+
   // Where the next messages go.
   void Fill(standalone::Workbook& workbook) { workbook_ = &workbook; }
   double Fraction() const { return fraction_; }
@@ -50,6 +52,7 @@ class SheetFiller final : public SheetMessageReader::Sink {
   }
 
   void Row(int32_t row, std::span<const std::string_view> cells) override {
+    memory_.Add(cells);
     while (sheet_->Text().AppendedRows() < row - 1) sheet_->AppendRow({});
     cells_.assign(cells.begin(), cells.end());
     repaired_.clear();
@@ -62,6 +65,7 @@ class SheetFiller final : public SheetMessageReader::Sink {
   void Progress(double fraction) override { fraction_ = fraction; }
 
  private:
+  MemoryBound memory_;
   standalone::Workbook* workbook_ = nullptr;
   Ref<standalone::Worksheet> sheet_;
   double fraction_ = 0;
@@ -71,9 +75,10 @@ class SheetFiller final : public SheetMessageReader::Sink {
 
 class WorkbookLoader final : public Loader {
  public:
-  WorkbookLoader(std::string path, const std::function<void(SheetSink&)>& read)
+  WorkbookLoader(std::string path, const std::function<void(SheetSink&)>& read, const MemoryBound& memory)
       : path_(std::move(path)),
-        process_([&read](const ChildProcess::Write& write) { ReadAndTell(read, write); }) {}
+        process_([&read](const ChildProcess::Write& write) { ReadAndTell(read, write); }, memory.OfReader()),
+        filler_(memory) {}
 
   void Stop() noexcept override { process_.Stop(); }
 
@@ -106,19 +111,20 @@ class WorkbookLoader final : public Loader {
 }  // namespace
 
 std::unique_ptr<Loader> LoadSheets(const std::filesystem::path& path,
-                                   const std::function<void(SheetSink&)>& read) {
+                                   const std::function<void(SheetSink&)>& read, const MemoryBound& memory) {
   try {
-    return std::make_unique<WorkbookLoader>(path.string(), read);
+    return std::make_unique<WorkbookLoader>(path.string(), read, memory);
   } catch (const std::system_error& error) {
     throw std::runtime_error(path.string() + ": " + error.code().message());
   }
 }
 
-std::unique_ptr<Loader> LoadWorkbook(const std::filesystem::path& path) {
-  return LoadSheets(path, [&path](SheetSink& sink) {
+std::unique_ptr<Loader> LoadWorkbook(const std::filesystem::path& path, const MemoryBound& memory) {
+  const auto read = [&path](SheetSink& sink) {
     std::ifstream file(path, std::ios::binary);
     ReadWorkbook(std::string{std::istreambuf_iterator<char>(file), {}}, sink);
-  });
+  };
+  return LoadSheets(path, read, memory);
 }
 
 }  // namespace rowlark

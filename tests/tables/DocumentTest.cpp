@@ -241,11 +241,12 @@ TEST(Loader, TellsAProcessThatEndsFromTheEndOfTheFile) {
   const auto load = [&](const std::function<void()>& end) {
     const auto host = MakeRef<standalone::Application>();
     const auto book = host->AddWorkbook(u"book");
-    const auto loader = LoadSheets("book", [&](SheetSink& sink) {
+    const auto read = [&](SheetSink& sink) {
       sink.Sheet("Sheet");
       sink.Row(2, cells);
       end();
-    });
+    };
+    const auto loader = LoadSheets("book", read, MemoryBound(64 << 20));
     std::string outcome = "loaded";
     try {
       while (loader->Step(*book)) {
@@ -260,6 +261,32 @@ TEST(Loader, TellsAProcessThatEndsFromTheEndOfTheFile) {
   EXPECT_EQ(load([] {}), "loaded");
   EXPECT_EQ(load([] { throw std::runtime_error("reason"); }), "book: reason");
   EXPECT_EQ(load([] { ::raise(SIGKILL); }), "book: The file is damaged: it can not be read");
+  EXPECT_TRUE(load([] { const std::string large(256 << 20, 'x'); }).starts_with("book: "));
+}
+
+TEST(Document, LoadsWhatTheMemoryHolds) {
+  const TempFolder folder;
+  const auto ods = samples::Archive(
+      {{"content.xml",
+        samples::OdsContent(
+            "<table:table table:name='S'><table:table-row table:number-rows-repeated='1000000'>"
+            "<table:table-cell table:number-columns-repeated='100'><text:p>text</text:p>"
+            "</table:table-cell></table:table-row></table:table>")}});
+  std::string csv;
+  for (int i = 0; i < 100'000; ++i) csv += "some text,more\n";
+  for (const auto& path : {folder.Write("large.ods", ods), folder.Write("large.csv", csv)}) {
+    Document document(MakeRef<standalone::Application>(), path, u"large", std::nullopt, MemoryBound(4 << 20));
+    std::string reason;
+    try {
+      while (document.Step()) {
+      }
+    } catch (const std::runtime_error& error) {
+      reason = error.what();
+    }
+    EXPECT_TRUE(reason.starts_with(path.string() + ": Too large")) << reason;
+    EXPECT_EQ(document.LoadState(), Document::State::Stopped);
+    EXPECT_GT(document.ActiveSheet().Text().AppendedRows(), 1000);
+  }
 }
 
 TEST(Document, RecoversEdits) {

@@ -2,12 +2,15 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <fstream>
 #include <system_error>
 
 #include "util/posix/Descriptor.h"
@@ -23,6 +26,18 @@ void WriteAll(int pipe, std::string_view bytes) {
     if (count < 0 && errno != EINTR) ::_exit(1);  // nobody reads any more
     if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
   }
+}
+
+void LimitMemory(std::uint64_t more) {
+  // What it has from the beginning, in pages, is the sixth number there.
+  std::ifstream file("/proc/self/statm");
+  rlim_t pages = 0;
+  for (int i = 0; i < 6; ++i) file >> pages;
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_DATA, &limit) != 0) return;
+  const auto bytes = pages * static_cast<rlim_t>(::sysconf(_SC_PAGE_SIZE)) + more;
+  limit.rlim_cur = std::min(limit.rlim_max, static_cast<rlim_t>(bytes));
+  ::setrlimit(RLIMIT_DATA, &limit);
 }
 
 // The other process. Its output goes nowhere: a terminal may be showing a table.
@@ -50,12 +65,13 @@ struct ChildProcess::State {
   std::array<char, 1 << 16> bytes{};
 };
 
-ChildProcess::ChildProcess(const std::function<void(const Write&)>& work)
+ChildProcess::ChildProcess(const std::function<void(const Write&)>& work, std::uint64_t memory)
     : state_(std::make_unique<State>()) {
   state_->process = ::fork();
   if (state_->process < 0) ThrowLastError();
   if (state_->process == 0) {
     state_->read_end.reset();
+    LimitMemory(memory);
     RunInChild(work, *state_->write_end);
   }
   state_->write_end.reset();

@@ -7,6 +7,8 @@
 #include <utility>
 
 #include "csv/CsvFile.h"
+#include "tables/workbook/CompoundFile.h"
+#include "tables/workbook/EncryptedPackage.h"
 #include "tables/workbook/Package.h"
 #include "util/Utf.h"
 
@@ -51,6 +53,12 @@ std::string_view XmlOf(std::string_view bytes) {
   return WithoutBlanks(bytes);
 }
 
+void ReadCompoundFile(std::string_view bytes, SheetSink& sink) {
+  const auto archive = DecryptPackage(CompoundFile(bytes));
+  if (!archive) throw std::runtime_error("A workbook of an old version; save it as .xlsx");
+  ReadOfficeOpenXml(Package(*archive), sink);
+}
+
 }  // namespace
 
 bool IsWorkbook(std::string_view beginning) {
@@ -61,9 +69,7 @@ bool IsWorkbook(std::string_view beginning) {
 
 void ReadWorkbook(std::string_view bytes, SheetSink& sink) {
   const auto xml = XmlOf(bytes);
-  if (bytes.starts_with(kCompoundFile)) {
-    throw std::runtime_error("A workbook of an old version or with a password; save it as .xlsx without one");
-  }
+  if (bytes.starts_with(kCompoundFile)) return ReadCompoundFile(bytes, sink);
   if (IsXmlWith(xml, kOpenDocument)) return ReadOpenDocument(xml, sink);
   if (IsXmlWith(xml, kXmlSpreadsheet)) return ReadXmlSpreadsheet(xml, sink);
   const Package package(bytes);
