@@ -1,6 +1,7 @@
 // Any XML is a workbook or refused, and its rows come in order and lie on a sheet; any code shows a number.
 // The first character says what the rest is: x, o or s for the sheets of the three formats, with more parts
-// behind "\n--\n". Archives are made here: the library that reads them is not ours to test.
+// behind "\n--\n"; c for a compound file. Archives are made here: the library that reads them is not ours to
+// test.
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
@@ -60,6 +61,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
       rowlark::ReadWorkbook(archive, check);
     } else if (data[0] == 'o') {
       rowlark::ReadOpenDocument(rowlark::samples::OdsContent(parts[0]), check);
+    } else if (data[0] == 'c') {
+      rowlark::ReadWorkbook("\xD0\xCF\x11\xE0" + std::string(data + 1, data + size), check);
     } else {
       rowlark::ReadXmlSpreadsheet(parts[0], check);
     }

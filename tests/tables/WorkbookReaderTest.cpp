@@ -6,6 +6,7 @@
 #include <exception>
 
 #include "samples/Archive.h"
+#include "samples/Encrypted.h"
 #include "tables/format/NumberFormat.h"
 
 namespace rowlark {
@@ -165,8 +166,11 @@ TEST(WorkbookReader, ReadsXmlSpreadsheet) {
 
 TEST(WorkbookReader, RefusesWhatIsDamaged) {
   EXPECT_EQ(Read(Archive({{"a", "b"}})), "error: No workbook is in this archive");
-  EXPECT_EQ(Read("\xD0\xCF\x11\xE0"),
-            "error: Damaged compound file");
+  const std::string encrypted = "error: The workbook is encrypted; save it without a password";
+  const auto archive = Archive(XlsxParts({{"S", "<row><c><v>1</v></c></row>"}}));
+  EXPECT_EQ(Read(samples::Encrypted(archive)), "[S] 1:1");
+  EXPECT_EQ(Read(samples::Encrypted(archive, "another one")), encrypted);
+  EXPECT_EQ(Read("\xD0\xCF\x11\xE0"), "error: Damaged compound file");
   auto parts = XlsxParts({{"S", "<row><c><v>1</v></c></row>"}});
   for (auto& [name, content] : parts) {  // every part cut off
     auto whole = content;
