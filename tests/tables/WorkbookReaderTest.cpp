@@ -201,6 +201,8 @@ TEST(NumberFormat, ShowsNumbers) {
                              {-3, "0;-GENERAL", "-3"},
                              {3, "General\" kg\"", "3 kg"},
                              {1e20, "General", "1E+20"},
+                             {1e-9, "General", "0.000000001"},
+                             {1.234567e-5, "General", "1.234567E-05"},
                              {5, "@", "5"},
                              {5, "\"open", "5"},
                              // 15 digits, halves up
@@ -287,6 +289,7 @@ TEST(NumberFormat, ShowsNumbers) {
                              {1.5, "[h]:mm", "36:00"},
                              {0.125, "[hh]:mm", "03:00"},
                              {0.125, "[mm]", "180"},
+                             {-0.0625, "[h]:mm", "-1:30"},
                              {0.75, "h:mm AM/PM", "6:00 PM"},
                              {0.75, "h a/p", "6 p"},
                              {0, "h AM/PM", "12 AM"},

@@ -72,11 +72,12 @@ std::string GeneralText(double value) {
   const auto& digits = number.Digits();
   const int exponent = number.Exponent();
   std::string text = std::signbit(value) && !number.IsZero() ? "-" : "";
-  constexpr int kSmallest = -5;
-  if (exponent >= kSmallest && exponent < kSignificant) {
+  constexpr int kSmall = -4;
+  constexpr int kShort = 9;  // decimals of a small number that is written out
+  const auto decimals = static_cast<int>(digits.size()) - exponent - 1;
+  if (exponent < kSignificant && (exponent >= kSmall || decimals <= kShort)) {
     const auto whole = number.Whole();
     text += whole.empty() ? "0" : whole;
-    const auto decimals = static_cast<int>(digits.size()) - exponent - 1;
     if (decimals > 0) text += '.' + number.Decimals(static_cast<std::size_t>(decimals));
     return text;
   }

@@ -265,7 +265,7 @@ class Parser {
     }
   }
 
-  // "m" is minutes behind hours and before seconds.
+  // "m" is minutes behind hours and beside seconds.
   bool IsMinute(std::size_t at) const {
     const auto& tokens = section_->tokens;
     const auto is_date_part = [](const FormatToken& token) {
@@ -273,7 +273,8 @@ class Parser {
     };
     const auto before =
         std::find_if(tokens.rend() - static_cast<std::ptrdiff_t>(at), tokens.rend(), is_date_part);
-    if (before != tokens.rend() && (before->kind == Kind::Hour || before->kind == Kind::ElapsedHours))
+    if (before != tokens.rend() &&
+        (before->kind == Kind::Hour || before->kind == Kind::ElapsedHours || before->kind == Kind::Second))
       return true;
     const auto behind =
         std::find_if(tokens.begin() + static_cast<std::ptrdiff_t>(at) + 1, tokens.end(), is_date_part);

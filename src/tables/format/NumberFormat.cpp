@@ -138,8 +138,8 @@ std::string NumberText(double value, const FormatSection& section) {
   std::string text;
   WholeWriter whole(text, number.Whole(), whole_places, section.groups);
   DecimalsWriter behind_point(text, number.Decimals(decimals));
-  const auto power_digits = power == 0 ? "" : std::to_string(std::abs(power));
-  WholeWriter behind_exponent(text, power_digits, Places({exponent_at, tokens.end()}), false);
+  WholeWriter behind_exponent(text, std::to_string(std::abs(power)), Places({exponent_at, tokens.end()}),
+                              false);
   for (auto token = tokens.begin(); token != tokens.end(); ++token) {
     switch (token->kind) {
       case Kind::Digit:
@@ -388,9 +388,16 @@ std::string NumberFormat::Number(double value, Calendar calendar) const {
   switch (section->kind) {
     case FormatSection::Kind::Text:
       return GeneralText(value);
-    case FormatSection::Kind::Date:
-      return DateText(shows_sign ? value : std::fabs(value), *section, names_, calendar)
-          .value_or(GeneralText(value));
+    case FormatSection::Kind::Date: {
+      // A time that has passed may be below zero, a date not.
+      const bool has_passed = section->Has(Kind::ElapsedHours) || section->Has(Kind::ElapsedMinutes) ||
+                              section->Has(Kind::ElapsedSeconds);
+      const auto shown =
+          DateText(has_passed || !shows_sign ? std::fabs(value) : value, *section, names_, calendar);
+      if (!shown) return GeneralText(value);
+      text = *shown;
+      break;
+    }
     case FormatSection::Kind::Fraction:
       text = FractionText(value, *section);
       break;
