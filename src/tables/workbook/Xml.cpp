@@ -77,7 +77,7 @@ struct XmlParser::State {
     XML_SetUnknownEncodingHandler(parser.get(), Encoding, nullptr);
   }
 
-  void Parse(std::string_view piece, bool is_last) {
+  void Parse(std::string_view piece, bool is_last) const {
     if (XML_Parse(parser.get(), piece.data(), static_cast<int>(piece.size()), is_last) == XML_STATUS_OK)
       return;
     if (failure) std::rethrow_exception(failure);
