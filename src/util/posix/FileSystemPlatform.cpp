@@ -91,12 +91,14 @@ class TemporaryFile {
   }
 
  private:
-  // Another process cannot have the name, but one on another machine or a file left by an earlier one can.
+  // A name is never used again, since whoever takes a file for a leftover removes it by its name a little
+  // later.
   static Descriptor Create(const fs::path& folder, mode_t mode, fs::path& path) {
     for (int attempt = 0; attempt < 10'000; ++attempt) {
-      path = folder / std::string(kPrefix)
-                          .append(std::to_string(::getpid()) + "-" + std::to_string(attempt))
-                          .append(kSuffix);
+      const auto now = std::chrono::system_clock::now().time_since_epoch().count();
+      path =
+          folder /
+          std::string(kPrefix).append(std::to_string(::getpid()) + "-" + std::to_string(now)).append(kSuffix);
       Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
       if (!file && errno != EEXIST) return file;
       if (!file) continue;
