@@ -95,8 +95,8 @@ Ref<standalone::Worksheet> Program::OpenWorkbook(const std::filesystem::path& pa
 }
 
 std::unique_ptr<Document> Program::OpenDocument(const std::filesystem::path& path,
-                                                std::optional<char> separator) {
-  return std::make_unique<Document>(application_, path, FullName(path), separator);
+                                                const InputOptions& options) {
+  return std::make_unique<Document>(application_, path, FullName(path), options);
 }
 
 std::shared_ptr<clsVTRLKItem> Program::CloneDefault(const std::filesystem::path& workbook) {

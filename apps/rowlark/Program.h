@@ -51,8 +51,7 @@ class Program {
   // Opens an empty workbook of that name with one sheet.
   Ref<standalone::Worksheet> OpenWorkbook(const std::filesystem::path& path);
   // Opens a file as the active workbook. Throws std::runtime_error("path: reason").
-  std::unique_ptr<Document> OpenDocument(const std::filesystem::path& path,
-                                         std::optional<char> separator = std::nullopt);
+  std::unique_ptr<Document> OpenDocument(const std::filesystem::path& path, const InputOptions& options = {});
 
   clsVTRLKRuntime& Runtime() { return runtime_; }
   clsVTRLKItems& Items() { return *runtime_.Items; }

@@ -23,7 +23,7 @@ using standalone::RowRun;
 // A sheet of a document, made the active one.
 struct Table {
   Table(const SearchArguments& arguments, Program& program)
-      : document(program.OpenDocument(arguments.file, arguments.separator)) {
+      : document(program.OpenDocument(arguments.file, arguments.input)) {
     while (document->Step()) {
     }
     if (!arguments.sheet.empty()) Activate(ToUtf16(arguments.sheet));

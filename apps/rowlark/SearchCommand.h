@@ -23,8 +23,8 @@ struct ColumnFilter {
 struct SearchArguments {
   std::filesystem::path file;
   std::string text;
-  std::optional<char> separator;  // found by itself when not given
-  std::string sheet;              // by its name; empty: the one the file opens with
+  InputOptions input;
+  std::string sheet;  // by its name; empty: the one the file opens with
   xeVT_SEARCH_WORDS words = xcVT_SEARCH_WORDS_ALL;
   bool match_case = false;
   bool go_to = false;  // move to the first match and hide nothing

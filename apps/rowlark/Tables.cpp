@@ -17,8 +17,8 @@ std::u16string Percent(double fraction) { return ToText(static_cast<int32_t>(fra
 
 }  // namespace
 
-void Tables::Open(const std::filesystem::path& path, std::optional<char> separator) {
-  documents_.push_back(program_.OpenDocument(path, separator));
+void Tables::Open(const std::filesystem::path& path, const InputOptions& options) {
+  documents_.push_back(program_.OpenDocument(path, options));
   active_ = documents_.size() - 1;
 }
 
@@ -72,6 +72,7 @@ std::u16string Tables::Name() const {
 bool Tables::Load() {
   constexpr auto kSlice = std::chrono::milliseconds(8);
   const auto end = std::chrono::steady_clock::now() + kSlice;
+  std::vector<int> waiting;
   for (std::size_t i = 0; i < documents_.size(); ++i) {
     Document& document = *documents_[(active_ + i) % documents_.size()];
     while (document.LoadState() == Document::State::Loading) {
@@ -80,27 +81,36 @@ bool Tables::Load() {
       } catch (const std::exception& error) {
         windows_.MsgBox(ToUtf16(error.what()), host::MsgBoxIcon::Critical, kProductTitle);
       }
+      if (const auto source = document.WaitsFor()) {
+        waiting.push_back(*source);
+        break;
+      }
       if (std::chrono::steady_clock::now() >= end) return true;
     }
   }
+  pump_.WakeBy(std::move(waiting));
   return false;
 }
 
-bool Tables::Write(Document& document, const SaveOptions& options) {
+bool Tables::IsLoading() const {
+  return std::ranges::any_of(
+      documents_, [](const auto& document) { return document->LoadState() == Document::State::Loading; });
+}
+
+bool Tables::Run(const Document& document, std::u16string_view key, std::u16string_view text,
+                 const std::function<bool(const Document::Progress& progress)>& work) {
   constexpr uint32_t kPatience = 200;  // milliseconds before it is told how far it is
-  const auto text = [&](double fraction) {
-    return Text(u"Terminal.Save.Saving", u"Saving: %1 of 100", {Percent(fraction)});
-  };
   const auto cancel = Text(u"Edit.UI.BtnClose", u"&Cancel");
   const uint32_t begin = pump_.TickCount();
   const auto form = MakeRef<ProgressForm>(FileName(document), cancel, program_.Trace());
   bool shown = false;
-  const bool done = document.Save(options, [&](double fraction) {
+  const bool done = work([&](double fraction) {
     if (pump_.TickCount() - begin < kPatience) return true;
+    const auto line = Text(key, text, {Percent(fraction)});
     if (shown) {
-      form->Tell(text(fraction));
+      form->Tell(line);
     } else {
-      form->Open(windows_, text(fraction));
+      form->Open(windows_, line);
       shown = true;
     }
     pump_.ProcessMessages();
@@ -118,7 +128,8 @@ bool Tables::Save(Document& document) {
   const auto path = Shown(document.SavePath());
   for (;;) {
     try {
-      if (!Write(document, options)) return false;
+      const auto save = [&](const auto& progress) { return document.Save(options, progress); };
+      if (!Run(document, u"Terminal.Save.Saving", u"Saving: %1 of 100", save)) return false;
       document.RemoveRecovery(RecoveryFolder());
       return true;
     } catch (const SaveRefused& refused) {
@@ -191,7 +202,15 @@ void Tables::OfferRecovery() {
       const auto answer = windows_.Choose(
           question, kProductTitle,
           {Text(u"Terminal.Recovery.Restore", u"&Restore"), Text(u"Terminal.Save.Discard", u"&Discard")});
+      // A pipe may have nothing to read for long.
+      const auto load = [&](const auto& progress) {
+        while (document->Step()) {
+          if (!progress(document->Fraction())) return false;
+        }
+        return true;
+      };
       if (answer == 0) {
+        if (!Run(*document, u"Terminal.Status.Loading", u"Loading: %1 of 100 - Escape stops", load)) continue;
         document->Recover(*recovery);
         pump_.Invalidate();
       } else {

@@ -26,7 +26,7 @@ class Tables {
   int32_t HeadRows = 1;
 
   // The document shows its first rows; the last one opened is the active one. Throws std::runtime_error.
-  void Open(const std::filesystem::path& path, std::optional<char> separator);
+  void Open(const std::filesystem::path& path, const InputOptions& options);
   // Offers what earlier sessions left unsaved.
   void OfferRecovery();
 
@@ -40,10 +40,11 @@ class Tables {
   std::u16string Name() const;
   std::u16string Place() const;
 
-  // Loads on for a little while; false when nothing is left to load. `Loaded` tells once when the active
-  // document has come to its end.
+  // Loads on for a little while; false when nothing is left to load, or nothing is there yet: then the pump
+  // wakes when there is. `Loaded` tells once when the active document has come to its end.
   bool Load();
   bool TakeLoaded() { return std::exchange(loaded_, false); }
+  bool IsLoading() const;
   void StopLoading() const { Active().Stop(); }
 
   // Saves the active document, asking what there is to ask; false when it was not saved.
@@ -59,7 +60,9 @@ class Tables {
     return program_.Runtime().Language().GetText(key, text, with);
   }
   bool Save(Document& document);
-  bool Write(Document& document, const SaveOptions& options);
+  // Something that may take long: how far it is shows, and the user can stop it. What `work` returns.
+  bool Run(const Document& document, std::u16string_view key, std::u16string_view text,
+           const std::function<bool(const Document::Progress& progress)>& work);
   void Activate(std::size_t document);
   std::filesystem::path RecoveryFolder() const;
 

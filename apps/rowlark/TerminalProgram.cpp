@@ -69,7 +69,11 @@ TerminalProgram::~TerminalProgram() {
 
 int TerminalProgram::Run(const TerminalArguments& arguments) {
   tables_.HeadRows = arguments.head_rows;
-  for (const auto& file : arguments.files) tables_.Open(file, arguments.separator);
+  for (const auto& file : arguments.files) {
+    auto input = arguments.input;
+    if (file == TerminalArguments::kStandardInput) input.descriptor = arguments.standard_input;
+    tables_.Open(file, input);
+  }
   tables_.First();
   auto& runtime = program_.Runtime();
   runtime.MenuCreate();
@@ -81,6 +85,7 @@ int TerminalProgram::Run(const TerminalArguments& arguments) {
     const bool loading = tables_.Load();
     if (tables_.TakeLoaded()) EndLoading();
     const bool busy = loading || CountMatches();
+    if (!loading && tables_.IsLoading()) pump_.Invalidate();  // rows may have come before the pause
     pump_.WaitForInput(busy ? 0 : std::numeric_limits<uint32_t>::max());
     if (busy) pump_.Invalidate();
   }
@@ -484,9 +489,13 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
   std::vector<std::u16string> parts{CountRows()};
   const auto& document = tables_.Active();
   if (document.LoadState() == Document::State::Loading) {
-    const auto percent = ToText(static_cast<int32_t>(document.Fraction() * 100));
-    parts = {program_.Runtime().Language().GetText(u"Terminal.Status.Loading",
-                                                   u"Loading: %1 of 100 - Escape stops", percent)};
+    const auto percent = static_cast<int32_t>(document.Fraction() * 100);
+    auto& language = program_.Runtime().Language();
+    parts = {percent > 0
+                 ? language.GetText(u"Terminal.Status.Loading", u"Loading: %1 of 100 - Escape stops",
+                                    ToText(percent))
+                 : language.GetText(u"Terminal.Status.Reading", u"Reading: %1 rows so far - Escape stops",
+                                    ToText(tables_.View().Sheet().Text().AppendedRows()))};
   } else if (document.LoadState() == Document::State::Stopped) {
     parts.push_back(Text(u"Terminal.Status.Stopped", u"not loaded to its end"));
   }

@@ -17,9 +17,12 @@
 namespace rowlark {
 
 struct TerminalArguments {
+  static constexpr const char* kStandardInput = "-";  // among the files
+
   std::vector<std::filesystem::path> files;
-  std::optional<char> separator;
   int32_t head_rows = 1;
+  InputOptions input;
+  int standard_input = -1;  // what it is, where keys come from elsewhere
 };
 
 // The help there is: a list of the keys.

@@ -1,7 +1,9 @@
 // The command line of rowlark.
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <functional>
@@ -17,9 +19,11 @@
 #include "SettingsCommands.h"
 #include "TerminalProgram.h"
 #include "host/Error.h"
+#include "tables/Charsets.h"
 #include "util/FileSystemPlatform.h"
 #include "util/Text.h"
 #include "util/Utf.h"
+#include "util/posix/Descriptor.h"
 
 namespace {
 
@@ -27,6 +31,7 @@ using rowlark::Print;
 using rowlark::SearchArguments;
 
 constexpr int kFailed = 2;  // grep's status for trouble
+constexpr const char* kStandardInput = rowlark::TerminalArguments::kStandardInput;
 
 const std::map<std::string, rowlark::xeVT_SEARCH_WORDS>& Words() {
   static const std::map<std::string, rowlark::xeVT_SEARCH_WORDS> kWords = {
@@ -51,6 +56,8 @@ constexpr const char* kExamples = R"(Examples:
       rows with either word in column F or K
   rowlark search customers.csv open --words cell --filter G=Germany --filter "J=>=100"
       of the rows that two filters show, those with a cell that is exactly "open"
+  zcat log.csv.gz | rowlark -
+      a table from standard input; keys come from the terminal
   rowlark search orders.xlsx open --sheet "Last year"
       the rows of a sheet of a workbook, as CSV
   rowlark search customers.csv smith --go-to --jump H
@@ -75,16 +82,46 @@ std::string CheckHeader(const std::string& text) {
   return text == "no" || (rows && *rows >= 0 && *rows <= kMost) ? "" : "not a number of rows: " + text;
 }
 
+std::string CheckEncoding(const std::string& name) {
+  try {
+    const rowlark::NamedEncoding encoding(name);
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "";
+}
+
 std::string CheckFilter(const std::string& text) {
   return text.find('=') != std::string::npos ? "" : "not COLUMN=VALUE: " + text;
 }
 
-// The table program takes the terminal only when it has found its settings.
-int RunTerminal(const rowlark::TerminalArguments& arguments, const rowlark::ProgramArguments& common) {
-  if (arguments.files.empty()) throw std::runtime_error("name a FILE to open, or a subcommand (see --help)");
-  if (isatty(STDIN_FILENO) == 0 || isatty(STDOUT_FILENO) == 0) {
+// Where standard input is no terminal, keys come from the one that the program runs in. Returns what standard
+// input was.
+rowlark::Descriptor TakeTerminal() {
+  rowlark::Descriptor input;
+  const bool has_keys = isatty(STDIN_FILENO) != 0;
+  const rowlark::Descriptor terminal(has_keys ? -1 : open("/dev/tty", O_RDWR | O_CLOEXEC));
+  if (isatty(STDOUT_FILENO) == 0 || (!has_keys && !terminal)) {
     throw std::runtime_error("no terminal to open a table on; 'rowlark search FILE TEXT' needs none");
   }
+  if (has_keys) return input;
+  input.reset(fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+  dup2(*terminal, STDIN_FILENO);
+  return input;
+}
+
+// The table program takes the terminal only when it has found its settings.
+int RunTerminal(rowlark::TerminalArguments arguments, const rowlark::ProgramArguments& common) {
+  auto& files = arguments.files;
+  const bool has_input = isatty(STDIN_FILENO) == 0;
+  if (files.empty() && has_input && isatty(STDOUT_FILENO) != 0) files.emplace_back(kStandardInput);
+  if (files.empty()) throw std::runtime_error("name a FILE to open, or a subcommand (see --help)");
+  const auto inputs = std::ranges::count(files, kStandardInput);
+  if (inputs > 1) throw std::runtime_error("standard input (-) can be read once only");
+  if (inputs > 0 && !has_input)
+    throw std::runtime_error("standard input (-) is the terminal: nothing to read");
+  const auto input = TakeTerminal();
+  arguments.standard_input = input.get();
   const rowlark::terminal::Signals signals;
   rowlark::terminal::Screen screen;
   rowlark::terminal::TerminalMessagePump pump(screen, signals, common.trace);
@@ -102,10 +139,11 @@ class CommandLine {
     app_.set_version_flag("--version", "rowlark " ROWLARK_VERSION);
     app_.require_subcommand(0, 1);
     app_.footer(kExamples);
-    app_.add_option("FILE", table_.files, "tables to open in the terminal: CSV, TSV, .xlsx, .ods and others")
+    app_.add_option("FILE", table_.files,
+                    "tables to open in the terminal: CSV, TSV, .xlsx, .ods and others; - is standard input")
         ->type_name("");
     AddHeader(app_, "rows that are the table's head: always shown, never searched (default: 1)");
-    AddSeparator(app_);
+    AddInput(app_);
     AddCommon(app_);
     AddSearch();
     AddProfiles();
@@ -149,12 +187,17 @@ class CommandLine {
         ->type_name("NAME");
   }
 
-  void AddSeparator(CLI::App& command) {
+  void AddInput(CLI::App& command) {
     command
         .add_option("--separator", separator_,
                     "between cells: one character, or tab (default: found by itself)")
         ->type_name("CHARACTER")
         ->check(CheckSeparator);
+    command
+        .add_option("--encoding", encoding_,
+                    "of the text, by a name that iconv has (default: found by itself)")
+        ->type_name("NAME")
+        ->check(CheckEncoding);
   }
 
   void AddHeader(CLI::App& command, const char* description) {
@@ -168,7 +211,7 @@ class CommandLine {
     search
         .add_option(
             "FILE", arguments_.file,
-            "CSV in UTF-8, UTF-16 with a mark or Windows-1252; .xlsx, .ods, .fods, XML Spreadsheet 2003")
+            "CSV; .xlsx, .ods, .fods, XML Spreadsheet 2003; any of them compressed; - is standard input")
         ->required()
         ->type_name("");
     search.add_option("TEXT", arguments_.text, "what to look for")->required()->type_name("");
@@ -192,7 +235,7 @@ class CommandLine {
         ->type_name("COLUMN=VALUE")
         ->check(CheckFilter)
         ->allow_extra_args(false);
-    AddSeparator(search);
+    AddInput(search);
     search
         .add_option("--sheet", arguments_.sheet, "sheet of a workbook, by its name (default: the first one)")
         ->type_name("NAME");
@@ -259,8 +302,11 @@ class CommandLine {
   void Take() {
     arguments_.words = Words().at(words_);
     arguments_.print = Forms().at(print_);
-    if (!separator_.empty()) arguments_.separator = separator_ == "tab" ? '\t' : separator_[0];
-    table_.separator = arguments_.separator;
+    rowlark::InputOptions& input = table_.input;
+    if (!separator_.empty()) input.separator = separator_ == "tab" ? '\t' : separator_[0];
+    input.encoding = encoding_;
+    arguments_.input = input;
+    if (arguments_.file == kStandardInput) arguments_.input.descriptor = STDIN_FILENO;
     if (!header_.empty()) {
       arguments_.head_rows = rowlark::ToInteger(rowlark::ToUtf16(header_)).value_or(0);
       table_.head_rows = arguments_.head_rows;
@@ -291,6 +337,7 @@ class CommandLine {
   std::string print_ = "csv";
   std::string separator_;
   std::string header_;
+  std::string encoding_;
   std::vector<std::string> filters_;
 };
 

@@ -10,31 +10,46 @@ namespace {
 
 using std::string_view;
 
-// The separator with which most of the first records have the same number of columns, two or more; of equals
-// the one that gives more columns.
-char DetectSeparator(string_view text) {
-  constexpr std::size_t kSampleRecords = 100;
-  constexpr std::size_t kSampleBytes = 1 << 20;
-  const string_view sample = text.substr(0, kSampleBytes);
+constexpr std::size_t kSampleBytes = 1 << 19;
+constexpr std::size_t kSampleRecords = 100;
+
+struct Found {
+  char character = ',';
+  bool is_certain = false;  // the sample was as large as it may be
+};
+
+// Of the characters that stand in half of the first records or more, the one with which most of these have
+// the same number of columns; of equals the one that gives more columns. An empty line is no record.
+Found DetectSeparator(const TextReader& text) {
+  const string_view sample = text.Text().substr(0, kSampleBytes);
 
   struct Score {
     std::size_t records = 0;
     std::size_t columns = 0;
     auto operator<=>(const Score&) const = default;  // NOLINT(modernize-use-nullptr): a fault of the check
   };
-  char best = ',';
+  Found best;
+  best.is_certain = text.IsWhole() || sample.size() == kSampleBytes;
   Score best_score;
   std::vector<string_view> cells;
-  for (const char candidate : {',', ';', '\t'}) {
+  for (const char candidate : {',', ';', '\t', '|', '^', '~', '\x1F', '\x01'}) {
+    if (text.TextCharset() && !text.TextCharset()->Tells(candidate)) continue;
     RecordReader reader(sample, candidate);
     std::map<std::size_t, std::size_t> records_by_columns;
-    for (std::size_t i = 0; i < kSampleRecords && reader.Next(cells); ++i) {
-      if (cells.size() > 1) ++records_by_columns[cells.size()];
+    std::size_t all = 0;
+    std::size_t cut = 0;
+    while (all < kSampleRecords && reader.Next(cells)) {
+      if (cells.size() == 1 && cells[0].empty()) continue;
+      ++all;
+      if (cells.size() == 1) continue;
+      ++cut;
+      ++records_by_columns[cells.size()];
     }
+    best.is_certain = best.is_certain || all == kSampleRecords;
     Score score;
     for (const auto& [columns, records] : records_by_columns) score = std::max(score, {records, columns});
-    if (score > best_score) {
-      best = candidate;
+    if (2 * cut >= all && score > best_score) {
+      best.character = candidate;
       best_score = score;
     }
   }
@@ -43,24 +58,41 @@ char DetectSeparator(string_view text) {
 
 }  // namespace
 
-CsvFile CsvFile::Open(const std::filesystem::path& path, std::optional<char> separator) {
-  return {TextReader(path), separator};
+CsvFile CsvFile::Open(const std::filesystem::path& path, std::optional<char> separator,
+                      const TextOptions& options) {
+  return {TextReader(path, options), separator};
 }
 
-CsvFile CsvFile::Parse(const std::string& bytes, std::optional<char> separator) {
-  return {TextReader(bytes), separator};
+CsvFile CsvFile::Parse(const std::string& bytes, std::optional<char> separator, const TextOptions& options) {
+  return {TextReader(bytes, options), separator};
 }
 
 CsvFile::CsvFile(TextReader text, std::optional<char> separator)
-    : text_(std::move(text)), separator_(separator ? *separator : DetectSeparator(text_.Text())) {}
+    : text_(std::move(text)),
+      separator_(separator.value_or(',')),
+      separator_is_known_(separator.has_value()) {
+  FindSeparator();
+}
+
+// What came from a slow source so far may be too little to tell.
+void CsvFile::FindSeparator() {
+  if (separator_is_known_ || text_.Text().empty()) return;
+  const Found found = DetectSeparator(text_);
+  separator_ = found.character;
+  separator_is_known_ = found.is_certain;
+}
 
 CsvFile::Reading CsvFile::ReadRows(const RowSink& sink) {
-  const bool was_utf8 = text_.TextEncoding() == Encoding::Utf8;
   text_.Drop(next_);
-  if (text_.Start() + text_.Text().size() - next_ < TextReader::kPiece || next_ < wanted_) text_.ReadPiece();
-  if (was_utf8 && text_.TextEncoding() != Encoding::Utf8 && RowCount() > 0) {
-    Restart();
-    return Reading::Again;
+  if (text_.Start() + text_.Text().size() - next_ < TextReader::kPiece || next_ < wanted_) {
+    const int corrections = text_.Corrections();
+    const char separator = separator_;
+    text_.ReadPiece();
+    FindSeparator();
+    if ((corrections != text_.Corrections() || separator != separator_) && RowCount() > 0) {
+      Restart();
+      return Reading::Again;
+    }
   }
   const string_view text = text_.Text();
   const std::size_t end = text_.Start() + text.size();
@@ -84,9 +116,9 @@ CsvFile::Reading CsvFile::ReadRows(const RowSink& sink) {
     }
     sink(cells);
   }
-  // A record that is not there yet is tried again once twice as much of it is: a cell may be most of the
-  // file.
-  if (next_ == start) wanted_ = start + 2 * (end - start);
+  // A long record that is not there yet is tried again once twice as much of it is: a cell may be most of
+  // the file.
+  if (next_ == start) wanted_ = end - start < TextReader::kPiece ? end + 1 : start + 2 * (end - start);
   return text_.IsWhole() && next_ == end ? Reading::Done : Reading::More;
 }
 

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -32,21 +33,26 @@ class CsvFile {
   enum class Reading {
     More,
     Done,
-    // The file is not UTF-8 after all but Windows-1252: what was handed out so far was read wrongly and comes
-    // once more, from the first row.
+    // The file has another encoding or another separator than it had seemed (it is no UTF-8 after all): what
+    // was handed out so far was read wrongly and comes once more, from the first row.
     Again,
   };
 
-  // Reads the first piece of UTF-8 (with or without a mark), UTF-16 (with a mark) or, where the bytes are not
-  // UTF-8, Windows-1252. Without `separator` the file's first records decide between comma, semicolon and
-  // tab. Throws std::runtime_error("path: reason") when there is no readable text.
-  static CsvFile Open(const std::filesystem::path& path, std::optional<char> separator = std::nullopt);
+  // Reads the first piece of a text; see TextReader for its encodings. Without `separator` that is found by
+  // what most of the first records agree on. Throws std::runtime_error("path: reason") when there is no
+  // readable text.
+  static CsvFile Open(const std::filesystem::path& path, std::optional<char> separator = std::nullopt,
+                      const TextOptions& options = {});
 
   // As Open, for bytes at hand.
-  static CsvFile Parse(const std::string& bytes, std::optional<char> separator = std::nullopt);
+  static CsvFile Parse(const std::string& bytes, std::optional<char> separator = std::nullopt,
+                       const TextOptions& options = {});
 
-  // Hands the rows of one piece of the file (about a millisecond's work) to `sink`, in order. Throws
-  // std::runtime_error when the file can not be read on, is no text or is larger than a sheet.
+  CsvFile(TextReader text, std::optional<char> separator);
+
+  // Hands the rows of one piece of the file (about a millisecond's work) to `sink`, in order; of a source
+  // that grows those that are there. Throws std::runtime_error when the file can not be read on, is no text
+  // or is larger than a sheet.
   Reading ReadRows(const RowSink& sink);
 
   // Hands every row to `sink`, from the first one on. Calls `again` where what was handed out is to be
@@ -71,11 +77,12 @@ class CsvFile {
   std::size_t RecordStart(std::size_t row) const { return row < RowCount() ? row_starts_[row] : next_; }
 
  private:
-  CsvFile(TextReader text, std::optional<char> separator);
+  void FindSeparator();
   void Restart();
 
   TextReader text_;
   char separator_;
+  bool separator_is_known_;
   std::string_view line_end_ = "\n";
   std::vector<std::size_t> row_starts_;  // offsets into the text
   std::size_t next_ = 0;                 // and the record after them

@@ -11,8 +11,9 @@ namespace rowlark {
 using std::string_view;
 
 CsvFormat FormatOf(CsvFile& file, bool as_utf8) {
-  const Encoding encoding = as_utf8 ? Encoding::Utf8 : file.Text().TextEncoding();
-  return {file.Separator(), file.LineEnd(), encoding, file.Text().HasMark() || as_utf8};
+  const TextReader& text = file.Text();
+  if (as_utf8) return {file.Separator(), file.LineEnd()};
+  return {file.Separator(), file.LineEnd(), text.TextEncoding(), text.HasMark(), text.TextCharset()};
 }
 
 CsvWriter::CsvWriter(const CsvFormat& format) : format_(format) {
@@ -22,18 +23,23 @@ CsvWriter::CsvWriter(const CsvFormat& format) : format_(format) {
 }
 
 void CsvWriter::Cell(string_view text) {
-  if (text.find('\0') != string_view::npos) throw NotWritable("a NUL character can not be saved");
   BeginCell();
   const char special[] = {format_.separator, '"', '\r', '\n'};
-  const bool is_like_mark = at_start_ && (text.starts_with("\uFEFF") || text.starts_with("ï") ||
-                                          text.starts_with("ÿ") || text.starts_with("þ"));
-  if (text.find_first_of({special, sizeof special}) == string_view::npos && !is_like_mark) {
+  if (text.find_first_of({special, sizeof special}) == string_view::npos &&
+      !(at_start_ && LooksMarked(text))) {
     Put(text);
     return;
   }
   std::string quoted = "\"";
   for (const char c : text) quoted.append(c == '"' ? 2 : 1, c);
   Put(quoted += '"');
+}
+
+// Whether a text would be taken for a mark at the beginning of the file.
+bool CsvWriter::LooksMarked(string_view text) const {
+  std::string bytes;
+  AppendEncoded(bytes, text, format_.encoding, format_.charset.get());
+  return bytes.starts_with("\xEF\xBB\xBF") || bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
 }
 
 void CsvWriter::BeginCell() {
@@ -43,10 +49,10 @@ void CsvWriter::BeginCell() {
 void CsvWriter::Raw(string_view text) {
   if (text.empty()) return;
   last_ = text.back();
-  if (format_.encoding != Encoding::Utf16Little && format_.encoding != Encoding::Utf16Big) {
-    bytes_ += text;
-  } else {
+  if (IsUtf16(format_.encoding)) {
     AppendEncoded(bytes_, text, format_.encoding);
+  } else {
+    bytes_ += text;
   }
 }
 
@@ -64,7 +70,7 @@ void CsvWriter::EndRecord(string_view line_end) {
 
 std::string CsvWriter::Take() {
   at_start_ = at_start_ && bytes_.empty();
-  if (format_.encoding == Encoding::Windows1252) {
+  if (format_.encoding == Encoding::Charset) {
     looks_utf8_ = looks_utf8_ && IsValidUtf8(bytes_);
     looks_ascii_ = looks_ascii_ && std::ranges::all_of(bytes_, [](char c) { return (c & 0x80) == 0; });
   }
@@ -72,18 +78,20 @@ std::string CsvWriter::Take() {
 }
 
 void CsvWriter::CheckEncoding() const {
-  if (looks_utf8_ && !looks_ascii_) throw NotEncodable("as Windows-1252 it would be read as UTF-8");
+  if (looks_utf8_ && !looks_ascii_) {
+    throw NotEncodable("as " + std::string(format_.charset->Name()) + " it would be read as UTF-8");
+  }
 }
 
 void CsvWriter::Put(string_view utf8) {
   if (utf8.empty()) return;
   at_start_ = false;
   last_ = utf8.back();
-  const char32_t missing = AppendEncoded(bytes_, utf8, format_.encoding);
+  const char32_t missing = AppendEncoded(bytes_, utf8, format_.encoding, format_.charset.get());
   if (missing == 0) return;
   std::string text;
   AppendUtf8(text, missing);
-  throw NotEncodable("'" + text + "' is no character of Windows-1252");
+  throw NotEncodable("'" + text + "' is no character of " + std::string(format_.charset->Name()));
 }
 
 namespace {
@@ -171,10 +179,12 @@ void CsvRewriter::CopyRecords() {
 void CsvRewriter::CopyRest() {
   const std::size_t end = TextEnd();
   const std::size_t start = rest_;
-  // A character of UTF-16 must not be cut; that is kept in memory anyway.
-  const bool is_utf16 =
-      text_.TextEncoding() != Encoding::Utf8 && text_.TextEncoding() != Encoding::Windows1252;
-  rest_ = is_utf16 ? end : std::min(end, start + TextReader::kPiece);
+  // A character must not be cut where it is written in another encoding. UTF-16 is kept in memory anyway.
+  rest_ = IsUtf16(text_.TextEncoding()) ? end : std::min(end, start + TextReader::kPiece);
+  if (converts_ && rest_ < end) {
+    const auto line_end = text_.Range(start, rest_).rfind('\n');
+    if (line_end != string_view::npos) rest_ = start + line_end + 1;
+  }
   if (start < rest_) Copy(start, rest_);
   done_ = rest_ == end;
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -17,19 +18,16 @@ struct CsvFormat {
   char separator = ',';
   std::string_view line_end = "\r\n";
   Encoding encoding = Encoding::Utf8;
-  bool mark = true;  // begins with a byte order mark
+  bool mark = true;                                  // begins with a byte order mark
+  std::shared_ptr<const Charset> charset = nullptr;  // for Encoding::Charset
 };
 
 // The format of a file that was read; `as_utf8`: but in UTF-8 with a mark.
 CsvFormat FormatOf(CsvFile& file, bool as_utf8);
 
-// A text that can not stand in a text file.
-struct NotWritable : std::runtime_error {
+// The encoding does not have a character of a text, or would be taken for another one.
+struct NotEncodable : std::runtime_error {
   using std::runtime_error::runtime_error;
-};
-// The encoding does not have a character of it, or would be taken for another one.
-struct NotEncodable : NotWritable {
-  using NotWritable::NotWritable;
 };
 
 // Cells and records in the order of the file, as bytes.
@@ -37,8 +35,7 @@ class CsvWriter {
  public:
   explicit CsvWriter(const CsvFormat& format);
 
-  // A cell of the record, in quotes where it needs them; UTF-8. Throws NotWritable for a NUL character, which
-  // no text file has, and NotEncodable.
+  // A cell of the record, in quotes where it needs them; UTF-8. Throws NotEncodable.
   void Cell(std::string_view text);
   // Begins a cell whose text comes as it stands in a file, with Raw.
   void BeginCell();
@@ -50,10 +47,11 @@ class CsvWriter {
 
   // What has been written since the last call.
   std::string Take();
-  // Throws NotEncodable where what was written in Windows-1252 would be read as UTF-8.
+  // Throws NotEncodable where what was written in a character set would be read as UTF-8.
   void CheckEncoding() const;
 
  private:
+  bool LooksMarked(std::string_view text) const;
   void Put(std::string_view utf8);
 
   CsvFormat format_;

@@ -27,7 +27,7 @@ bool RecordReader::Next(std::vector<string_view>& cells, std::vector<string_view
     ++at_;
   }
   TakeLineEnd();
-  if (at_ != end_ || whole_) return true;
+  if (at_ != end_ || whole_ || line_end_.ends_with('\n')) return true;
   at_ = record;
   return false;
 }

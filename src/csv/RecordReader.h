@@ -15,8 +15,8 @@ class RecordReader {
   // Of a record with more cells than this only one cell more is kept.
   static constexpr std::size_t kMaxColumns = 16'384;
 
-  // `whole`: nothing follows behind the text. Otherwise a record counts as cut off unless something stands
-  // behind its line end.
+  // `whole`: nothing follows behind the text. Otherwise a record counts as cut off unless it ends in LF or
+  // something stands behind its CR.
   RecordReader(std::string_view text, char separator, bool whole = true)
       : at_(text.data()), end_(text.data() + text.size()), separator_(separator), whole_(whole) {}
 

@@ -25,6 +25,8 @@ class ChildProcess {
   // What it has written since, valid until the next call; empty when there was nothing for so long. Nothing
   // once it has ended, whyever, and everything has been read.
   std::optional<std::string_view> Read(std::chrono::milliseconds patience);
+  // Readable when there is something to read.
+  int ReadEnd() const noexcept;
   // Ends the process. What it has written is still there to be read.
   void Stop() noexcept;
 

@@ -1,5 +1,6 @@
 #include <stdexcept>
 
+#include "tables/Charsets.h"
 #include "tables/Loader.h"
 #include "util/FileSystemPlatform.h"
 
@@ -8,12 +9,12 @@ namespace {
 
 class CsvLoader final : public Loader {
  public:
-  CsvLoader(const std::filesystem::path& path, std::optional<char> separator, const MemoryBound& memory)
+  CsvLoader(const std::filesystem::path& path, const InputOptions& options)
       : path_(path.string()),
         name_(platform::ToText(path.stem())),
-        file_(CsvFile::Open(path, separator)),
-        bound_(memory),
-        memory_(memory) {}
+        file_(CsvFile::Open(path, options.separator, NamedEncoding(options.encoding).options)),
+        bound_(options.memory),
+        memory_(options.memory) {}
 
   bool Step(standalone::Workbook& workbook) override {
     standalone::Worksheet& sheet = *workbook.Worksheets().front();
@@ -34,6 +35,7 @@ class CsvLoader final : public Loader {
   }
   double Fraction() const override { return file_.Fraction(); }
   CsvFile* Csv() noexcept override { return &file_; }
+  bool IsPlain() const noexcept override { return true; }
 
  private:
   std::string path_;
@@ -45,9 +47,8 @@ class CsvLoader final : public Loader {
 
 }  // namespace
 
-std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, std::optional<char> separator,
-                                const MemoryBound& memory) {
-  return std::make_unique<CsvLoader>(path, separator, memory);
+std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, const InputOptions& options) {
+  return std::make_unique<CsvLoader>(path, options);
 }
 
 }  // namespace rowlark

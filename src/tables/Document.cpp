@@ -72,8 +72,6 @@ bool WriteFile(const std::filesystem::path& path, Writer& writer, const Document
     return false;
   } catch (const NotEncodable& error) {
     throw SaveRefused(SaveRefused::Reason::NotEncodable, at_cell(error));
-  } catch (const NotWritable& error) {
-    throw std::runtime_error(at_cell(error));
   }
   return true;
 }
@@ -81,11 +79,8 @@ bool WriteFile(const std::filesystem::path& path, Writer& writer, const Document
 }  // namespace
 
 Document::Document(Ref<standalone::Application> host, const std::filesystem::path& path,
-                   std::u16string_view full_name, std::optional<char> separator, const MemoryBound& memory)
-    : path_(path),
-      stamp_(FileStamp::Of(path)),
-      loader_(OpenLoader(path, separator, memory)),
-      host_(std::move(host)) {
+                   std::u16string_view full_name, const InputOptions& options)
+    : path_(path), stamp_(FileStamp::Of(path)), loader_(OpenLoader(path, options)), host_(std::move(host)) {
   workbook_ = host_->AddWorkbook(full_name);
   for (const auto& sheet : Sheets()) sheet->SetLoading(true);
   try {
@@ -155,8 +150,17 @@ bool Document::IsModified() const {
 }
 
 std::filesystem::path Document::SavePath() const {
-  if (loader_->Csv() != nullptr) return path_;
+  if (loader_->IsPlain()) return path_;
+  std::error_code failed;
+  if (!std::filesystem::is_regular_file(path_, failed)) {
+    return path_ == "-" ? "stdin.csv" : path_.filename().concat(".csv");
+  }
   auto path = path_;
+  if (loader_->Csv() != nullptr) {
+    // "table.csv.gz" has a name below its own; what was converted must not take its place.
+    if (path.stem().has_extension()) return path.replace_extension();
+    return path.replace_extension(path.extension() == ".csv" ? ".utf-8.csv" : ".csv");
+  }
   if (Sheets().size() == 1) return path.replace_extension(".csv");
   auto sheet = ActiveSheet().Name();
   std::ranges::replace(sheet, u'/', u'_');
@@ -173,7 +177,8 @@ bool Document::Save(const SaveOptions& options, const Progress& progress) {
   CsvFile* const csv = loader_->Csv();
   const bool changed = ChangedOnDisk();
   std::error_code missing;
-  const bool is_own = csv != nullptr && (path == path_ || std::filesystem::equivalent(path, path_, missing));
+  const bool is_own =
+      loader_->IsPlain() && (path == path_ || std::filesystem::equivalent(path, path_, missing));
   if (is_own && changed && !options.overwrite) {
     throw SaveRefused(SaveRefused::Reason::FileChanged, path.string() + ": Changed by another program");
   }
@@ -181,7 +186,7 @@ bool Document::Save(const SaveOptions& options, const Progress& progress) {
     throw SaveRefused(SaveRefused::Reason::FileExists, path.string() + ": The file exists");
   }
   // Once the file has changed, the places of its records are not those that were read.
-  keeps_records_ = keeps_records_ && !changed;
+  keeps_records_ = keeps_records_ && !(changed && loader_->IsPlain());
 
   standalone::Worksheet& sheet = ActiveSheet();
   const bool as_utf8 = options.as_utf8 || (is_own && saved_as_utf8_);

@@ -48,13 +48,11 @@ struct SaveOptions {
 
 class Document {
  public:
-  // Opens a CSV file or, as far as the platform has them, a workbook (.xlsx, .ods and others), by its
-  // content. Its workbook becomes the active one of `host` under `full_name`; the first rows of a CSV file
-  // are there at once. Without `separator` that is found by itself. A table that becomes too large for
-  // `memory` is loaded up to there. Throws std::runtime_error("path: reason").
+  // Opens a CSV file or a workbook (.xlsx, .ods and others), either of them compressed or from a pipe, by its
+  // content. Its workbook becomes the active one of `host` under `full_name`; the first rows of a plain CSV
+  // file are there at once. A table that becomes too large is loaded up to there. Throws std::runtime_error("path: reason").
   Document(Ref<standalone::Application> host, const std::filesystem::path& path,
-           std::u16string_view full_name, std::optional<char> separator = std::nullopt,
-           const MemoryBound& memory = MemoryBound());
+           std::u16string_view full_name, const InputOptions& options = {});
   Document(const Document&) = delete;
   Document& operator=(const Document&) = delete;
   // Closes the workbook; edits that were not saved are gone.
@@ -63,6 +61,10 @@ class Document {
   // Loads on for about a millisecond (a few while another process reads for us); false when there is nothing
   // more to load. Throws std::runtime_error("path: reason"); then what has been loaded stays, as after Stop.
   bool Step();
+  // After a step that found nothing to load (a pipe): what becomes readable when there is something.
+  std::optional<int> WaitsFor() const noexcept {
+    return state_ == State::Loading ? loader_->WaitsFor() : std::nullopt;
+  }
   // Loads no more. What has been loaded stays; rows that have not been loaded can not be edited and are saved
   // as they are in the file.
   void Stop();
@@ -84,7 +86,8 @@ class Document {
 
   // Whether there are edits that were not saved.
   bool IsModified() const;
-  // Where the active sheet is saved: a CSV file in itself, a sheet of a workbook as CSV beside it.
+  // Where the active sheet is saved: a plain CSV file in itself, others as CSV beside them (a sheet of a
+  // workbook, a table that was compressed), and what came from a pipe as CSV in the current folder.
   std::filesystem::path SavePath() const;
   // Whether another program has written the file since it was loaded or saved.
   bool ChangedOnDisk() const;

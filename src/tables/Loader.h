@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "csv/CsvFile.h"
 #include "host/standalone/Workbook.h"
@@ -13,6 +14,14 @@
 namespace rowlark {
 
 class SheetSink;
+
+// What is known of a file before it is read.
+struct InputOptions {
+  std::optional<char> separator;  // found by itself when not given
+  std::string encoding;           // its name, as iconv has it; found by itself when empty
+  int descriptor = -1;            // read from here, an open file; its path is a name alone then
+  MemoryBound memory = MemoryBound();
+};
 
 class Loader {
  public:
@@ -23,22 +32,23 @@ class Loader {
   virtual bool Step(standalone::Workbook& workbook) = 0;
   // How much is loaded, 0 to 1; 0 while that can not be told (a pipe).
   virtual double Fraction() const = 0;
+  // After a step that found nothing to load: what becomes readable when there is something.
+  virtual std::optional<int> WaitsFor() const noexcept { return std::nullopt; }
   // Gives back what only loading needs; no step follows.
   virtual void Stop() noexcept {}
-  // The file behind the one sheet, if it is a CSV file.
+  // The text behind the one sheet, if that is CSV.
   virtual CsvFile* Csv() noexcept { return nullptr; }
+  // Whether that text stands in the file as it is, so the file can be written anew.
+  virtual bool IsPlain() const noexcept { return false; }
 };
 
 // The loader that the file's content asks for. Throws std::runtime_error("path: reason").
-std::unique_ptr<Loader> OpenLoader(const std::filesystem::path& path, std::optional<char> separator,
-                                   const MemoryBound& memory);
+std::unique_ptr<Loader> OpenLoader(const std::filesystem::path& path, const InputOptions& options);
 
-std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, std::optional<char> separator,
-                                const MemoryBound& memory);
-std::unique_ptr<Loader> LoadWorkbook(const std::filesystem::path& path, const MemoryBound& memory);
+std::unique_ptr<Loader> LoadCsv(const std::filesystem::path& path, const InputOptions& options);
 // What `read` tells, in a process of its own; `path` is for messages.
 std::unique_ptr<Loader> LoadSheets(const std::filesystem::path& path,
                                    const std::function<void(SheetSink& sink)>& read,
-                                   const MemoryBound& memory = MemoryBound());
+                                   const InputOptions& options = {});
 
 }  // namespace rowlark

@@ -10,6 +10,7 @@ enum Kind : char {
   kSheet,     // its name
   kRow,       // its number; of every cell the size, and the text
   kProgress,  // how much has been read, in thousandths
+  kText,      // a part of a text that is no workbook
   kEnd,
   kError,  // the reason
 };
@@ -48,6 +49,12 @@ void SheetMessageWriter::Row(int32_t row, std::span<const std::string> cells) {
 
 void SheetMessageWriter::Progress(double fraction) {
   Put(kProgress, Bytes(static_cast<std::size_t>(fraction * 1000)));
+}
+
+// At once: what comes slowly is to be seen as it comes.
+void SheetMessageWriter::Text(std::string_view bytes) {
+  Put(kText, bytes);
+  Flush();
 }
 
 void SheetMessageWriter::End() {
@@ -91,6 +98,7 @@ bool SheetMessageReader::Take(std::string_view bytes, Sink& sink) {
 void SheetMessageReader::HandOn(char kind, std::string_view content, Sink& sink) {
   if (kind == kError) throw std::runtime_error(std::string(content));
   if (kind == kSheet) sink.Sheet(content);
+  if (kind == kText) sink.Text(content);
   if (kind == kProgress) sink.Progress(TakeNumber(content) / 1000.0);
   if (kind != kRow) return;
   const auto row = static_cast<int32_t>(TakeNumber(content));

@@ -24,6 +24,7 @@ class SheetMessageWriter final : public SheetSink {
   void Sheet(std::string_view name) override;
   void Row(int32_t row, std::span<const std::string> cells) override;
   void Progress(double fraction) override;
+  void Text(std::string_view bytes) override;
   // The last message: everything has been told, or the reason why there is no more.
   void End();
   void Error(std::string_view reason);
@@ -47,6 +48,7 @@ class SheetMessageReader {
     // As SheetSink has it.
     virtual void Row(int32_t row, std::span<const std::string_view> cells) = 0;
     virtual void Progress(double fraction) = 0;
+    virtual void Text(std::string_view bytes) = 0;
   };
 
   // Whether more is to come. Throws std::runtime_error with the reason, which may be empty, when the last

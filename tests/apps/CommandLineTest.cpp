@@ -14,6 +14,8 @@
 namespace rowlark {
 namespace {
 
+using namespace std::string_literals;
+
 struct Outcome {
   int status = -1;
   std::string output;
@@ -32,6 +34,7 @@ class CommandLine : public ::testing::Test {
                   samples::Archive(samples::XlsxParts(
                       {{"One", "<row><c><v>1</v></c></row>"}, {"Zwei", "<row><c><v>2.5</v></c></row>"}})));
     folder_.Write("empty.csv", "");
+    folder_.Write("utf32.csv", "\0\0\0001\0\0\0,\0\0\0K\0\0\0\xF6\0\0\0l\0\0\0n"s);
   }
 
   // Runs the program in the folder of the files, on demand by another one; `arguments` are a shell's.
@@ -75,6 +78,10 @@ TEST_F(CommandLine, FindsAndPrints) {
       {"book.xlsx 2", ""},
       {"pipes.txt b,c --words cell --separator '|'", "a|b,c\n"},
       {"pipes.txt -- -x", ""},
+      {"- c --words cell <pipes.txt", "a|b,c\n"},
+      {"- 2 --sheet zwei <book.xlsx", "2.5\n"},
+      {"- x", ""},
+      {"utf32.csv köln --encoding utf-32be", "1,Köln\n"},
       {"empty.csv x", ""}};
   for (const auto& [arguments, output] : kCases) {
     const Outcome outcome = Run("search " + arguments);
@@ -104,7 +111,7 @@ TEST_F(CommandLine, PrintsJson) {
 }
 
 TEST_F(CommandLine, RefusesInOneLineAndHelps) {
-  folder_.Write("binary.csv", std::string("a\0b", 3));
+  folder_.Write("binary.csv", "\1\2\3\0\4"s);
   const std::pair<std::string, std::string_view> kCases[] = {
       // with a part of the message
       {"", "a subcommand"},
@@ -113,6 +120,7 @@ TEST_F(CommandLine, RefusesInOneLineAndHelps) {
       {"search orders.csv x --words some", "--words: some not in {all,any,cell}"},
       {"search orders.csv x --print xml", "--print: xml not in {csv,json,rows}"},
       {"search orders.csv x --separator ab", "not a separator: ab"},
+      {"search orders.csv x --encoding klingon", "--encoding: no encoding 'klingon'"},
       {"search orders.csv x --filter B", "not COLUMN=VALUE: B"},
       {"search orders.csv x --filter D=1", "--filter: no column 'D' in the table (A to C)"},
       {"search orders.csv x --filter B=1 --filter b=2", "--filter: column b is filtered twice"},

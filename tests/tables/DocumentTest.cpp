@@ -2,14 +2,17 @@
 #include "tables/Document.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
 #include "TempFolder.h"
 #include "host/Error.h"
 #include "samples/Archive.h"
+#include "tables/Charsets.h"
 #include "tables/workbook/WorkbookReader.h"
 #include "util/Utf.h"
 
@@ -83,6 +86,16 @@ TEST(Document, SavesNothingButWhatWasEdited) {
       {"\xFF\xFE" + Utf16(u"ä, b\r\n\xD800,\"ж\"\r\n", true),
        {{u"A1", u"😀"}},
        "\xFF\xFE" + Utf16(u"😀, b\r\n\xD800,\"ж\"\r\n", true)},
+      {Utf16(u"имя,a\r\nb,\"ж\"\r\n", true), {{u"B1", u"😀"}}, Utf16(u"имя,😀\r\nb,\"ж\"\r\n", true)},
+      {"\xCA\xE8\xE5\xE2,\xCC\xEE\xF1\xEA\xE2\xE0;\x98;a\n",
+       {{u"C1", u"я"}},
+       "\xCA\xE8\xE5\xE2,\xCC\xEE\xF1\xEA\xE2\xE0;\x98;\xFF\n"},  // Windows-1251
+      {"\xA3ukasz;Stanis\xB3"
+       "aw;imi\xEA;Gda\xF1sk;a\n",  // ISO 8859-2
+       {{u"E1", u"Ż"}},
+       "\xA3ukasz;Stanis\xB3"
+       "aw;imi\xEA;Gda\xF1sk;\xAF\n"},
+      {"a\0,b\0\0\n"s, {{u"B1", std::u16string_view(u"c\0d", 3)}}, "a\0,c\0d\n"s},
       {"\xFE\xFF" + Utf16(u"ä,b\nc,d", false) + "\0"s,
        {{u"A1", u"x"}},
        "\xFE\xFF" + Utf16(u"x,b\nc,d", false) + "\0"s}};
@@ -138,13 +151,92 @@ TEST(Document, AsksBeforeItOverwritesOrConverts) {
   tricky.Set(u"B1", u"u");
   EXPECT_EQ(tricky.Refusal(), Reason::NotEncodable);
 
-  Opened nul(folder.Write("nul.csv", "a\n"));
-  nul.Set(u"A1", u"b\0"s);
-  EXPECT_THROW(nul.Save({}), std::runtime_error);
-  nul.Set(u"A1", u"b");
-  EXPECT_FALSE(nul.Save({}, [](double) { return false; }));
-  EXPECT_TRUE(nul.IsModified());
-  EXPECT_EQ(Read(nul.Path()), "a\n");
+  Opened stopped(folder.Write("stopped.csv", "a\n"));
+  stopped.Set(u"A1", u"b");
+  EXPECT_FALSE(stopped.Save({}, [](double) { return false; }));
+  EXPECT_TRUE(stopped.IsModified());
+  EXPECT_EQ(Read(stopped.Path()), "a\n");
+}
+
+// The text in the encoding of that name.
+std::string Encoded(const char* name, std::string_view text) {
+  std::string bytes;
+  EXPECT_EQ(NamedEncoding(name).options.charset->Append(bytes, text), 0u) << name;
+  return bytes;
+}
+
+TEST(Charset, IsGuessed) {
+  const std::pair<std::string, std::vector<const char*>> kCases[] = {
+      {"name,city\nann,München\nbob,Berlin\n", {"CP1252"}},
+      {"nom;ville\nHélène;Orléans\nFrançois;5 €\n", {"CP1252"}},
+      {"ciutat\nLluís\n", {"CP1252"}},
+      {"imię;miasto\nŁukasz;Łódź\nStanisław;Gdańsk\n", {"CP1250", "ISO-8859-2"}},
+      {"имя;город\nАнна;Москва\nИван;Киев\n", {"CP1251", "KOI8-R", "IBM866", "ISO-8859-5"}},
+      {"ім'я;місто\nІван;Київ\nОлена;Львів\n", {"CP1251"}},
+      {"όνομα;πόλη\nΓιώργος;Αθήνα\nΆννα;Πάτρα\n", {"CP1253", "ISO-8859-7"}},
+      {"名前,市\n田中,東京\nすずき,おおさか\n", {"CP932", "EUC-JP"}}};
+  for (const auto& [text, encodings] : kCases) {
+    for (const auto* encoding : encodings) {
+      EXPECT_EQ(GuessCharset(Encoded(encoding, text))->ToUtf8(Encoded(encoding, text)), text) << encoding;
+    }
+  }
+  const auto japanese = NamedEncoding("CP932").options.charset;
+  EXPECT_TRUE(japanese->Tells(',') && !japanese->Tells('|'));  // which ends other characters there
+  EXPECT_EQ(NamedEncoding("utf-32").to_convert, "utf-32");
+  EXPECT_THROW(NamedEncoding("klingon"), std::runtime_error);
+}
+
+// What does not stand in the file as it is saved beside it, and the file stays.
+TEST(Document, SavesWhatIsNoPlainTextBesideIt) {
+  const TempFolder folder;
+  const auto run = [&](const std::string& command) {
+    EXPECT_EQ(std::system(("cd '" + folder.Path().string() + "' && " + command).c_str()), 0);
+  };
+  folder.Write("t.csv", "a;\"ж\"\r\nb;c");
+  run("gzip -k t.csv && bzip2 -k t.csv && xz -k t.csv && zstd -q t.csv && rm t.csv");
+  for (const auto* name : {"t.csv.gz", "t.csv.bz2", "t.csv.xz", "t.csv.zst"}) {
+    const auto compressed = Read(folder.Path() / name);
+    Opened document(folder.Path() / name);
+    document.Set(u"A2", u"x");
+    EXPECT_EQ(document.SavePath(), folder.Path() / "t.csv");
+    EXPECT_TRUE(document.Save({}));
+    EXPECT_EQ(Read(folder.Path() / "t.csv"), "a;\"ж\"\r\nx;c");
+    EXPECT_EQ(Read(folder.Path() / name), compressed);
+    EXPECT_EQ(document.Refusal(), Reason::FileExists);
+    std::filesystem::remove(folder.Path() / "t.csv");
+  }
+
+  // What came before the damage is there.
+  std::string rows;
+  for (int i = 0; i < 100'000; ++i) rows += std::to_string(i * 7919) + ",text\n";
+  folder.Write("long.csv", rows);
+  run("gzip long.csv && truncate -s 100000 long.csv.gz");
+  Opened damaged(folder.Path() / "long.csv.gz", false);
+  try {
+    while (damaged.Step()) {
+    }
+    ADD_FAILURE();
+  } catch (const std::runtime_error& error) {
+    EXPECT_EQ(error.what(), damaged.Path().string() + ": Damaged compressed file: truncated gzip input");
+  }
+  EXPECT_EQ(damaged.Get(u"A1000"), std::to_string(999 * 7919));
+  EXPECT_EQ(damaged.LoadState(), Document::State::Stopped);
+
+  // A pipe that is never filled, and one that is filled a little.
+  const auto pipe = folder.Path() / "pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  Opened waiting(pipe, false);
+  while (!waiting.WaitsFor()) waiting.Step();
+  std::ofstream writer(pipe);
+  writer << "a,b\n" << std::flush;
+  while (waiting.Get(u"B1").empty()) EXPECT_TRUE(waiting.Step());
+  EXPECT_EQ(waiting.SavePath(), "pipe.csv");
+  waiting.Set(u"A1", u"x");
+  writer << "1," << std::flush;
+  while (!waiting.WaitsFor()) waiting.Step();
+  waiting.Stop();
+  EXPECT_TRUE(waiting.Save({.path = folder.Path() / "part.csv"}));
+  EXPECT_TRUE(Read(folder.Path() / "part.csv").starts_with("x,b\n"));
 }
 
 // Another program writes into the file that is open: its records are not those that were read any more, also
@@ -246,7 +338,7 @@ TEST(Loader, TellsAProcessThatEndsFromTheEndOfTheFile) {
       sink.Row(2, cells);
       end();
     };
-    const auto loader = LoadSheets("book", read, MemoryBound(64 << 20));
+    const auto loader = LoadSheets("book", read, {.memory = MemoryBound(64 << 20)});
     std::string outcome = "loaded";
     try {
       while (loader->Step(*book)) {
@@ -275,7 +367,7 @@ TEST(Document, LoadsWhatTheMemoryHolds) {
   std::string csv;
   for (int i = 0; i < 100'000; ++i) csv += "some text,more\n";
   for (const auto& path : {folder.Write("large.ods", ods), folder.Write("large.csv", csv)}) {
-    Document document(MakeRef<standalone::Application>(), path, u"large", std::nullopt, MemoryBound(4 << 20));
+    Document document(MakeRef<standalone::Application>(), path, u"large", {.memory = MemoryBound(4 << 20)});
     std::string reason;
     try {
       while (document.Step()) {

@@ -1,6 +1,7 @@
 """The program as its users meet it on a terminal: keys and mouse in, drawn screens out. TerminalTest.py PROGRAM"""
 
 import base64
+import os
 import re
 import signal
 import sys
@@ -24,8 +25,8 @@ class Session(unittest.TestCase):
     def file(self, name, text):
         (self.folder / name).write_text(text, encoding="utf-8")
 
-    def start(self, *arguments, columns=80, rows=24, **environment):
-        terminal = Terminal([PROGRAM, *(arguments or ["t.csv"])], columns, rows, self.folder,
+    def start(self, *arguments, columns=80, rows=24, program=PROGRAM, **environment):
+        terminal = Terminal([program, *(arguments or ["t.csv"])], columns, rows, self.folder,
                             XDG_CONFIG_HOME=str(self.folder / "config"), **environment)
         self.addCleanup(terminal.close)
         return terminal
@@ -219,6 +220,40 @@ class Looks(Session):
             self.assertEqual(styles, {"bold", "underscore"})
             self.assertNotRegex(terminal.output, r"\x1b\[[0-9;]*[34][0-8]m")
         self.assertIn("reverse", terminal.styles(*terminal.find("dan")) | terminal.styles(1, 6))
+
+
+class Input(Session):
+    """What does not stand in a file; keys come from the terminal all the same."""
+
+    def shell(self, command):
+        return self.start("-c", command, program="/bin/sh")
+
+    def test_reads_standard_input(self):
+        for command in (f"cat t.csv | {PROGRAM}", f"{PROGRAM} - < t.csv", f"gzip -c t.csv | {PROGRAM} -"):
+            terminal = self.shell(command).wait("- │ A1 name").wait("6 of 6 rows").press("köln").wait("3 of 6 rows")
+            terminal.press("Esc").wait_gone("Search -").press("F2").wait("─ A1 ─").press("!", "Enter").wait("name!")
+            terminal.press("C-s").wait("Saved: stdin.csv").press("C-q")
+            self.assertEqual(terminal.end(), 0)
+            saved = self.folder / "stdin.csv"
+            self.assertEqual(saved.read_text(), TABLE.replace("name", "name!"))
+            saved.unlink()
+        self.assertIn("once only", self.shell(f"cat t.csv | {PROGRAM} - -").wait("once only").text())
+        self.start("-").wait("nothing to read")
+
+    def test_shows_what_comes_slowly_and_never_waits(self):
+        os.mkfifo(self.folder / "pipe")
+        for end, status in ((lambda t: t.press("C-c"), 0), (lambda t: t.kill(signal.SIGTERM), 143)):
+            terminal = self.start("pipe").wait("Reading: 0 rows so far")  # nobody has opened the other end
+            end(terminal)
+            self.assertEqual(terminal.end(), status)
+        terminal = self.start("pipe").wait("Reading: 0 rows so far")
+        with open(self.folder / "pipe", "w", buffering=1) as pipe:
+            pipe.write("name;age\nann;30\n")
+            terminal.wait("   2│ ann").press("Down", "F2").wait("─ A2 ─").press("!", "Enter").wait("ann!")
+            pipe.write("bob;40\n")
+            terminal.wait("   3│ bob").press("Esc").wait("not loaded to its end")
+        terminal.press("C-s").wait("Saved: pipe.csv").press("C-q").end()
+        self.assertEqual((self.folder / "pipe.csv").read_text(), "name;age\nann!;30\nbob;40\n")
 
 
 class Life(Session):

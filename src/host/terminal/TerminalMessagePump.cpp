@@ -3,7 +3,6 @@
 #include <poll.h>
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <limits>
 
@@ -43,6 +42,7 @@ void TerminalMessagePump::ProcessMessages() noexcept {
 
 void TerminalMessagePump::WaitForInput(uint32_t milliseconds) noexcept {
   waited_ = true;
+  const auto wakers = std::exchange(wakers_, {});
   if (input_left_) return;
   if (stale_) Draw();
   const uint32_t now = TickCount();
@@ -50,8 +50,8 @@ void TerminalMessagePump::WaitForInput(uint32_t milliseconds) noexcept {
     milliseconds = std::min(milliseconds, IsDue(due.tick, now) ? 0 : due.tick - now);
   const int timeout =
       milliseconds == kNoTimeout ? -1 : static_cast<int>(std::min<uint32_t>(milliseconds, 1 << 30));
-  std::array<pollfd, 2> descriptors{
-      {{screen_.InputDescriptor(), POLLIN, 0}, {signals_.Descriptor(), POLLIN, 0}}};
+  std::vector<pollfd> descriptors{{screen_.InputDescriptor(), POLLIN, 0}, {signals_.Descriptor(), POLLIN, 0}};
+  for (const int waker : wakers) descriptors.push_back({waker, POLLIN, 0});
   poll(descriptors.data(), descriptors.size(), timeout);
   if ((descriptors[0].revents & (POLLHUP | POLLERR | POLLNVAL)) != 0)
     Attempt(trace_, [this] { OnEnd(SIGHUP); });

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <utility>
 #include <vector>
 
 #include "controls/Timer.h"
@@ -32,6 +33,8 @@ class TerminalMessagePump final : public host::MessagePump {
 
   // The screen no longer shows what it should.
   void Invalidate() { stale_ = true; }
+  // The next wait also ends when one of these descriptors is readable, or has come to its end.
+  void WakeBy(std::vector<int> descriptors) { wakers_ = std::move(descriptors); }
   // Gives the terminal back to the shell until the user comes back.
   void Suspend();
 
@@ -54,6 +57,7 @@ class TerminalMessagePump final : public host::MessagePump {
   const Signals& signals_;
   rowlark::Trace* const trace_;
   std::vector<Due> timers_;
+  std::vector<int> wakers_;
   bool stale_ = true;
   bool waited_ = true;       // since the input was looked at
   bool input_left_ = false;  // some has been read, and there may be more

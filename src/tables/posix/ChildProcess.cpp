@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -42,6 +43,7 @@ void LimitMemory(std::uint64_t more) {
 
 // The other process. Its output goes nowhere: a terminal may be showing a table.
 [[noreturn]] void RunInChild(const std::function<void(const ChildProcess::Write&)>& work, int pipe) {
+  ::prctl(PR_SET_PDEATHSIG, SIGKILL);  // it may wait for ever where there is nothing to read
   const Descriptor nothing(::open("/dev/null", O_RDWR));
   ::dup2(*nothing, STDOUT_FILENO);
   ::dup2(*nothing, STDERR_FILENO);
@@ -87,6 +89,8 @@ std::optional<std::string_view> ChildProcess::Read(std::chrono::milliseconds pat
   if (count == 0) return std::nullopt;
   return std::string_view(state_->bytes.data(), static_cast<std::size_t>(count));
 }
+
+int ChildProcess::ReadEnd() const noexcept { return *state_->read_end; }
 
 void ChildProcess::Stop() noexcept {
   if (state_->process <= 0) return;

@@ -20,10 +20,13 @@ constexpr std::string_view kCompoundFile = "\xD0\xCF\x11\xE0";  // of older vers
 constexpr std::string_view kXmlSpreadsheet = "urn:schemas-microsoft-com:office:spreadsheet";
 constexpr std::string_view kOpenDocument = "urn:oasis:names:tc:opendocument:xmlns:office";
 
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kXml = "<?xml";
+constexpr std::size_t kPrologue = 4096;
+
 bool IsXmlWith(std::string_view beginning, std::string_view name_space) {
-  constexpr std::size_t kPrologue = 4096;
   beginning = beginning.substr(0, kPrologue);
-  return beginning.starts_with("<?xml") && beginning.find(name_space) != std::string_view::npos;
+  return beginning.starts_with(kXml) && beginning.find(name_space) != std::string_view::npos;
 }
 
 constexpr std::size_t kMaxCellLength = 32'767;  // in units of UTF-16
@@ -46,11 +49,13 @@ std::string_view CutToCell(std::string_view text) {
   return text;
 }
 
+std::string_view WithoutMark(std::string_view bytes) {
+  return bytes.substr(bytes.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0);
+}
+
 // XML without what may stand before it.
 std::string_view XmlOf(std::string_view bytes) {
-  constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-  if (bytes.starts_with(kUtf8Mark)) bytes.remove_prefix(kUtf8Mark.size());
-  return WithoutBlanks(bytes);
+  return WithoutBlanks(WithoutMark(bytes));
 }
 
 void ReadCompoundFile(std::string_view bytes, SheetSink& sink) {
@@ -65,6 +70,15 @@ bool IsWorkbook(std::string_view beginning) {
   const auto xml = XmlOf(beginning);
   return beginning.starts_with(kZip) || beginning.starts_with(kCompoundFile) ||
          IsXmlWith(xml, kXmlSpreadsheet) || IsXmlWith(xml, kOpenDocument);
+}
+
+bool MayBeWorkbook(std::string_view beginning) {
+  if (IsWorkbook(beginning)) return false;
+  const auto xml = WithoutMark(beginning);
+  if (xml.starts_with(kXml)) return xml.size() < kPrologue;
+  const auto begins = [](std::string_view whole, std::string_view part) { return whole.starts_with(part); };
+  return begins(kXml, xml) || begins(kUtf8Mark, beginning) || begins(kZip, beginning) ||
+         begins(kCompoundFile, beginning);
 }
 
 void ReadWorkbook(std::string_view bytes, SheetSink& sink) {

@@ -22,10 +22,14 @@ class SheetSink {
   virtual void Row(int32_t row, std::span<const std::string> cells) = 0;
   // How much of all has been read, 0 to 1; now and then.
   virtual void Progress(double) {}
+  // What was read is no workbook but a text: its next part, as it stands.
+  virtual void Text(std::string_view) {}
 };
 
 // Whether the first bytes of a file are those of a workbook, also one that can not be read.
 bool IsWorkbook(std::string_view beginning);
+// Whether they are not, and more bytes could make them so.
+bool MayBeWorkbook(std::string_view beginning);
 
 // Throws std::exception with the reason when it can not be read.
 void ReadWorkbook(std::string_view bytes, SheetSink& sink);
