@@ -196,7 +196,7 @@ void Tables::OfferRecovery() {
       if (!recovery || recovery->edits.empty()) continue;
       auto question = Text(u"Terminal.Recovery.Question", u"%1: unsaved changes: %2. Restore them?",
                            {FileName(*document), ToText(static_cast<int32_t>(recovery->edits.size()))});
-      if (recovery->stamp != FileStamp::Of(document->Path())) {
+      if (recovery->stamp != FileStamp::Of(document->Path()) || recovery->stamp == FileStamp()) {
         question += u' ' + Text(u"Terminal.Recovery.Changed", u"The file has changed since.");
       }
       const auto answer = windows_.Choose(

@@ -118,6 +118,7 @@ CsvFile::Reading CsvFile::ReadRows(const RowSink& sink) {
   }
   // A long record that is not there yet is tried again once twice as much of it is: a cell may be most of
   // the file.
+  if (next_ == start && end - start > kMaxRecord) text_.Fail("A row of more than 64 MiB");
   if (next_ == start) wanted_ = end - start < TextReader::kPiece ? end + 1 : start + 2 * (end - start);
   return text_.IsWhole() && next_ == end ? Reading::Done : Reading::More;
 }

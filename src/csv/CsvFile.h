@@ -25,6 +25,8 @@ class CsvFile {
   // The size of a sheet.
   static constexpr std::size_t kMaxRows = 1'048'576;
   static constexpr std::size_t kMaxColumns = RecordReader::kMaxColumns;
+  // Bytes of a record, which is in memory as a whole: no cell of a sheet holds nearly as many.
+  static constexpr std::size_t kMaxRecord = 1 << 26;
 
   // The cells of one row, valid during the call only. An empty line is a row of one empty cell.
   using RowSink = std::function<void(std::span<const std::string_view> cells)>;

@@ -19,6 +19,12 @@
 namespace rowlark {
 namespace {
 
+InputOptions Within(std::uint64_t memory) {
+  InputOptions options;
+  options.memory = MemoryBound(memory);
+  return options;
+}
+
 using namespace std::string_literals;
 using Reason = SaveRefused::Reason;
 
@@ -338,7 +344,7 @@ TEST(Loader, TellsAProcessThatEndsFromTheEndOfTheFile) {
       sink.Row(2, cells);
       end();
     };
-    const auto loader = LoadSheets("book", read, {.memory = MemoryBound(64 << 20)});
+    const auto loader = LoadSheets("book", read, Within(64 << 20));
     std::string outcome = "loaded";
     try {
       while (loader->Step(*book)) {
@@ -367,7 +373,7 @@ TEST(Document, LoadsWhatTheMemoryHolds) {
   std::string csv;
   for (int i = 0; i < 100'000; ++i) csv += "some text,more\n";
   for (const auto& path : {folder.Write("large.ods", ods), folder.Write("large.csv", csv)}) {
-    Document document(MakeRef<standalone::Application>(), path, u"large", {.memory = MemoryBound(4 << 20)});
+    Document document(MakeRef<standalone::Application>(), path, u"large", Within(4 << 20));
     std::string reason;
     try {
       while (document.Step()) {
