@@ -135,7 +135,7 @@ void TextReader::ReadOn(std::size_t size) {
     begun_ = true;
     FindEncoding(bytes);
     bytes.erase(0, mark_size_);
-    if (!IsUtf16(encoding_)) text_ = std::move(bytes);
+    if (!IsUtf16(encoding_)) text_ = std::exchange(bytes, {});
   }
   if (IsUtf16(encoding_)) AppendUtf16(bytes);
   Check();
