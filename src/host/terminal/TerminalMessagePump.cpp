@@ -33,6 +33,7 @@ void TerminalMessagePump::ProcessMessages() noexcept {
     while (const auto input = screen_.Read()) {
       input_left_ = stale_ = true;
       Attempt(trace_, [&] { OnInput(*input); });
+      stale_ = true;  // it may have been drawn meanwhile: a question was asked
     }
   });
   input_left_ = false;
