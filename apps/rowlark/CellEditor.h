@@ -1,4 +1,4 @@
-// A line in which the user edits the active cell.
+// A line in which the user edits the active cell. Ctrl+Z brings back the text that it began with.
 #pragma once
 
 #include <functional>
@@ -23,7 +23,10 @@ class CellEditor final : public controls::Form {
       : Form(kName, trace) {
     SetCaption(address);
     box_.SetText(text);
-    KeyDown = [this, ended = std::move(ended)](int32_t& key, int32_t) {
+    KeyDown = [this, before = std::u16string(text), ended = std::move(ended)](int32_t& key, int32_t shift) {
+      if (key == u'Z' && shift == controls::kCtrl) {
+        return box_.UserTyped(before, static_cast<int32_t>(before.size()));
+      }
       const auto end = key == controls::kKeyReturn ? End::Down
                        : key == controls::kKeyTab  ? End::Right
                                                    : End::Cancelled;

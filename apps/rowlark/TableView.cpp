@@ -115,6 +115,12 @@ void TableView::FreezeColumns() {
   reveal_ = true;
 }
 
+bool TableView::IsAtEnd() const {
+  const auto bounds = view_.Bounds();
+  return view_.Cursor().At().row >=
+         std::min(StepRows(Sheet(), bounds.last_row + 1, -1, bounds), bounds.last_row);
+}
+
 void TableView::UseMouse(const terminal::MouseAction& action) {
   using Kind = terminal::MouseAction::Kind;
   constexpr int32_t kWheel = 3;  // rows

@@ -23,6 +23,8 @@ class TableView {
   // Moves the active cell or, with Shift, what is selected. False for keys that do neither.
   bool Navigate(const terminal::KeyPress& press);
   void UseMouse(const terminal::MouseAction& action);
+  // Whether the cursor is in the last visible row.
+  bool IsAtEnd() const;
   sheetview::Cell At() const { return view_.Cursor().At(); }
   void GoTo(sheetview::Cell cell);
   // So much wider; narrower below 0.

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -27,8 +28,9 @@ class Tables {
 
   // The document shows its first rows; the last one opened is the active one. Throws std::runtime_error.
   void Open(const std::filesystem::path& path, const InputOptions& options);
-  // Offers what earlier sessions left unsaved.
-  void OfferRecovery();
+  // From now on edits are kept until they are saved. Offers what earlier sessions left unsaved, and says
+  // which documents are open elsewhere and which can not be saved where they are.
+  void KeepEdits();
 
   Document& Active() const { return *documents_[active_]; }
   TableView& View();
@@ -45,26 +47,52 @@ class Tables {
   bool Load();
   bool TakeLoaded() { return std::exchange(loaded_, false); }
   bool IsLoading() const;
-  void StopLoading() const { Active().Stop(); }
+  void StopLoading();
+  // Of the active document, while it is being read; but not where it is read anew unasked.
+  std::optional<double> LoadingFraction() const;
 
-  // Saves the active document, asking what there is to ask; false when it was not saved.
-  bool Save();
-  // Asks for every document with changes; false when the program is to go on.
+  // Saves the active document, asking what there is to ask, also where to when that is left open. The path;
+  // nothing when it was not saved.
+  std::optional<std::filesystem::path> Save() { return Save(Active()); }
+  std::optional<std::filesystem::path> SaveAs() { return SaveAs(Active()); }
+  // Asks for every document with changes; false when the program is to go on. Otherwise what was not saved is
+  // wanted no more.
   bool MayQuit();
-  // Keeps the changes for the next session.
-  void KeepChanges() noexcept;
+  // Nobody can be asked: the changes are kept for the next session. What there is to say about it, a line
+  // each.
+  std::vector<std::u16string> KeepChanges();
+
+  // Looks, once a second, whether files have changed. Unless they have been edited here, those that did are
+  // read anew when `follow` is set.
+  static constexpr uint32_t kWatch = 1000;  // milliseconds
+  void Watch(bool follow);
+  // What is to be known about the active document all the time; may be empty.
+  std::vector<std::u16string> Notices() const;
+  // Reads the active document anew, asking what becomes of its edits; it shows as it is until that is done.
+  // False for what can be read once only.
+  bool Reload();
+  // Puts what has been read anew in its place; true when the active document is another one now.
+  bool FinishReload();
 
  private:
   std::u16string Text(std::u16string_view key, std::u16string_view text,
                       std::initializer_list<std::u16string> with = {}) const {
     return program_.Runtime().Language().GetText(key, text, with);
   }
-  bool Save(Document& document);
-  // Something that may take long: how far it is shows, and the user can stop it. What `work` returns.
-  bool Run(const Document& document, std::u16string_view key, std::u16string_view text,
-           const std::function<bool(const Document::Progress& progress)>& work);
+  std::optional<std::filesystem::path> Save(Document& document, SaveOptions options = {});
+  std::optional<std::filesystem::path> SaveAs(Document& document);
+  // What takes long, with a form that tells how far it is and can stop it.
+  using Work = std::function<bool(const Document::Progress& progress)>;
+  bool Run(const Document& document, const std::function<std::u16string(double fraction)>& tell,
+           const Work& work);
+  void Offer(Document& document, Leftovers::Left& left);
+  // Makes edits again and tells of those that can not be; false when not all of them were made.
+  bool Recover(Document& document, const std::vector<Recovery::Edit>& edits);
+  bool Reloading() const { return reload_.document != nullptr; }
+  void StartReload(std::size_t document, bool keeps_edits, bool quietly);
+  void MovePlace(Document& from, Document& to);
   void Activate(std::size_t document);
-  std::filesystem::path RecoveryFolder() const;
+  Folders RecoveryFolders() const;
 
   Program& program_;
   terminal::TerminalMessagePump& pump_;
@@ -73,6 +101,27 @@ class Tables {
   std::size_t active_ = 0;
   std::map<const standalone::Worksheet*, TableView> views_;
   bool loaded_ = false;
+  std::vector<InputOptions> inputs_;  // what each of them was opened with
+  // What was last seen of the file of a document.
+  struct Seen {
+    bool changed = false;
+    bool read_only = false;
+    friend bool operator==(const Seen&, const Seen&) = default;
+  };
+  static Seen See(const Document& document);
+  std::vector<Seen> seen_;
+  uint32_t watched_ = 0;
+  // A document that is read anew.
+  struct Rereading {
+    std::size_t of = 0;
+    std::unique_ptr<Document> document;
+    bool keeps_edits = true;
+    bool quietly = false;  // nobody is told that it can not be read
+    uint64_t edits = 0;    // that had been made before
+    uint32_t began = 0;
+  };
+  Rereading reload_;
+  uint32_t next_follow_ = 0;
 };
 
 }  // namespace rowlark

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <functional>
 #include <limits>
 #include <utility>
 
@@ -78,19 +80,36 @@ int TerminalProgram::Run(const TerminalArguments& arguments) {
   auto& runtime = program_.Runtime();
   runtime.MenuCreate();
   AssignHotKeys(*program_.Host(), HotKeys(program_.Items()), program_.Trace());
-  tables_.OfferRecovery();
+  tables_.KeepEdits();
+  follow_ = at_end_ = arguments.follow;
   while (!status_) {
     pump_.ProcessMessages();
     if (status_) break;
+    tables_.Watch(follow_);
     const bool loading = tables_.Load();
-    if (tables_.TakeLoaded()) EndLoading();
+    UseNewRows();
     const bool busy = loading || CountMatches();
     if (!loading && tables_.IsLoading()) pump_.Invalidate();  // rows may have come before the pause
-    pump_.WaitForInput(busy ? 0 : std::numeric_limits<uint32_t>::max());
+    pump_.WaitForInput(busy ? 0 : Tables::kWatch);
     if (busy) pump_.Invalidate();
   }
   program_.Save();
+  if (!farewell_.empty()) screen_.Leave();
+  for (const auto& line : farewell_) std::fprintf(stderr, "rowlark: %s\n", ToUtf8(line).c_str());
   return *status_;
+}
+
+// A form that waits for the user may have a cell of the table in its hands.
+void TerminalProgram::UseNewRows() {
+  const auto& forms = program_.Forms();
+  const bool may_replace = !(editor_ && editor_->Loaded()) && !forms.Edit() && !forms.Options();
+  const bool reloaded = may_replace && tables_.FinishReload();
+  if (reloaded) highlight_ = {};
+  if (tables_.TakeLoaded() || reloaded) EndLoading();
+  if (at_end_ && !tables_.View().IsAtEnd()) {
+    tables_.View().Navigate({kKeyDown, kCtrl});
+    pump_.Invalidate();
+  }
 }
 
 void TerminalProgram::NextTable(int32_t step) {
@@ -109,10 +128,31 @@ void TerminalProgram::EndLoading() {
   }
 }
 
-void TerminalProgram::Save() {
-  const auto path = Shown(tables_.Active().SavePath());
-  if (tables_.Save())
-    message_ = program_.Runtime().Language().GetText(u"Terminal.Save.Saved", u"Saved: %1", path);
+void TerminalProgram::Save(bool elsewhere) {
+  const auto path = elsewhere ? tables_.SaveAs() : tables_.Save();
+  if (!path) return;
+  message_ = program_.Runtime().Language().GetText(u"Terminal.Save.Saved", u"Saved: %1", Shown(*path));
+}
+
+// The cell shows, so that the user sees what happens.
+void TerminalProgram::Repeat(bool undo) {
+  try {
+    const auto place = undo ? tables_.Active().Undo() : tables_.Active().Redo();
+    if (!place) {
+      message_ = undo ? Text(u"Terminal.Edit.NoUndo", u"Nothing to undo")
+                      : Text(u"Terminal.Edit.NoRedo", u"Nothing to redo");
+      return;
+    }
+    const auto [sheet, row, column] = *place;
+    tables_.Active().Workbook()->ActivateSheet(sheet);
+    sheet->Select({Block::OfCell(row, column)}, {row, column});
+  } catch (const host::Error& error) {
+    windows_.MsgBox(error.Description(), host::MsgBoxIcon::Exclamation, kProductTitle);
+  }
+}
+
+void TerminalProgram::Reload() {
+  if (!tables_.Reload()) message_ = Text(u"Terminal.Reload.Once", u"This can be read once only");
 }
 
 // The active cell, which may be another one when the user has ended.
@@ -208,12 +248,11 @@ void TerminalProgram::GoToMatch(bool back) {
 
 void TerminalProgram::AskForCell() {
   if (editor_ && editor_->Loaded()) return;
-  editor_ = MakeRef<CellEditor>(
-      Text(u"Terminal.GoTo.Caption", u"Go to a row or cell"), u"",
-      [this](CellEditor::End end, const std::u16string& place) {
-        if (end != CellEditor::End::Cancelled) GoTo(place);
-      },
-      program_.Trace());
+  const auto ended = [this](CellEditor::End end, const std::u16string& place) {
+    if (end != CellEditor::End::Cancelled) GoTo(place);
+  };
+  editor_ = MakeRef<CellEditor>(Text(u"Terminal.GoTo.Caption", u"Go to a row or cell"), u"", ended,
+                                program_.Trace());
   editor_->Open(windows_);
 }
 
@@ -336,15 +375,23 @@ bool TerminalProgram::RunHotKey(const KeyPress& press) {
 
 void TerminalProgram::ShowMenu() {
   std::vector<terminal::ListForm::Entry> entries;
-  std::vector<std::u16string> macros;
+  std::vector<std::function<void()>> actions;
+  const auto add = [&](std::u16string_view caption, std::function<void()> action) {
+    entries.push_back({PlainCaption(caption), Accelerator(caption)});
+    actions.push_back(std::move(action));
+  };
   for (const auto& menu : program_.Host()->WorksheetMenuBar()->Controls()) {
     for (const auto& button : menu->Controls()) {
-      entries.push_back({PlainCaption(button->Caption()), Accelerator(button->Caption())});
-      macros.push_back(button->OnAction());
+      add(button->Caption(), [this, macro = std::u16string(button->OnAction())] { RunMacro(macro); });
     }
   }
+  add(Text(u"Terminal.Menu.SaveAs", u"Sa&ve as..."), [this] { Save(true); });
+  add(Text(u"Terminal.Menu.Undo", u"&Undo"), [this] { Repeat(true); });
+  add(Text(u"Terminal.Menu.Redo", u"&Redo"), [this] { Repeat(false); });
+  add(Text(u"Terminal.Menu.Reload", u"Re&load the file"), [this] { Reload(); });
+  add(Text(u"Terminal.Menu.Shell", u"&Back to the shell for a while"), [this] { pump_.Suspend(); });
   const int32_t chosen = windows_.ChooseFrom(entries, 0, {1, screen_.Size().height - 1});
-  if (chosen >= 0) RunMacro(macros[static_cast<std::size_t>(chosen)]);
+  if (chosen >= 0) actions[static_cast<std::size_t>(chosen)]();
 }
 
 void TerminalProgram::ShowKeys() {
@@ -363,8 +410,8 @@ void TerminalProgram::ShowKeys() {
                        u"Ctrl+Shift+F - show all rows\\n"
                        u"Alt+Left, Right, H, U - narrower, wider, hide a column, show all\\n"
                        u"Alt+F, Alt+C, Ctrl+Insert - freeze columns, copy as..., copy\\n"
-                       u"Ctrl+S - save\\n"
-                       u"Ctrl+Z - back to the shell for a while\\n"
+                       u"Ctrl+S, F12, F5 - save, save as, read anew\\n"
+                       u"Ctrl+Z, Ctrl+Y - undo, redo\\n"
                        u"Ctrl+Q, Ctrl+C - quit"),
                   host::MsgBoxIcon::Exclamation, kProductTitle);
 }
@@ -378,7 +425,7 @@ void TerminalProgram::Quit() {
 
 // Nobody can be asked any more.
 void TerminalProgram::EndBySignal(int signal) {
-  tables_.KeepChanges();
+  Attempt(program_.Trace(), [this] { farewell_ = tables_.KeepChanges(); });
   End(128 + signal);
 }
 
@@ -394,13 +441,19 @@ bool TerminalProgram::Navigate(const KeyPress& press) {
     tables_.View().KeepSelection();
     return true;
   }
-  return tables_.View().Navigate(press);
+  const bool moved = tables_.View().Navigate(press);
+  if (moved) at_end_ = follow_ && tables_.View().IsAtEnd();
+  return moved;
 }
 
 void TerminalProgram::Press(const KeyPress& press) {
   message_.clear();
   if (press.Is(kKeyEscape)) return tables_.StopLoading();
-  if (press.Is(u'S', kCtrl)) return Save();
+  if (press.Is(u'S', kCtrl)) return Save(false);
+  if (press.Is(FKey(12))) return Save(true);
+  if (press.Is(u'Z', kCtrl)) return Repeat(true);
+  if (press.Is(u'Y', kCtrl)) return Repeat(false);
+  if (press.Is(FKey(5))) return Reload();
   if (press.Is(FKey(1)) || press.character == U'?') return ShowKeys();
   if (press.Is(FKey(7)) || press.Is(terminal::kKeyPageDown, kCtrl)) return NextTable(1);
   if (press.Is(terminal::kKeyPageUp, kCtrl)) return NextTable(-1);
@@ -423,7 +476,10 @@ void TerminalProgram::Press(const KeyPress& press) {
 
 void TerminalProgram::Paste(std::u16string_view text) { StartSearch(text); }
 
-void TerminalProgram::UseMouse(const terminal::MouseAction& action) { tables_.View().UseMouse(action); }
+void TerminalProgram::UseMouse(const terminal::MouseAction& action) {
+  tables_.View().UseMouse(action);
+  at_end_ = follow_ && tables_.View().IsAtEnd();
+}
 
 std::u16string TerminalProgram::Text(std::u16string_view key, std::u16string_view text) const {
   return program_.Runtime().Language().GetText(key, text);
@@ -488,8 +544,8 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
   constexpr int32_t kLeast = 34;  // cells for the table
   std::vector<std::u16string> parts{CountRows()};
   const auto& document = tables_.Active();
-  if (document.LoadState() == Document::State::Loading) {
-    const auto percent = static_cast<int32_t>(document.Fraction() * 100);
+  if (const auto fraction = tables_.LoadingFraction()) {
+    const auto percent = static_cast<int32_t>(*fraction * 100);
     auto& language = program_.Runtime().Language();
     parts = {percent > 0
                  ? language.GetText(u"Terminal.Status.Loading", u"Loading: %1 of 100 - Escape stops",
@@ -516,6 +572,7 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
   right += u' ';
   std::u16string left = u" " + tables_.Name();
   if (!message_.empty()) left += u" │ " + message_;
+  for (const auto& notice : tables_.Notices()) left += u" │ " + notice;
   Attempt(program_.Trace(), [&] {
     const auto cell = Require(program_.Host()->ActiveCell());
     left += u" │ " + PlainAddress(*cell) + u" " + cell->Value();

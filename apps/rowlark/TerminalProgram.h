@@ -23,6 +23,7 @@ struct TerminalArguments {
   int32_t head_rows = 1;
   InputOptions input;
   int standard_input = -1;  // what it is, where keys come from elsewhere
+  bool follow = false;      // keep to the end of files that grow
 };
 
 // The help there is: a list of the keys.
@@ -59,7 +60,11 @@ class TerminalProgram final : public terminal::Desktop {
  private:
   void NextTable(int32_t step);
   void Edit();
-  void Save();
+  void Save(bool elsewhere);
+  void Repeat(bool undo);
+  void Reload();
+  // What has been read in the meantime comes to show.
+  void UseNewRows();
   void EndLoading();
 
   // Whether what was searched for last is marked in the table.
@@ -113,7 +118,10 @@ class TerminalProgram final : public terminal::Desktop {
   std::u16string searched_;            // the text of the last search
   Highlight highlight_;
   std::optional<Matches> matches_;
-  std::optional<int> status_;  // the exit status, once the program ends
+  bool follow_ = false;
+  bool at_end_ = false;                   // the cursor keeps to the last row
+  std::optional<int> status_;             // the exit status, once the program ends
+  std::vector<std::u16string> farewell_;  // what is said then
 
   struct Count {
     const standalone::Worksheet* sheet = nullptr;

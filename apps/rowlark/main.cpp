@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <functional>
@@ -144,6 +145,7 @@ class CommandLine {
         ->type_name("");
     AddHeader(app_, "rows that are the table's head: always shown, never searched (default: 1)");
     AddInput(app_);
+    app_.add_flag("--follow", table_.follow, "keep to the end of files that grow");
     AddCommon(app_);
     AddSearch();
     AddProfiles();
@@ -349,6 +351,8 @@ int Fail(std::string_view reason) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  // A file that may not grow any further is an error like others.
+  std::signal(SIGXFSZ, SIG_IGN);
   try {
     return CommandLine().Run(argc, argv);
   } catch (const rowlark::host::Error& error) {

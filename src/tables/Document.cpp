@@ -6,6 +6,7 @@
 
 #include "csv/CsvWriter.h"
 #include "util/FileSystemPlatform.h"
+#include "util/Scope.h"
 #include "util/Utf.h"
 
 namespace rowlark {
@@ -80,8 +81,16 @@ bool WriteFile(const std::filesystem::path& path, Writer& writer, const Document
 
 Document::Document(Ref<standalone::Application> host, const std::filesystem::path& path,
                    std::u16string_view full_name, const InputOptions& options)
-    : path_(path), stamp_(FileStamp::Of(path)), loader_(OpenLoader(path, options)), host_(std::move(host)) {
+    : path_(path),
+      stamp_(FileStamp::Of(path)),
+      source_(path),
+      source_stamp_(stamp_),
+      loader_(OpenLoader(path, options)),
+      host_(std::move(host)) {
   workbook_ = host_->AddWorkbook(full_name);
+  changes_ =
+      workbook_->OnSheetChange([this](standalone::Worksheet& sheet, int32_t row, int32_t column,
+                                      const std::string& before) { Changed(sheet, row, column, before); });
   for (const auto& sheet : Sheets()) sheet->SetLoading(true);
   try {
     Step();
@@ -124,8 +133,11 @@ standalone::Worksheet& Document::ActiveSheet() const {
 
 std::string Document::RowText(const standalone::Worksheet& sheet, int32_t row) {
   CsvFile* const csv = loader_->Csv();
-  const auto edit = sheet.Changes().lower_bound({row, 1});
-  const bool is_edited = edit != sheet.Changes().end() && edit->first.row == row;
+  bool is_edited = false;
+  for (auto edit = sheet.Changes().lower_bound({row, 1});
+       edit != sheet.Changes().end() && edit->first.row == row; ++edit) {
+    is_edited |= edit->second.loaded != edit->second.text;
+  }
   const auto index = static_cast<std::size_t>(row) - 1;
   if (csv != nullptr && !is_edited && index < csv->RowCount()) return csv->RowText(index);
 
@@ -142,15 +154,81 @@ std::string_view Document::LineEnd() const {
   return loader_->Csv() != nullptr ? loader_->Csv()->LineEnd() : "\n";
 }
 
-bool Document::IsModified() const {
-  for (std::size_t i = 0; i < Sheets().size(); ++i) {
-    if (Sheets()[i]->Edits() != (i < saved_edits_.size() ? saved_edits_[i] : 0)) return true;
+// Calls visit(cell, text) for the cells of a sheet whose texts are not saved, as long as that returns true;
+// whether it always did.
+template <class Visit>
+bool Document::ForEachUnsaved(const standalone::Worksheet& sheet, Visit visit) const {
+  const auto saved = saved_.find(&sheet);
+  for (const auto& [cell, change] : sheet.Changes()) {
+    const std::string* before = change.loaded ? &*change.loaded : nullptr;
+    if (saved != saved_.end()) {
+      const auto text = saved->second.texts.find(cell);
+      if (text != saved->second.texts.end()) before = &text->second;
+    }
+    const bool is_saved = before != nullptr && *before == change.text;
+    if (!is_saved && !visit(cell, change.text)) return false;
   }
-  return false;
+  return true;
+}
+
+std::vector<Recovery::Edit> Document::Unsaved() const {
+  std::vector<Recovery::Edit> edits;
+  for (const auto& sheet : Sheets()) {
+    ForEachUnsaved(*sheet, [&](const standalone::Cell& cell, const std::string& text) {
+      edits.push_back({sheet->Name(), cell.row, cell.column, ToUtf16(text)});
+      return true;
+    });
+  }
+  return edits;
+}
+
+bool Document::IsModified(const standalone::Worksheet& sheet) const {
+  return !ForEachUnsaved(sheet, [](const auto&, const auto&) { return false; });
+}
+
+bool Document::IsModified() const {
+  return std::ranges::any_of(Sheets(), [this](const auto& sheet) { return IsModified(*sheet); });
+}
+
+void Document::Changed(standalone::Worksheet& sheet, int32_t row, int32_t column, const std::string& before) {
+  const std::string after(sheet.Text().Cell(row, column));
+  if (!repeating_) {
+    edits_.resize(made_);
+    edits_.push_back({{Ref(&sheet), row, column}, before, after});
+    made_ = edits_.size();
+  }
+  if (!kept_ || recovering_) return;
+  if (kept_->Continues() && IsModified()) {
+    kept_->Append({sheet.Name(), row, column, ToUtf16(after)});
+  } else {
+    KeepAll();
+  }
+}
+
+std::optional<Document::Place> Document::Repeat(const Edit& edit, const std::string& text) {
+  const ScopedFlag repeating(repeating_);
+  edit.place.sheet->Cells(edit.place.row, edit.place.column)->SetValue(ToUtf16(text));
+  return edit.place;
+}
+
+std::optional<Document::Place> Document::Undo() {
+  if (made_ == 0) return std::nullopt;
+  const auto place = Repeat(edits_[made_ - 1], edits_[made_ - 1].before);
+  --made_;
+  return place;
+}
+
+std::optional<Document::Place> Document::Redo() {
+  if (made_ == edits_.size()) return std::nullopt;
+  const auto place = Repeat(edits_[made_], edits_[made_].after);
+  ++made_;
+  return place;
 }
 
 std::filesystem::path Document::SavePath() const {
   if (loader_->IsPlain()) return path_;
+  const auto saved = saved_.find(&ActiveSheet());
+  if (saved != saved_.end()) return saved->second.path;
   std::error_code failed;
   if (!std::filesystem::is_regular_file(path_, failed)) {
     return path_ == "-" ? "stdin.csv" : path_.filename().concat(".csv");
@@ -174,89 +252,116 @@ bool Document::Save(const SaveOptions& options, const Progress& progress) {
     if (progress && !progress(0)) return false;
   }
   const auto path = options.path.empty() ? SavePath() : options.path;
-  CsvFile* const csv = loader_->Csv();
-  const bool changed = ChangedOnDisk();
+  const bool is_plain = loader_->IsPlain();
+  const auto is_same = [](const std::filesystem::path& one, const std::filesystem::path& other) {
+    std::error_code missing;
+    return one == other || std::filesystem::equivalent(one, other, missing);
+  };
+  standalone::Worksheet& sheet = ActiveSheet();
+  const auto saved = saved_.find(&sheet);
+  // The file as this document knows it; without one, any that is there is somebody else's.
+  std::optional<FileStamp> known;
+  if (is_plain && is_same(path, path_)) known = stamp_;
+  if (!is_plain && saved != saved_.end() && is_same(path, saved->second.path)) known = saved->second.stamp;
   std::error_code missing;
-  const bool is_own =
-      loader_->IsPlain() && (path == path_ || std::filesystem::equivalent(path, path_, missing));
-  if (is_own && changed && !options.overwrite) {
+  if (!options.overwrite && known && FileStamp::Of(path) != *known) {
     throw SaveRefused(SaveRefused::Reason::FileChanged, path.string() + ": Changed by another program");
   }
-  if (!is_own && !options.overwrite && std::filesystem::exists(path, missing)) {
+  if (!options.overwrite && !known && std::filesystem::exists(path, missing)) {
     throw SaveRefused(SaveRefused::Reason::FileExists, path.string() + ": The file exists");
   }
-  // Once the file has changed, the places of its records are not those that were read.
-  keeps_records_ = keeps_records_ && !(changed && loader_->IsPlain());
+  const bool as_utf8 = options.as_utf8 || saved_as_utf8_;
+  if (!Write(path, as_utf8, progress)) return false;
 
-  standalone::Worksheet& sheet = ActiveSheet();
-  const bool as_utf8 = options.as_utf8 || (is_own && saved_as_utf8_);
-  bool is_done = false;
-  if (csv != nullptr && keeps_records_) {
-    CsvRewriter::Edits edits;
-    for (const auto& [cell, text] : sheet.Changes()) {
-      edits[static_cast<std::size_t>(cell.row) - 1][static_cast<std::size_t>(cell.column) - 1] = text;
-    }
-    CsvRewriter writer(*csv, std::move(edits), as_utf8);
-    is_done = WriteFile(path, writer, progress);
-  } else {
-    if (state_ == State::Stopped) {
-      throw std::runtime_error(path_.string() + ": Not loaded to its end" +
-                               (csv != nullptr ? ", and changed by another program" : ""));
-    }
-    CsvFormat format;
-    if (csv != nullptr) format = FormatOf(*csv, as_utf8);
-    SheetWriter writer(sheet.Text(), format);
-    is_done = WriteFile(path, writer, progress);
+  const auto stamp = FileStamp::Of(path);
+  if (is_same(path, source_)) source_stamp_ = stamp;
+  Saved& now = saved_[&sheet];
+  now = {{}, path, stamp};
+  for (const auto& [cell, change] : sheet.Changes()) now.texts[cell] = change.text;
+  saved_as_utf8_ = as_utf8;
+  if (is_plain) {
+    const bool moves = !is_same(path, path_);
+    path_ = path;
+    stamp_ = stamp;
+    if (moves && kept_) kept_ = std::make_unique<RecoveryFile>(kept_->In(), path_);
   }
-  if (!is_done) return false;
-  if (is_own) {
-    stamp_ = FileStamp::Of(path_);
-    saved_as_utf8_ = as_utf8;
-  }
-  saved_edits_.resize(Sheets().size());
-  for (std::size_t i = 0; i < Sheets().size(); ++i) {
-    if (Sheets()[i].get() == &sheet) saved_edits_[i] = sheet.Edits();
-  }
+  KeepAll();
   return true;
 }
 
-void Document::WriteRecovery(const std::filesystem::path& folder) const {
-  if (!IsModified()) return;
-  Recovery recovery{path_, stamp_, {}, false};
-  for (const auto& sheet : Sheets()) {
-    for (const auto& [cell, text] : sheet->Changes()) {
-      recovery.edits.push_back({sheet->Name(), cell.row, cell.column, ToUtf16(text)});
+// The active sheet, into a file; false when `progress` stopped it.
+bool Document::Write(const std::filesystem::path& path, bool as_utf8, const Progress& progress) {
+  const auto& sheet = ActiveSheet();
+  CsvFile* const csv = loader_->Csv();
+  // Once the file has changed, the places of its records are not those that were read.
+  const bool changed = FileStamp::Of(source_) != source_stamp_;
+  keeps_records_ = keeps_records_ && !(changed && loader_->IsPlain());
+  if (csv != nullptr && keeps_records_) {
+    CsvRewriter::Edits edits;
+    for (const auto& [cell, change] : sheet.Changes()) {
+      if (change.text == change.loaded) continue;
+      edits[static_cast<std::size_t>(cell.row) - 1][static_cast<std::size_t>(cell.column) - 1] = change.text;
     }
+    CsvRewriter writer(*csv, std::move(edits), as_utf8);
+    return WriteFile(path, writer, progress);
   }
-  rowlark::WriteRecovery(RecoveryFile(folder, path_), recovery);
+  if (state_ == State::Stopped) {
+    throw std::runtime_error(path_.string() + ": Not loaded to its end" +
+                             (csv != nullptr ? ", and changed by another program" : ""));
+  }
+  CsvFormat format;
+  if (csv != nullptr) format = FormatOf(*csv, as_utf8);
+  SheetWriter writer(sheet.Text(), format);
+  return WriteFile(path, writer, progress);
 }
 
-std::optional<Recovery> Document::FindRecovery(const std::filesystem::path& folder) const {
-  return ReadRecovery(RecoveryFile(folder, path_), path_);
+Leftovers Document::KeepEdits(Folders folders) {
+  kept_ = std::make_unique<RecoveryFile>(std::move(folders), path_);
+  KeepAll();
+  return FindLeftovers(kept_->In(), path_, kept_->Path());
 }
 
-std::size_t Document::Recover(const Recovery& recovery) {
+void Document::KeepAll() {
+  if (!kept_) return;
+  if (const auto unsaved = Unsaved(); !unsaved.empty()) {
+    kept_->Write(stamp_, unsaved);
+  } else {
+    kept_->Clear();
+  }
+}
+
+void Document::KeepAgain() {
+  if (kept_ && IsModified() && !kept_->Continues()) KeepAll();
+}
+
+void Document::Discard() {
+  if (kept_) kept_->Remove();
+  kept_ = nullptr;
+}
+
+std::optional<std::size_t> Document::Recover(const std::vector<Recovery::Edit>& edits,
+                                             const Progress& progress) {
   while (Step()) {
+    if (progress && !progress(Fraction())) return std::nullopt;
   }
   std::size_t refused = 0;
-  for (const auto& edit : recovery.edits) {
-    const auto sheet = std::ranges::find(Sheets(), edit.sheet, [](const auto& s) { return s->Name(); });
-    try {
-      if (sheet == Sheets().end()) {
+  {
+    const ScopedFlag recovering(recovering_);
+    for (const auto& edit : edits) {
+      const auto sheet = std::ranges::find(Sheets(), edit.sheet, [](const auto& s) { return s->Name(); });
+      try {
+        if (sheet == Sheets().end()) {
+          ++refused;
+        } else {
+          (*sheet)->Cells(edit.row, edit.column)->SetValue(edit.text);
+        }
+      } catch (const host::Error&) {
         ++refused;
-      } else {
-        (*sheet)->Cells(edit.row, edit.column)->SetValue(edit.text);
       }
-    } catch (const host::Error&) {
-      ++refused;
     }
   }
+  KeepAll();
   return refused;
-}
-
-void Document::RemoveRecovery(const std::filesystem::path& folder) const {
-  std::error_code ignored;
-  std::filesystem::remove(RecoveryFile(folder, path_), ignored);
 }
 
 }  // namespace rowlark

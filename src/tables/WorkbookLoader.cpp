@@ -102,7 +102,8 @@ class WorkbookLoader final : public Loader {
                  const InputOptions& options)
       : path_(path),
         options_(options),
-        process_([&read](const ChildProcess::Write& write) { ReadAndTell(read, write); }, options.memory.OfReader()),
+        process_([&read](const ChildProcess::Write& write) { ReadAndTell(read, write); },
+                 options.memory.OfReader()),
         filler_(options.memory) {
     filler_.OnText = [this](std::string_view bytes) { AddText(bytes); };
   }

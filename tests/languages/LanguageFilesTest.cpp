@@ -34,13 +34,14 @@ const Language kLanguages[] = {
 
 // Captions that are on the screen together, by their keys.
 const std::regex kTogether[] = {
-    std::regex(R"(Menu\.(?!Root).*)"),
+    std::regex(R"((Terminal\.)?Menu\.(?!Root).*)"),
     std::regex(R"(Search\.UI\.(?!BtnMode\.Edit).*)"),  // the mode button goes to the cell
     std::regex(R"(Search\.UI\.(?!BtnMode\.Jump).*)"),  // or edits it
     std::regex(R"(Edit\.UI\..*)"),                     // also the buttons of every question
     std::regex(R"(Options\.UI\.Toolbar\..*\.Caption)"),
     std::regex(R"(Terminal\.Copy\..*)"),
     std::regex(R"(Terminal\.Save\..*|Edit\.UI\.BtnClose)"),
+    std::regex(R"(Terminal\.Reload\..*|Terminal\.Save\.Discard|Edit\.UI\.BtnClose)"),
     std::regex(R"(Terminal\.Recovery\..*|Terminal\.Save\.Discard)")};
 
 // The sources give these keys two default texts; this one is not the file's.

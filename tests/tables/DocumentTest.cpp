@@ -110,7 +110,7 @@ TEST(Document, SavesNothingButWhatWasEdited) {
     const auto path = folder.Write("table.csv", before);
     Opened document(path);
     for (const auto& [cell, text] : edits) document.Set(cell, text);
-    EXPECT_EQ(document.IsModified(), !edits.empty()) << before;
+    EXPECT_EQ(document.IsModified(), before != after) << before;
     EXPECT_TRUE(document.Save({}));
     EXPECT_EQ(Read(path), after) << before;
     EXPECT_FALSE(document.IsModified());
@@ -315,7 +315,9 @@ TEST(Document, OpensWorkbooksAndSavesThemAsCsv) {
   EXPECT_EQ(std::filesystem::status(document.SavePath()).permissions(),
             std::filesystem::status(folder.Write("any", "")).permissions());
   EXPECT_FALSE(document.IsModified());
-  EXPECT_EQ(document.Refusal(), Reason::FileExists);
+  EXPECT_EQ(document.Refusal(), std::nullopt);  // it is ours by now
+  folder.Write("book.T_wo.csv", "x");
+  EXPECT_EQ(document.Refusal(), Reason::FileChanged);
 
   for (const auto* bytes :
        {"PK\x03\x04", "PK\x03\x04garbage",
@@ -387,50 +389,141 @@ TEST(Document, LoadsWhatTheMemoryHolds) {
   }
 }
 
-TEST(Document, RecoversEdits) {
+TEST(Document, UndoesAndRedoesExactly) {
+  const TempFolder folder;
+  const std::string before = "a,\"b\"\r\nc";
+  const auto path = folder.Write("table.csv", before);
+  Opened document(path);
+  EXPECT_FALSE(document.Undo() || document.Redo());
+  document.Set(u"B1", u"x");
+  document.Set(u"D5", u"y");  // beyond the table
+  document.Set(u"B1", u"z");
+  const auto place = document.Undo();
+  EXPECT_TRUE(place && place->row == 1 && place->column == 2);
+  EXPECT_EQ(document.Get(u"B1"), "x");
+  EXPECT_TRUE(document.Undo() && document.Undo() && !document.Undo());
+  EXPECT_FALSE(document.IsModified());
+  EXPECT_TRUE(document.Save({}));
+  EXPECT_EQ(Read(path), before);
+  EXPECT_TRUE(document.Redo() && document.Redo() && document.IsModified());
+  document.Set(u"A1", u"new");  // what was taken back is gone
+  EXPECT_FALSE(document.Redo());
+  EXPECT_TRUE(document.Save({}));
+  EXPECT_EQ(Read(path), "new,x\r\nc\r\n\r\n\r\n,,,y");
+  // Now the saved text is the one without changes.
+  EXPECT_TRUE(document.Undo() && document.IsModified());
+  EXPECT_TRUE(document.Redo() && !document.IsModified());
+  // No row of a file that is still being read is changed twice.
+  std::string rows = "\xC3\xBC\n";
+  while (rows.size() < 3 * TextReader::kPiece) rows += "some text\n";
+  Opened late(folder.Write("late.csv", rows + "\xFC"), false);
+  late.Set(u"A1", u"x");
+  while (late.Step()) {
+  }
+  late.Set(u"A1", u"Ã¼");
+  EXPECT_FALSE(late.IsModified());
+}
+
+TEST(Document, SavesElsewhereAndStaysThere) {
+  const TempFolder folder;
+  std::string rows = "a,b\n";
+  while (rows.size() < 3 * TextReader::kPiece) rows += "\"some\",text\n";
+  const auto path = folder.Write("table.csv", rows);
+  const auto other = folder.Path() / "other.csv";
+  Opened document(path);
+  document.Set(u"A1", u"x");
+  EXPECT_TRUE(document.Save({.path = other}));
+  EXPECT_TRUE(Read(path) == rows && Read(other) == "x" + rows.substr(1));
+  EXPECT_EQ(document.SavePath(), other);
+  // What was read lies in the first file still.
+  folder.Write("table.csv", std::string(rows.size() + 1, 'x'));
+  document.Set(u"A1", u"y");
+  EXPECT_TRUE(document.Save({}));
+  EXPECT_TRUE(Read(other).starts_with("y,b\nsome,text\n"));
+  folder.Write("other.csv", "");
+  EXPECT_EQ(document.Refusal(), Reason::FileChanged);
+}
+
+TEST(Document, KeepsEditsThatAreNotSaved) {
   const TempFolder folder;
   const std::string name = "ta\\ble\xFF.csv";
   const auto path = "/" + folder.Write(name, "a,b\nc,d\n").string();
-  const auto recovery = folder.Path() / "set\\ti\xFFngs" / "rowlark";
+  const auto unfit = folder.Write("file", "") / "below";
+  const auto fit = folder.Path() / "set\\ti\xFFngs" / "rowlark";
+  const Folders folders = {unfit, fit};
+  const auto kept = [](const Opened& document) { return ParseRecovery(Read(document.KeptIn())); };
+  std::string bytes;
   {
     Opened document(path);
-    document.WriteRecovery(recovery);
-    EXPECT_EQ(document.FindRecovery(recovery), std::nullopt);  // no edits, no file
+    auto found = document.KeepEdits(folders);
+    EXPECT_TRUE(found.left.empty() && !found.is_open_elsewhere);
+    EXPECT_EQ(document.KeptIn().parent_path(), fit);
+    for (const auto& made : {fit, fit.parent_path(), document.KeptIn()}) {
+      EXPECT_EQ(std::filesystem::status(made).permissions() & std::filesystem::perms(077),
+                std::filesystem::perms::none);
+    }
     document.Set(u"A1", u"Ω\r\n\xD800");
-    document.Set(u"C9", u"");
+    EXPECT_EQ(kept(document).edits.size(), 1u);  // at once
     document.Set(u"C9", u"new");
+    document.Undo();
+    EXPECT_EQ(kept(document).edits.back().text, u"");
+    document.Undo();
+    EXPECT_EQ(Read(document.KeptIn()), "");  // nothing is to be kept
+    document.Redo();
+    std::filesystem::remove(document.KeptIn());  // others clean up
+    document.Redo();
     document.Set(u"B2", u"");
-    document.WriteRecovery(recovery);
+    EXPECT_EQ(kept(document).edits.size(), 3u);
+    // Another instance, by another name of the same file: it has a file of its own and leaves this one alone.
+    std::filesystem::create_symlink(path, folder.Path() / "link");
+    Opened second(folder.Path() / "link");
+    found = second.KeepEdits(folders);
+    EXPECT_TRUE(found.left.empty() && found.is_open_elsewhere);
+    EXPECT_NE(second.KeptIn(), document.KeptIn());
+    second.Set(u"A1", u"second");
+    EXPECT_TRUE(second.Save({}));
+    folder.Write(name, "a,b\nc,d\n");
+    bytes = Read(document.KeptIn());
   }
   Opened document(path);
-  const auto found = document.FindRecovery(recovery);
-  ASSERT_TRUE(found);
-  EXPECT_FALSE(found->damaged);
-  EXPECT_EQ(found->stamp, FileStamp::Of(path));
-  EXPECT_EQ(document.Recover(*found), 0u);
+  auto found = document.KeepEdits(folders);
+  ASSERT_TRUE(found.left.size() == 1 && !found.is_open_elsewhere);
+  const auto& recovery = found.left[0].recovery;
+  EXPECT_FALSE(recovery.damaged);
+  EXPECT_NE(recovery.stamp, FileStamp::Of(path));
+  EXPECT_EQ(document.Recover(recovery.edits), 0u);
   EXPECT_EQ(document.ActiveSheet().Range(u"A1")->Value(), u"Ω\r\n\xD800");
   EXPECT_EQ(document.Get(u"B2") + document.Get(u"C9"), "new");
-  EXPECT_TRUE(document.IsModified());
+  EXPECT_EQ(kept(document).edits.size(), 3u);  // here as well, and there until somebody removes it
+  EXPECT_EQ(Read(found.left[0].file.Path()), bytes);
+  EXPECT_EQ(document.Recover({{u"other", 1, 1, u"x"}}), 1u);
+  document.Discard();
+  EXPECT_EQ(document.KeptIn(), "");
 
-  // Cut off anywhere, it gives the edits before and says so.
-  const auto file = RecoveryFile(recovery, path);
-  for (const auto& made : {recovery, recovery.parent_path(), file}) {
-    EXPECT_EQ(std::filesystem::status(made).permissions() & std::filesystem::perms(077),
-              std::filesystem::perms::none);
-  }
-  EXPECT_EQ(RecoveryFile({}, path), "");
-  const auto bytes = Read(file);
+  // Cut off or changed anywhere, it gives the edits before; but for a cut between two of them it says so.
+  std::size_t silent = 0;
   for (std::size_t size = 0; size < bytes.size(); ++size) {
-    std::ofstream(file, std::ios::binary) << bytes.substr(0, size);
-    const auto damaged = document.FindRecovery(recovery);
-    ASSERT_TRUE(damaged && damaged->damaged) << size;
-    EXPECT_LT(damaged->edits.size(), 3u) << size;
+    const auto cut = ParseRecovery(bytes.substr(0, size));
+    EXPECT_LT(cut.edits.size(), 3u) << size;
+    silent += cut.damaged ? 0 : 1;
+    auto changed = bytes;
+    changed[size] = static_cast<char>(changed[size] ^ 1);
+    EXPECT_TRUE(ParseRecovery(changed).damaged) << size;
   }
-  folder.Write(name, "other content\n");
-  std::ofstream(file, std::ios::binary) << bytes;
-  EXPECT_NE(document.FindRecovery(recovery)->stamp, FileStamp::Of(path));
-  document.RemoveRecovery(recovery);
-  EXPECT_EQ(document.FindRecovery(recovery), std::nullopt);
+  EXPECT_EQ(silent, 3u);
+
+  // Of a workbook, what was saved in one sheet leaves the others' edits.
+  Opened book(folder.Write("book.xlsx", samples::Archive(samples::XlsxParts(
+                                            {{"One", "<row><c><v>1</v></c></row>"}, {"Two", ""}}))));
+  book.KeepEdits({fit});
+  book.Set(u"A1", u"one");
+  book.Sheets()[1]->Range(u"A1")->SetValue(u"two");
+  EXPECT_TRUE(book.Save({}));
+  ASSERT_EQ(kept(book).edits.size(), 1u);
+  EXPECT_EQ(kept(book).edits[0].sheet + kept(book).edits[0].text, u"Twotwo");
+  book.Workbook()->ActivateSheet(book.Sheets()[1]);
+  EXPECT_TRUE(book.Save({}));
+  EXPECT_EQ(Read(book.KeptIn()), "");
 }
 
 }  // namespace

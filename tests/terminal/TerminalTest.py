@@ -54,6 +54,7 @@ class Table(Session):
             self.assert_shows(terminal, picture)
             status = " t.csv │ A1 name".ljust(columns - len(search) - 1) + search
             self.assert_shows(terminal, status, rows - (1 if rows < 16 else 2))
+            terminal.close()
 
     def test_moves_and_scrolls_below_the_header(self):
         self.file("long.csv", "n,text\n" + "".join(f"{i},row {i}\n" for i in range(1, 2001)))
@@ -272,26 +273,74 @@ class Life(Session):
             self.assertEqual(terminal.end(), status)
             self.assert_restored(terminal)
 
-    def test_loses_no_changes(self):
-        def edit(terminal, text):
-            terminal.press("Down", "F2").wait("─ A2 ─").press(text, "Enter").wait("t.csv *")
-            return terminal
+    def edit(self, terminal, text):
+        terminal.wait("6 of 6 rows").press("Down", "F2").wait("─ A2 ─").press(text, "Enter").wait("t.csv *")
+        return terminal
 
-        edit(self.start().wait("6 of 6 rows"), "-1").press("C-s").wait("Saved: t.csv").press("C-q").end()
-        self.assertEqual((self.folder / "t.csv").read_text(), TABLE.replace("ann", "ann-1"))
-        terminal = edit(self.start().wait("6 of 6 rows"), "-2").press("C-q").wait("Save the changes in t.csv?")
+    def table(self, name="t.csv"):
+        return (self.folder / name).read_text(encoding="utf-8")
+
+    def recoveries(self, folder="config"):
+        return [file for file in (self.folder / folder).rglob("*.recovery") if file.stat().st_size]
+
+    def test_loses_no_changes(self):
+        self.edit(self.start(), "-1").press("C-s").wait("Saved: t.csv").press("C-q").end()
+        self.assertEqual(self.table(), TABLE.replace("ann", "ann-1"))
+        terminal = self.edit(self.start(), "-2").press("C-q").wait("Save the changes in t.csv?")
         terminal.press("Esc").wait_gone("Save the changes").kill(signal.SIGTERM)
         self.assertEqual(terminal.end(), 143)
-        self.assertEqual((self.folder / "t.csv").read_text(), TABLE.replace("ann", "ann-1"))
-        terminal = self.start().wait("t.csv: unsaved changes: 1. Restore them?").press("Enter").wait("ann-1-2")
-        terminal.press("C-q").wait("[ Discard").press("Right", "Enter")
-        self.assertEqual(terminal.end(), 0)
+        [kept] = self.recoveries()
+        self.assertIn(f"rowlark: t.csv: unsaved changes are kept in {kept}", terminal.output.replace("\r\n", ""))
+        # Whatever ends the question but Discard leaves them.
+        question = "t.csv: unsaved changes: 1. Restore them?"
+        for end in (lambda t: t.press("Esc").wait_gone(question).press("C-q"), lambda t: t.kill(signal.SIGTERM),
+                    lambda t: t.kill(signal.SIGHUP), Terminal.close, Terminal.hang_up):
+            terminal = self.start().wait(question)
+            end(terminal)
+            terminal.pid and terminal.end()
+            self.assertEqual(self.recoveries(), [kept])
+        # Those that were restored and killed once more are the same.
+        terminal = self.start().wait(question).press("Enter").wait("ann-1-2").wait("t.csv *")
+        self.assertEqual(len(self.recoveries()), 1)
+        terminal.close()
+        terminal = self.start().wait(question).press("Enter").wait("ann-1-2").press("C-q").wait("[ Discard")
+        self.assertEqual(terminal.press("Right", "Enter").end(), 0)
+        self.assertEqual((self.table(), self.recoveries()), (TABLE.replace("ann", "ann-1"), []))
         self.start().wait("│ A1 name").press("C-q").end()
+
+    def test_tells_that_a_table_is_open_elsewhere(self):
+        first = self.edit(self.start(), "-1")
+        second = self.start().wait("is open in another").press("Enter").wait_gone("is open")
+        self.edit(second, "-2").close()
+        first.close()
+        terminal = self.start().wait("unsaved changes: 1").press("Enter").wait("ann-1").wait("unsaved changes: 1")
+        terminal.press("Enter").wait("ann-2").wait_gone("unsaved changes")
+        self.assertEqual(len(self.recoveries()), 1)
+
+    def test_saves_elsewhere(self):
+        self.file("u.csv", "old")
+        terminal = self.edit(self.start(), "-1").press("F12").wait("Save as ─").press(*["Backspace"] * 5)
+        terminal.press("u.csv", "Enter").wait("exists. Overwrite it?").press("Enter").wait("Saved: ")
+        terminal.wait(" u.csv │")
+        self.assertEqual((self.table(), self.table("u.csv")), (TABLE, TABLE.replace("ann", "ann-1")))
+        terminal.press("C-z").wait("│ A2 ann").wait("u.csv *").press("C-y").wait_gone("u.csv *").press("C-q").end()
+
+    def test_reads_anew_what_has_changed(self):
+        terminal = self.edit(self.start(), "-1")
+        self.file("t.csv", TABLE + "gil,Bonn,1\n")
+        terminal.wait("changed on disk: F5").press("F5").wait("unsaved changes: 1").press("Enter")
+        terminal.wait("7 of 7 rows").wait("ann-1").wait("gil").wait("t.csv *").wait_gone("changed on disk")
+        terminal.close()
+        terminal = self.start("--follow", "t.csv").wait("unsaved changes: 1").press("Right", "Enter").wait("│ A8 gil")
+        with (self.folder / "t.csv").open("a") as file:
+            file.write("hal,Ulm,1\n")
+        terminal.wait("│ A9 hal").press("Up").wait("│ A8 gil")
 
     def test_comes_back_after_a_stop(self):
         terminal = self.start().wait("6 of 6 rows")
         terminal.kill(signal.SIGTSTP)
         terminal.wait(lambda t: t.output.count("\x1b[?1049h") == 2).press("Down").wait("A2 ann")
+        terminal.press("F10", "b").wait(lambda t: t.output.count("\x1b[?1049h") == 3).press("Down").wait("A3 bob")
 
     def test_says_what_it_can_not_open(self):
         terminal = self.start("none.csv")

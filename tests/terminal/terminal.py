@@ -17,7 +17,7 @@ KEYS = {
     "Home": "\x1bOH", "End": "\x1bOF", "PgUp": "\x1b[5~", "PgDn": "\x1b[6~",
     "Insert": "\x1b[2~", "Delete": "\x1b[3~", "Backspace": "\x7f", "Tab": "\t", "Enter": "\r", "Esc": "\x1b",
     "F1": "\x1bOP", "F2": "\x1bOQ", "F3": "\x1bOR", "F4": "\x1bOS", "F5": "\x1b[15~", "F6": "\x1b[17~",
-    "F7": "\x1b[18~", "F10": "\x1b[21~",
+    "F7": "\x1b[18~", "F10": "\x1b[21~", "F12": "\x1b[24~",
     "S-Right": "\x1b[1;2C", "S-Down": "\x1b[1;2B", "S-Tab": "\x1b[Z", "C-End": "\x1b[1;5F", "C-Home": "\x1b[1;5H",
     "C-PgDn": "\x1b[6;5~", "C-S-f": "\x1b[27;6;70~",
 }
@@ -156,6 +156,12 @@ class Terminal:
                 return os.waitstatus_to_exitcode(status)
         self.close()
         raise AssertionError(f"the program does not end:\n{self.text()}")
+
+    def hang_up(self):
+        """The terminal goes."""
+        os.close(self.fd)
+        os.waitpid(self.pid, 0)
+        self.pid = self.fd = None
 
     def close(self):
         if self.pid is not None:

@@ -1,6 +1,7 @@
 // A workbook of the stand-alone model.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +34,17 @@ class Workbook final : public host::Workbook {
 
   const std::vector<Ref<Worksheet>>& Worksheets() const { return sheets_; }
   Application& Host() const { return *host_; }
+
+  // A cell has another text than `before`. Whoever keeps what the user does hears of it also while the host's
+  // events are off.
+  using ChangeHandler =
+      std::function<void(Worksheet& sheet, int32_t row, int32_t column, const std::string& before)>;
+  [[nodiscard]] Connection OnSheetChange(ChangeHandler handler) {
+    return sheet_change_.Connect(std::move(handler));
+  }
+  void RaiseSheetChange(Worksheet& sheet, int32_t row, int32_t column, const std::string& before) {
+    sheet_change_.Raise(sheet, row, column, before);
+  }
   void RaiseSelectionChange(host::Worksheet& sheet, host::Range& target);
   void Close();
 
@@ -44,6 +56,7 @@ class Workbook final : public host::Workbook {
   std::vector<Ref<Worksheet>> sheets_;
   Ref<host::Worksheet> active_sheet_;
   Event<host::Worksheet&, host::Range&> selection_change_;
+  Event<Worksheet&, int32_t, int32_t, const std::string&> sheet_change_;
 };
 
 }  // namespace rowlark::standalone

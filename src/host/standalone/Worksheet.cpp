@@ -154,19 +154,29 @@ void Worksheet::SetCell(int32_t row, int32_t column, std::u16string_view text) {
   }
   if (loading_ && row > text_.AppendedRows()) Fail(u"This row has not been loaded yet.");
   auto utf8 = ToUtf8(text);
-  if (utf8 != text_.Cell(row, column)) {
-    text_.SetCell(row, column, utf8);
-    changes_[{row, column}] = std::move(utf8);
-    ++edits_;
-  }
+  const std::string before(text_.Cell(row, column));
   Changed();
+  if (utf8 == before) return;
+  text_.SetCell(row, column, utf8);
+  auto& change = changes_[{row, column}];
+  if (!change.loaded) change.loaded = before;
+  change.text = std::move(utf8);
+  ++edits_;
+  Book().RaiseSheetChange(*this, row, column, before);
+}
+
+void Worksheet::Clear() {
+  text_.Clear();
+  for (auto& [cell, change] : changes_) change.loaded.reset();
 }
 
 void Worksheet::SetLoading(bool loading) {
   loading_ = loading;
   if (loading_) return;
-  for (const auto& [cell, text] : changes_) {
-    if (text != text_.Cell(cell.row, cell.column)) text_.SetCell(cell.row, cell.column, text);
+  for (auto& [cell, change] : changes_) {
+    if (change.loaded) continue;
+    change.loaded = text_.Cell(cell.row, cell.column);
+    if (change.text != *change.loaded) text_.SetCell(cell.row, cell.column, change.text);
   }
 }
 

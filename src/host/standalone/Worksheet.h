@@ -60,7 +60,7 @@ class Worksheet final : public host::Worksheet {
   // Loads a row behind the last one loaded: UTF-8, one text a cell. No protection, no change mark.
   void AppendRow(std::span<const std::string_view> cells) { text_.AppendRow(cells); }
   // Takes back the rows loaded; changes made since come back when loading is over.
-  void Clear() { text_.Clear(); }
+  void Clear();
   // While rows are still to come, cells behind the last one can not be changed.
   void SetLoading(bool loading);
   const CellText& Text() const { return text_; }
@@ -72,8 +72,13 @@ class Worksheet final : public host::Worksheet {
   int32_t HeadRows() const { return head_rows_; }
   void SetHeadRows(int32_t rows) { head_rows_ = rows; }
   const RowSet& HiddenRows() const { return hidden_; }
-  // The cells that were changed since they were loaded, with their text now. `Edits` grows with every change.
-  const std::map<Cell, std::string>& Changes() const { return changes_; }
+  // The cells that were changed since they were loaded, with their text now, which may be the one loaded
+  // again. `Edits` grows with every change.
+  struct Change {
+    std::optional<std::string> loaded;  // nothing until the row has been loaded once more
+    std::string text;
+  };
+  const std::map<Cell, Change>& Changes() const { return changes_; }
   uint64_t Edits() const { return edits_; }
   void Protect(const Protection& protection) { protection_ = protection; }
 
@@ -106,7 +111,7 @@ class Worksheet final : public host::Worksheet {
   SheetSize size_;
   CellText text_;
   int32_t head_rows_ = 0;
-  std::map<Cell, std::string> changes_;
+  std::map<Cell, Change> changes_;
   uint64_t edits_ = 0;
   bool loading_ = false;
   RowSet hidden_;

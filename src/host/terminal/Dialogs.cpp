@@ -64,6 +64,30 @@ void MessageForm::Form_Close() {
   Unload();
 }
 
+PromptForm::PromptForm(std::u16string_view title, std::u16string_view text, std::u16string_view ok,
+                       std::u16string_view cancel, int32_t width, controls::View& view, Trace* trace)
+    : Form(u"PromptForm", trace) {
+  SetCaption(title);
+  box_.SetText(text);
+  ok_.SetCaption(ok);
+  ok_.Default = true;
+  ok_.Click = [this] {
+    answer_ = box_.Text();
+    Unload();
+  };
+  cancel_.SetCaption(cancel);
+  cancel_.Cancel = true;
+  cancel_.Click = [this] { Unload(); };
+  Activate = [this] {
+    box_.SetFocus();
+    box_.SetCaret(box_.End());
+  };
+  SetLayout(Layout::Column({Layout(box_, {width}), Layout::Row({Layout().Wide(), ok_, cancel_})}));
+  Attach(view);
+  Arrange();
+  Load();
+}
+
 ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t rows, controls::View& view,
                    Trace* trace)
     : Form(u"ListForm", trace) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "controls/Form.h"
 #include "controls/Label.h"
 #include "controls/ListView.h"
+#include "controls/TextBox.h"
 
 namespace rowlark::terminal {
 
@@ -29,6 +31,22 @@ class MessageForm final : public controls::Form {
   controls::Label text_{*this, u"text"};
   std::vector<std::unique_ptr<controls::Button>> buttons_;
   std::size_t answer_;
+};
+
+// A line to type, with buttons to take it and not to.
+class PromptForm final : public controls::Form {
+ public:
+  PromptForm(std::u16string_view title, std::u16string_view text, std::u16string_view ok,
+             std::u16string_view cancel, int32_t width, controls::View& view, Trace* trace);
+
+  // What was typed; nothing when it was not taken.
+  const std::optional<std::u16string>& Answer() const { return answer_; }
+
+ private:
+  controls::TextBox box_{*this, u"box"};
+  controls::Button ok_{*this, u"ok"};
+  controls::Button cancel_{*this, u"cancel"};
+  std::optional<std::u16string> answer_;
 };
 
 // Entries to choose one from: a menu, the list of a combo box.

@@ -94,7 +94,6 @@ void TerminalWindowSystem::UseDesktop(const KeyPress& press) {
 }
 
 void TerminalWindowSystem::UseKey(const KeyPress& press) {
-  if (press.Is(u'Z', controls::kCtrl)) return pump_.Suspend();
   auto* window = Active();
   if (window == nullptr) return UseDesktop(press);
   const Ref<Form> form(window->form);

@@ -20,6 +20,7 @@ using controls::Form;
 using controls::Property;
 
 constexpr int32_t kMostEntries = 12;  // of a list that show at a time
+constexpr int32_t kWidest = 60;       // text of a message
 constexpr int32_t kLeastPicture = 4;  // rows of the desktop that docked forms leave
 
 }  // namespace
@@ -106,9 +107,17 @@ void TerminalWindowSystem::EndWaits() {
 
 std::size_t TerminalWindowSystem::Choose(std::u16string_view text, std::u16string_view title,
                                          const std::vector<std::u16string>& buttons) {
-  constexpr int32_t kWidest = 60;
   const auto form = MakeRef<MessageForm>(title, text, buttons, std::min(kWidest, screen_.Size().width - 6),
                                          *this, pump_.Trace());
+  windows_.push_back({form.get()});
+  Run(*form);
+  return form->Answer();
+}
+
+std::optional<std::u16string> TerminalWindowSystem::Prompt(std::u16string_view title,
+                                                           std::u16string_view text) {
+  const auto form = MakeRef<PromptForm>(title, text, OkCaption(), CancelCaption(),
+                                        std::min(kWidest, screen_.Size().width - 6), *this, pump_.Trace());
   windows_.push_back({form.get()});
   Run(*form);
   return form->Answer();

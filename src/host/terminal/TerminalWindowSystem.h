@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -40,6 +41,8 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
   // Asks with buttons of one's own; the index of the one pressed, the last for Escape.
   std::size_t Choose(std::u16string_view text, std::u16string_view title,
                      const std::vector<std::u16string>& buttons);
+  // Asks for a line, which begins as `text`; nothing for Escape.
+  std::optional<std::u16string> Prompt(std::u16string_view title, std::u16string_view text);
   // Offers entries beside a place on the screen; the index of the one chosen, -1 for none.
   int32_t ChooseFrom(const std::vector<ListForm::Entry>& entries, int32_t selected, Point beside);
   // Every wait for an answer ends, also later ones.
