@@ -208,7 +208,7 @@ int RunSearch(const SearchArguments& arguments, Program& program, Output& output
     time = std::chrono::steady_clock::now() - start;
   }
   const bool found = result.outcome == Outcome::Done;
-  if (found) program.Items().RecentItems->Add(ToUtf16(arguments.text));
+  if (found && arguments.remember) program.Items().RecentItems->Add(ToUtf16(arguments.text));
   program.Save();
 
   const std::string error = ToUtf8(result.error);

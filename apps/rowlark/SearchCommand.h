@@ -35,12 +35,13 @@ struct SearchArguments {
   int32_t head_rows = 0;  // that are not searched, and printed before the rows found
   std::vector<ColumnFilter> filters;
   Print print = Print::Csv;
+  bool remember = false;  // a text that was found goes into the history
 };
 
 // A column goes by its letters or, where the table has none of these, by the text in the first row.
 //
-// Searches with the profile of the file's name or the default profile, unless arguments say otherwise, and
-// adds a text that was found to the history. Returns the exit status: 0 when a row was found, 1 when none
+// Searches with the profile of the file's name or the default profile, unless arguments say otherwise.
+// Returns the exit status: 0 when a row was found, 1 when none
 // was, 2 after an error of the host. The reason for 1 and 2 goes to standard error. Throws std::runtime_error
 // for arguments that do not fit the table, for a file that can not be read and for output that can not be
 // written.

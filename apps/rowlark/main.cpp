@@ -246,6 +246,7 @@ class CommandLine {
         ->type_name("FORM")
         ->check(CLI::IsMember(Forms()))
         ->capture_default_str();
+    search.add_flag("--remember", arguments_.remember, "add a text that is found to the history");
     AddCommon(search);
   }
 

@@ -150,14 +150,15 @@ TEST_F(CommandLine, RefusesInOneLineAndHelps) {
 
 TEST_F(CommandLine, RemembersSettingsAndHistory) {
   EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\n");
-  EXPECT_EQ(Run("search orders.csv xyz").status, 1);
+  EXPECT_EQ(Run("search orders.csv paid").status, 0);
+  EXPECT_EQ(Run("search orders.csv xyz --remember").status, 1);
   EXPECT_EQ(Run("history list").output, "");
   EXPECT_FALSE(std::filesystem::exists(folder_.Path() / "config"));  // nothing to keep so far
   EXPECT_EQ(Run("profiles set orders.csv --range A2:C500 --columns b --jump C --dont-save yes").status, 0);
   EXPECT_EQ(Run("profiles list").output, "default\tauto\tall\tauto\norders.csv\tA2:C500\tB\tC\n");
   EXPECT_EQ(Run("search orders.csv 5").status, 1);  // not in column B
-  EXPECT_EQ(Run("search orders.csv praha --go-to").output, "C6\n");
-  EXPECT_EQ(Run("search orders.csv 5 --columns A --go-to --jump A").output, "A6\n");  // for once
+  EXPECT_EQ(Run("search orders.csv praha --go-to --remember").output, "C6\n");
+  EXPECT_EQ(Run("search orders.csv 5 --columns A --go-to --jump A --remember").output, "A6\n");  // for once
   EXPECT_EQ(Run("history list").output, "5\npraha\n");
   EXPECT_EQ(Run("profiles set https://example.org/data/ORDERS.csv --columns all").status,
             0);  // changes the one there is
@@ -167,7 +168,7 @@ TEST_F(CommandLine, RemembersSettingsAndHistory) {
   EXPECT_EQ(Run("search orders.csv xyz").error, "rowlark: Text nicht gefunden\n");
   EXPECT_EQ(Run("history clear --language default").status, 0);
   EXPECT_EQ(Run("search orders.csv xyz --config other.cfg").error, "rowlark: Text not found\n");
-  EXPECT_EQ(Run("search orders.csv praha --go-to --config other.cfg").output, "A6\n");
+  EXPECT_EQ(Run("search orders.csv praha --go-to --remember --config other.cfg").output, "A6\n");
   EXPECT_EQ(Run("history list").output, "");
   EXPECT_EQ(Run("history list --config other.cfg").output, "praha\n");
   EXPECT_EQ(Run("profiles remove ORDERS.csv").status, 0);
@@ -208,8 +209,8 @@ TEST_F(CommandLine, BearsWhateverTheConfigurationHolds) {
 TEST_F(CommandLine, TakesNamesAsTheyAre) {
   for (const std::string name : {"b\\s", "n\xFF"}) {
     const std::string there = "/" + folder_.Path().string() + "/" + name;
-    EXPECT_EQ(Run("search orders.csv paid --config '" + name + ".cfg'").status, 0);
-    EXPECT_EQ(Run("search orders.csv open --config '" + there + ".cfg'").status, 0);
+    EXPECT_EQ(Run("search orders.csv paid --remember --config '" + name + ".cfg'").status, 0);
+    EXPECT_EQ(Run("search orders.csv open --remember --config '" + there + ".cfg'").status, 0);
     EXPECT_EQ(Run("history list --config '" + name + ".cfg'").output, "open\npaid\n");
     EXPECT_TRUE(std::filesystem::is_regular_file(there + ".cfg"));
     // A profile belongs to the file of exactly that name.
