@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <limits>
 #include <utility>
@@ -94,8 +93,6 @@ int TerminalProgram::Run(const TerminalArguments& arguments) {
     if (busy) pump_.Invalidate();
   }
   program_.Save();
-  if (!farewell_.empty()) screen_.Leave();
-  for (const auto& line : farewell_) std::fprintf(stderr, "rowlark: %s\n", ToUtf8(line).c_str());
   return *status_;
 }
 
@@ -541,7 +538,10 @@ std::u16string TerminalProgram::Mode() const {
 // room.
 void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t width) {
   canvas.Fill({at.x, at.y, width, 1}, U' ', Style::Status);
-  constexpr int32_t kLeast = 34;  // cells for the table
+  std::u16string left = u" " + tables_.Name();
+  std::u16string notices;
+  for (const auto& notice : tables_.Notices()) notices += u" │ " + notice;
+  const int32_t least = 34 + terminal::WidthOf(notices);  // cells for the table
   std::vector<std::u16string> parts{CountRows()};
   const auto& document = tables_.Active();
   if (const auto fraction = tables_.LoadingFraction()) {
@@ -566,13 +566,12 @@ void TerminalProgram::DrawStatus(terminal::Canvas& canvas, Point at, int32_t wid
   if (search_time_) parts.push_back(Mode());
   std::u16string right;
   for (const auto& part : parts) {
-    if (part.empty() || terminal::WidthOf(right + part) + kLeast > width) continue;
+    if (part.empty() || terminal::WidthOf(right + part) + least > width) continue;
     right += (right.empty() ? u" " : u" │ ") + part;
   }
   right += u' ';
-  std::u16string left = u" " + tables_.Name();
+  left += notices;
   if (!message_.empty()) left += u" │ " + message_;
-  for (const auto& notice : tables_.Notices()) left += u" │ " + notice;
   Attempt(program_.Trace(), [&] {
     const auto cell = Require(program_.Host()->ActiveCell());
     left += u" │ " + PlainAddress(*cell) + u" " + cell->Value();

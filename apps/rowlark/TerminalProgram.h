@@ -48,6 +48,8 @@ class TerminalProgram final : public terminal::Desktop {
   // Until the user ends it, or a signal does. The exit status. Throws std::runtime_error when a file can not
   // be read.
   int Run(const TerminalArguments& arguments);
+  // What is to be said once the terminal is the shell's again, a line each.
+  const std::vector<std::u16string>& Farewell() const { return farewell_; }
 
   int32_t StatusRows(int32_t height) const override;
   void Draw(terminal::Canvas& canvas, const terminal::Rect& picture, const terminal::Rect& status,
@@ -119,9 +121,9 @@ class TerminalProgram final : public terminal::Desktop {
   Highlight highlight_;
   std::optional<Matches> matches_;
   bool follow_ = false;
-  bool at_end_ = false;                   // the cursor keeps to the last row
-  std::optional<int> status_;             // the exit status, once the program ends
-  std::vector<std::u16string> farewell_;  // what is said then
+  bool at_end_ = false;        // the cursor keeps to the last row
+  std::optional<int> status_;  // the exit status, once the program ends
+  std::vector<std::u16string> farewell_;
 
   struct Count {
     const standalone::Worksheet* sheet = nullptr;

@@ -123,14 +123,22 @@ int RunTerminal(rowlark::TerminalArguments arguments, const rowlark::ProgramArgu
     throw std::runtime_error("standard input (-) is the terminal: nothing to read");
   const auto input = TakeTerminal();
   arguments.standard_input = input.get();
-  const rowlark::terminal::Signals signals;
-  rowlark::terminal::Screen screen;
-  rowlark::terminal::TerminalMessagePump pump(screen, signals, common.trace);
-  rowlark::terminal::TerminalWindowSystem windows(
-      screen, pump, {u"frmSearch", u"frmEdit", u"frmSelectRange", rowlark::CellEditor::kName});
-  rowlark::KeyHelp help;
-  rowlark::Program program(common, pump, windows, help);
-  return rowlark::TerminalProgram(program, screen, pump, windows, help).Run(arguments);
+  std::vector<std::u16string> farewell;
+  int status = 0;
+  {
+    const rowlark::terminal::Signals signals;
+    rowlark::terminal::Screen screen;
+    rowlark::terminal::TerminalMessagePump pump(screen, signals, common.trace);
+    rowlark::terminal::TerminalWindowSystem windows(
+        screen, pump, {u"frmSearch", u"frmEdit", u"frmSelectRange", rowlark::CellEditor::kName});
+    rowlark::KeyHelp help;
+    rowlark::Program program(common, pump, windows, help);
+    rowlark::TerminalProgram table(program, screen, pump, windows, help);
+    status = table.Run(arguments);
+    farewell = table.Farewell();
+  }
+  for (const auto& line : farewell) std::fprintf(stderr, "rowlark: %s\n", rowlark::ToUtf8(line).c_str());
+  return status;
 }
 
 // The commands and what each of them was given.

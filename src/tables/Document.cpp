@@ -283,7 +283,10 @@ bool Document::Save(const SaveOptions& options, const Progress& progress) {
     const bool moves = !is_same(path, path_);
     path_ = path;
     stamp_ = stamp;
-    if (moves && kept_) kept_ = std::make_unique<RecoveryFile>(kept_->In(), path_);
+    if (moves && kept_) {
+      kept_->Remove();
+      kept_ = std::make_unique<RecoveryFile>(kept_->In(), path_);
+    }
   }
   KeepAll();
   return true;

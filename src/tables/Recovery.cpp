@@ -76,8 +76,9 @@ std::optional<std::vector<string_view>> TakeRecord(string_view& bytes) {
 // Links lead to the one document.
 fs::path NameOf(const fs::path& document) {
   std::error_code failed;
-  auto name = fs::weakly_canonical(document, failed);
-  return failed ? fs::absolute(document, failed).lexically_normal() : name;
+  const auto path = fs::absolute(document, failed).lexically_normal();
+  auto name = fs::weakly_canonical(path, failed);
+  return failed ? path : name;
 }
 
 std::string FileNameOf(const fs::path& document) { return Hash(NameOf(document).native()) + "-"; }

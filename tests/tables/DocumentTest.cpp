@@ -430,9 +430,14 @@ TEST(Document, SavesElsewhereAndStaysThere) {
   while (rows.size() < 3 * TextReader::kPiece) rows += "\"some\",text\n";
   const auto path = folder.Write("table.csv", rows);
   const auto other = folder.Path() / "other.csv";
+  const auto recovery = folder.Path() / "recovery";
   Opened document(path);
+  document.KeepEdits({recovery});
   document.Set(u"A1", u"x");
+  const auto before = document.KeptIn();
   EXPECT_TRUE(document.Save({.path = other}));
+  EXPECT_FALSE(std::filesystem::exists(before));
+  EXPECT_NE(document.KeptIn(), before);
   EXPECT_TRUE(Read(path) == rows && Read(other) == "x" + rows.substr(1));
   EXPECT_EQ(document.SavePath(), other);
   // What was read lies in the first file still.

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 bool IsReplaceable(const fs::path& file) {
   std::error_code failed;
-  const auto target = fs::weakly_canonical(file, failed);
+  const auto target = fs::weakly_canonical(fs::absolute(file, failed), failed);
   if (failed) return false;
   const auto may = [](const fs::path& path, int what) {
     return ::faccessat(AT_FDCWD, path.c_str(), what, AT_EACCESS) == 0;
