@@ -101,7 +101,10 @@ void TerminalProgram::UseNewRows() {
   const auto& forms = program_.Forms();
   const bool may_replace = !(editor_ && editor_->Loaded()) && !forms.Edit() && !forms.Options();
   const bool reloaded = may_replace && tables_.FinishReload();
-  if (reloaded) highlight_ = {};
+  if (reloaded) {
+    highlight_ = {};
+    matches_.reset();
+  }
   if (tables_.TakeLoaded() || reloaded) EndLoading();
   if (at_end_ && !tables_.View().IsAtEnd()) {
     tables_.View().Navigate({kKeyDown, kCtrl});
