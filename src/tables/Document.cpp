@@ -213,14 +213,14 @@ std::optional<Document::Place> Document::Repeat(const Edit& edit, const std::str
 
 std::optional<Document::Place> Document::Undo() {
   if (made_ == 0) return std::nullopt;
-  const auto place = Repeat(edits_[made_ - 1], edits_[made_ - 1].before);
+  auto place = Repeat(edits_[made_ - 1], edits_[made_ - 1].before);
   --made_;
   return place;
 }
 
 std::optional<Document::Place> Document::Redo() {
   if (made_ == edits_.size()) return std::nullopt;
-  const auto place = Repeat(edits_[made_], edits_[made_].after);
+  auto place = Repeat(edits_[made_], edits_[made_].after);
   ++made_;
   return place;
 }
