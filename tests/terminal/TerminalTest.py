@@ -211,6 +211,7 @@ class Forms(Session):
 class Looks(Session):
     def looks(self, **environment):
         terminal = self.start(**environment).wait("6 of 6 rows").press("praha").wait("1 of 6 rows")
+        terminal.close()
         return terminal, terminal.styles(*terminal.find("Praha"))
 
     def test_marks_matches_with_many_colours_few_and_none(self):
