@@ -208,6 +208,10 @@ class CommandLine {
                     "of the text, by a name that iconv has (default: found by itself)")
         ->type_name("NAME")
         ->check(CheckEncoding);
+    command
+        .add_option("--memory", memory_, "most that a table may take, in MiB (default: half of the machine's)")
+        ->type_name("MIB")
+        ->check(CLI::Range(1, 1 << 30));
   }
 
   void AddHeader(CLI::App& command, const char* description) {
@@ -316,6 +320,7 @@ class CommandLine {
     rowlark::InputOptions& input = table_.input;
     if (!separator_.empty()) input.separator = separator_ == "tab" ? '\t' : separator_[0];
     input.encoding = encoding_;
+    if (memory_ > 0) input.memory = rowlark::MemoryBound(memory_ << 20);
     arguments_.input = input;
     if (arguments_.file == kStandardInput) arguments_.input.descriptor = STDIN_FILENO;
     if (!header_.empty()) {
@@ -347,6 +352,7 @@ class CommandLine {
   std::string words_ = "all";
   std::string print_ = "csv";
   std::string separator_;
+  uint64_t memory_ = 0;
   std::string header_;
   std::string encoding_;
   std::vector<std::string> filters_;

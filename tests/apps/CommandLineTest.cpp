@@ -111,6 +111,7 @@ TEST_F(CommandLine, PrintsJson) {
 }
 
 TEST_F(CommandLine, RefusesInOneLineAndHelps) {
+  folder_.Write("large.csv", std::string(1 << 20, '\n'));
   folder_.Write("binary.csv", "\1\2\3\0\4"s);
   const std::pair<std::string, std::string_view> kCases[] = {
       // with a part of the message
@@ -126,6 +127,7 @@ TEST_F(CommandLine, RefusesInOneLineAndHelps) {
       {"search orders.csv x --filter B=1 --filter b=2", "--filter: column b is filtered twice"},
       {"search orders.csv x --columns A,XFE", "--columns: no column 'XFE' in the table"},
       {"search orders.csv x --columns A,,C", "--columns: no column '' in the table (A to C)"},
+      {"search large.csv x --memory 1", "large.csv: Too large: the table would take more than 1 MiB of memory"},
       {"search orders.csv x --header -1", "not a number of rows: -1"},
       {"search orders.csv x --jump 2", "--jump: no column '2' in the table"},
       {"search orders.csv x --range A0:B2", "--range: not a block of cells: A0:B2"},
