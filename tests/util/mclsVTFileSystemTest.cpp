@@ -121,7 +121,9 @@ TEST_F(FileSystem, WritersAtTheSameTimeNeverTearAFile) {
   other.join();
   const std::u16string content = files_.StringRead(u"R:\\cfg");
   EXPECT_EQ(content, std::u16string(20'000, content.front()));
-  EXPECT_EQ(Entries(), 1);
+  // A system that replaces files may leave some of its own.
+  for (const auto& entry : std::filesystem::directory_iterator(at_))
+    EXPECT_FALSE(entry.path().filename().string().starts_with(".rowlark")) << entry.path();
 }
 
 TEST_F(FileSystem, SetsTimes) {
