@@ -32,13 +32,17 @@ constexpr Final kSmallFinals[] = {{'a', kKeyUp}, {'b', kKeyDown}, {'c', kKeyRigh
 struct Number {
   int32_t number;
   int32_t key;
+  int32_t shift = kNoShift;
 };
 // Of "ESC [ number ; modifiers ~".
-constexpr Number kNumbers[] = {{1, kKeyHome},   {2, kKeyInsert},   {3, kKeyDelete}, {4, kKeyEnd},
-                               {5, kKeyPageUp}, {6, kKeyPageDown}, {7, kKeyHome},   {8, kKeyEnd},
-                               {11, FKey(1)},   {12, FKey(2)},     {13, FKey(3)},   {14, FKey(4)},
-                               {15, FKey(5)},   {17, FKey(6)},     {18, FKey(7)},   {19, FKey(8)},
-                               {20, FKey(9)},   {21, FKey(10)},    {23, FKey(11)},  {24, FKey(12)}};
+constexpr Number kNumbers[] = {
+    {1, kKeyHome},         {2, kKeyInsert},       {3, kKeyDelete},       {4, kKeyEnd},
+    {5, kKeyPageUp},       {6, kKeyPageDown},     {7, kKeyHome},         {8, kKeyEnd},
+    {11, FKey(1)},         {12, FKey(2)},         {13, FKey(3)},         {14, FKey(4)},
+    {15, FKey(5)},         {17, FKey(6)},         {18, FKey(7)},         {19, FKey(8)},
+    {20, FKey(9)},         {21, FKey(10)},        {23, FKey(11)},        {24, FKey(12)},
+    {25, FKey(3), kShift}, {26, FKey(4), kShift}, {28, FKey(5), kShift}, {29, FKey(6), kShift},
+    {31, FKey(7), kShift}, {32, FKey(8), kShift}, {33, FKey(9), kShift}, {34, FKey(10), kShift}};
 
 // What the keys of a keypad in application mode type, from "j" on.
 constexpr std::string_view kKeypad = "*+,-./0123456789";
@@ -204,7 +208,7 @@ std::optional<Input> InputDecoder::FromControlSequence(std::string_view sequence
                             : final == '$' ? kShift
                             : final == '^' ? kCtrl
                                            : kShift | kCtrl;
-      return KeyPress{known->key, shift};
+      return KeyPress{known->key, known->shift | shift};
     }
     default:
       if (first > 1) return std::nullopt;  // as a cursor's place

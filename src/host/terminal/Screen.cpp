@@ -224,7 +224,9 @@ void Screen::Library::LearnKeys() {
     const char* bytes = Capability(name);
     if (bytes != nullptr && bytes[0] == 27) decoder_.Named.emplace(bytes, KeyPress{key, shift});
   }
-  for (int32_t i = 0; i < 24; ++i) {
+  // What others call F13 are keys with Shift, of which these descriptions do not tell which.
+  const int32_t count = Environment("TERM").starts_with("linux") ? 24 : 12;
+  for (int32_t i = 0; i < count; ++i) {
     const char* bytes = Capability(("kf" + std::to_string(i + 1)).c_str());
     if (bytes == nullptr || bytes[0] != 27) continue;
     decoder_.Named.emplace(bytes, KeyPress{kKeyF1 + i % 12, i < 12 ? controls::kNoShift : controls::kShift});
