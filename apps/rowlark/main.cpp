@@ -210,8 +210,7 @@ class CommandLine {
         ->check(CheckEncoding);
     command
         .add_option("--memory", memory_, "most that a table may take, in MiB (default: half of the machine's)")
-        ->type_name("MIB")
-        ->check(CLI::Range(1, 1 << 30));
+        ->type_name("MIB");
   }
 
   void AddHeader(CLI::App& command, const char* description) {
@@ -320,7 +319,8 @@ class CommandLine {
     rowlark::InputOptions& input = table_.input;
     if (!separator_.empty()) input.separator = separator_ == "tab" ? '\t' : separator_[0];
     input.encoding = encoding_;
-    if (memory_ > 0) input.memory = rowlark::MemoryBound(memory_ << 20);
+    constexpr uint64_t kMost = uint64_t{1} << 40;
+    if (memory_ > 0) input.memory = rowlark::MemoryBound(std::min(memory_, kMost) << 20);
     arguments_.input = input;
     if (arguments_.file == kStandardInput) arguments_.input.descriptor = STDIN_FILENO;
     if (!header_.empty()) {
