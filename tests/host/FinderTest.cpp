@@ -275,8 +275,8 @@ TEST(Find, RowsAreThoseOfEveryCellWhateverWasSearchedBefore) {
       }
       if (pick(9) == 0) sample.sheet->SetCell(1 + pick(kRows), 1 + pick(3), text());
       if (pick(5) == 0) sample.sheet->SetHidden({1 + pick(kRows), 1, kRows, 1}, pick(2) == 0);
-      auto arguments =
-          What(pick(6) == 0 ? text() : what, pick(6) == 0 ? host::xlWhole : host::xlPart, pick(6) == 0);
+      const auto searched = pick(6) == 0 ? text() : what;
+      auto arguments = What(searched, pick(6) == 0 ? host::xlWhole : host::xlPart, pick(6) == 0);
       std::vector<Block> areas{{1, 1, kRows, 3}};
       if (pick(3) == 0) areas = {{2, 1, 10 + pick(9), 3}, {20 + pick(9), 1, kRows, 3 - pick(2)}};
       std::optional<std::vector<int32_t>> columns;
