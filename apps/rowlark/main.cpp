@@ -209,7 +209,8 @@ class CommandLine {
         ->type_name("NAME")
         ->check(CheckEncoding);
     command
-        .add_option("--memory", memory_, "most that a table may take, in MiB (default: half of the machine's)")
+        .add_option("--memory", memory_,
+                    "most that a table may take, in MiB (default: half of the machine's)")
         ->type_name("MIB");
   }
 

@@ -54,9 +54,7 @@ std::string_view WithoutMark(std::string_view bytes) {
 }
 
 // XML without what may stand before it.
-std::string_view XmlOf(std::string_view bytes) {
-  return WithoutBlanks(WithoutMark(bytes));
-}
+std::string_view XmlOf(std::string_view bytes) { return WithoutBlanks(WithoutMark(bytes)); }
 
 void ReadCompoundFile(std::string_view bytes, SheetSink& sink) {
   const auto archive = DecryptPackage(CompoundFile(bytes));
