@@ -43,15 +43,16 @@ class Decompressor {
       if (ended_) return {};
       Check(found);
     }
-    const void* bytes = nullptr;
-    std::size_t size = 0;
-    la_int64_t place = 0;
-    while (size == 0 && !ended_) {
+    for (;;) {
+      const void* bytes = nullptr;
+      std::size_t size = 0;
+      la_int64_t place = 0;
       const int result = ::archive_read_data_block(*reader_, &bytes, &size, &place);
       ended_ = result == ARCHIVE_EOF;
-      Check(ended_ ? ARCHIVE_OK : result);
+      if (ended_) return {};
+      Check(result);
+      if (size > 0) return {static_cast<const char*>(bytes), size};
     }
-    return {static_cast<const char*>(bytes), ended_ ? 0 : size};
   }
 
  private:
