@@ -376,7 +376,7 @@ TEST(Document, LoadsWhatTheMemoryHolds) {
   std::string csv;
   for (int i = 0; i < 100'000; ++i) csv += "some text,more\n";
   // The process that reads the one may need some room of its own.
-  const std::pair<std::filesystem::path, uint64_t> files[] = {{folder.Write("large.ods", ods), 64 << 20},
+  const std::pair<std::filesystem::path, uint64_t> files[] = {{folder.Write("large.ods", ods), 32 << 20},
                                                               {folder.Write("large.csv", csv), 4 << 20}};
   for (const auto& [path, memory] : files) {
     Document document(MakeRef<standalone::Application>(), path, u"large", Within(memory));
