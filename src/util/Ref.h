@@ -46,6 +46,8 @@ class Ref {
     return *this;
   }
   ~Ref() {
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): it loses sight of what an optional
+    // holds
     if (object_ != nullptr) object_->Release();
   }
 
