@@ -46,8 +46,8 @@ class Ref {
     return *this;
   }
   ~Ref() {
-    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): it loses sight of what an optional
-    // holds
+    // The analyzer loses sight of what an optional holds.
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult)
     if (object_ != nullptr) object_->Release();
   }
 
