@@ -146,7 +146,7 @@ std::optional<Input> InputDecoder::Next(bool late) {
 
 InputDecoder::Taken InputDecoder::Take(bool late) {
   if (bytes_[0] != kEscape) return TakeCharacter(0, late);
-  const Taken escape{1, FromCharacter(U'\x1B', false)};
+  Taken escape{1, FromCharacter(U'\x1B', false)};
   if (bytes_.size() == 1) return late ? escape : Taken{};
   if (const auto named = Named.find(std::string_view(bytes_).substr(0, 2)); named != Named.end())
     return {2, named->second};
