@@ -66,26 +66,13 @@ int32_t Matches::Number(Cell cell) const {
   return number + static_cast<int32_t>(at - columns.begin()) + 1;
 }
 
-std::optional<Cell> Matches::Next(Cell from, bool back) const {
+std::optional<int32_t> Matches::RowBeside(int32_t row, bool above) const {
+  if (first_row_ > last_row_) return std::nullopt;
+  row = std::clamp(row, first_row_ - 1, last_row_ + 1);
   const auto& hidden = sheet_->HiddenRows();
-  const auto step = [&](int32_t row) {
-    return back ? hidden.Previous(row - 1, first_row_, false) : hidden.Next(row + 1, last_row_, false);
-  };
-  const auto within = [&](int32_t row) { return row >= first_row_ && row <= last_row_; };
-  // The rest of the row, the rows behind it, and from the other end to the row's beginning.
-  const auto here = ColumnsIn(from.row);
-  const auto behind = std::ranges::upper_bound(here, from.column);
-  const auto at = std::ranges::lower_bound(here, from.column);
-  if (!back && behind != here.end()) return Cell{from.row, *behind};
-  if (back && at != here.begin()) return Cell{from.row, *(at - 1)};
-  for (const int32_t begin :
-       {std::clamp(from.row, first_row_ - 1, last_row_ + 1), back ? last_row_ + 1 : first_row_ - 1}) {
-    for (int32_t row = step(begin); within(row); row = step(row)) {
-      if (const auto columns = ColumnsIn(row); !columns.empty())
-        return Cell{row, back ? columns.back() : columns.front()};
-    }
-  }
-  return std::nullopt;
+  const int32_t beside =
+      above ? hidden.Previous(row - 1, first_row_, false) : hidden.Next(row + 1, last_row_, false);
+  return beside < first_row_ || beside > last_row_ ? std::nullopt : std::optional(beside);
 }
 
 }  // namespace rowlark

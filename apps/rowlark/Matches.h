@@ -1,4 +1,4 @@
-// The cells that hold what was searched for, in the rows that show: how many there are, and which comes next.
+// The cells that hold what was searched for, in the rows that show: where they are and how many there are.
 #pragma once
 
 #include <chrono>
@@ -27,10 +27,14 @@ class Matches {
   // Which one a cell is, from 1; 0 for one that does not match. Of counted ones.
   int32_t Number(sheetview::Cell cell) const;
 
-  // The one behind a cell, or before it; behind the last one comes the first. Nothing without any.
-  std::optional<sheetview::Cell> Next(sheetview::Cell from, bool back) const;
   // In ascending order; empty for a row that does not show.
   std::vector<int32_t> ColumnsIn(int32_t row) const;
+  // Of the rows that may hold matches and show the one below a row, or above it; nothing beyond the last one.
+  std::optional<int32_t> RowBeside(int32_t row, bool above) const;
+  // The lowest of those rows, or the highest one.
+  std::optional<int32_t> EndRow(bool lowest) const {
+    return RowBeside(lowest ? last_row_ + 1 : first_row_ - 1, lowest);
+  }
 
  private:
   struct Mark {

@@ -112,9 +112,8 @@ bool Program::Save() {
   }
   if (Items().CfgFileName.empty()) return false;  // which has been said
   const auto file = Shown(platform::ToPath(Items().CfgFileName));
-  windows_.MsgBox(
-      runtime_.Language().GetText(u"Err.WriteCfg", u"Configuration write error in file\\n%1", file),
-      host::MsgBoxIcon::Critical, u"");
+  windows_.MsgBox(Text(u"Err.WriteCfg", u"Configuration write error in file\\n%1", {file}),
+                  host::MsgBoxIcon::Critical, u"");
   return false;
 }
 

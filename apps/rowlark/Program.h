@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -57,6 +58,11 @@ class Program {
   clsVTRLKItems& Items() { return *runtime_.Items; }
   const Ref<standalone::Application>& Host() const { return application_; }
   const FormSet& Forms() const { return forms_; }
+  // In the user's language; `with` takes the places of "%1", "%2".
+  std::u16string Text(std::u16string_view key, std::u16string_view text,
+                      std::initializer_list<std::u16string> with = {}) const {
+    return shared_.Language->GetText(key, text, with);
+  }
   // Nothing when nobody asks for one.
   rowlark::Trace* Trace() const { return shared_.Platform.Trace; }
 

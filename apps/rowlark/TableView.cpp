@@ -82,14 +82,14 @@ bool TableView::Navigate(const terminal::KeyPress& press) {
   } else {
     cursor.MoveTo(to);
   }
-  reveal_ = true;
+  Moved();
   return true;
 }
 
 void TableView::GoTo(Cell cell) {
   view_.Cursor().MoveTo(cell);
   if (view_.IsColumnHidden(cell.column)) view_.SetColumnWidth(cell.column, std::nullopt);
-  reveal_ = true;
+  Moved();
 }
 
 void TableView::WidenColumn(int32_t by) {
@@ -115,11 +115,18 @@ void TableView::FreezeColumns() {
   reveal_ = true;
 }
 
-bool TableView::IsAtEnd() const {
+void TableView::Moved() {
+  reveal_ = true;
+  at_end_ = IsInLastRow();
+}
+
+bool TableView::IsInLastRow() const {
   const auto bounds = view_.Bounds();
   return view_.Cursor().At().row >=
          std::min(StepRows(Sheet(), bounds.last_row + 1, -1, bounds), bounds.last_row);
 }
+
+bool TableView::KeepToEnd() { return at_end_ && !IsInLastRow() && Navigate({kKeyDown, kCtrl}); }
 
 void TableView::UseMouse(const terminal::MouseAction& action) {
   using Kind = terminal::MouseAction::Kind;
@@ -135,7 +142,7 @@ void TableView::UseMouse(const terminal::MouseAction& action) {
   } else {
     view_.Cursor().MoveTo(hit.cell, sheetview::Span::Cells, (action.shift & kCtrl) != 0);
   }
-  reveal_ = true;
+  Moved();
 }
 
 // The width that a column may have: as much as its text asks while there is room for all of them.

@@ -23,8 +23,9 @@ class TableView {
   // Moves the active cell or, with Shift, what is selected. False for keys that do neither.
   bool Navigate(const terminal::KeyPress& press);
   void UseMouse(const terminal::MouseAction& action);
-  // Whether the cursor is in the last visible row.
-  bool IsAtEnd() const;
+  // When the user has left the cursor in the last visible row, or where it began, it goes to what is that row
+  // now; false when it is there.
+  bool KeepToEnd();
   sheetview::Cell At() const { return view_.Cursor().At(); }
   void GoTo(sheetview::Cell cell);
   // So much wider; narrower below 0.
@@ -39,6 +40,8 @@ class TableView {
  private:
   // Below the head.
   int32_t FirstRow() const { return view_.Bounds().first_row + Sheet().HeadRows(); }
+  bool IsInLastRow() const;
+  void Moved();
   void Follow();
   void Scroll(const terminal::Rect& area, bool letters, const Matches& found);
   int32_t MostWidth(int32_t room, int32_t least) const;
@@ -51,6 +54,7 @@ class TableView {
   sheetview::SheetView view_;
   terminal::Rect area_{};  // where it was drawn last
   bool reveal_ = true;     // the cell that the user is at has to show
+  bool at_end_ = true;     // or at the beginning
   uint64_t layout_ = 0;    // of the sheet, when it was drawn last
 };
 

@@ -77,7 +77,7 @@ class Tables {
  private:
   std::u16string Text(std::u16string_view key, std::u16string_view text,
                       std::initializer_list<std::u16string> with = {}) const {
-    return program_.Runtime().Language().GetText(key, text, with);
+    return program_.Text(key, text, with);
   }
   std::optional<std::filesystem::path> Save(Document& document, SaveOptions options = {});
   std::optional<std::filesystem::path> SaveAs(Document& document);

@@ -1,16 +1,17 @@
 // Rowlark on a terminal: tables full-screen, with the add-in's menu, forms and hotkeys.
 #pragma once
 
-#include <chrono>
 #include <filesystem>
-#include <memory>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "CellEditor.h"
-#include "Matches.h"
+#include "CellCommands.h"
 #include "Program.h"
+#include "SearchMarks.h"
+#include "StatusLine.h"
 #include "Tables.h"
 #include "host/terminal/TerminalWindowSystem.h"
 
@@ -54,6 +55,7 @@ class TerminalProgram final : public terminal::Desktop {
   int32_t StatusRows(int32_t height) const override;
   void Draw(terminal::Canvas& canvas, const terminal::Rect& picture, const terminal::Rect& status,
             bool focused) override;
+  bool Interrupt(const terminal::KeyPress& press) override;
   bool Navigate(const terminal::KeyPress& press) override;
   void Press(const terminal::KeyPress& press) override;
   void Paste(std::u16string_view text) override;
@@ -61,33 +63,13 @@ class TerminalProgram final : public terminal::Desktop {
 
  private:
   void NextTable(int32_t step);
-  void Edit();
   void Save(bool elsewhere);
-  void Repeat(bool undo);
   void Reload();
   // What has been read in the meantime comes to show.
   void UseNewRows();
-  void EndLoading();
-
-  // Whether what was searched for last is marked in the table.
-  bool Marked();
-  // Looks on for matches for a little while; false when nothing is left to do.
-  bool CountMatches();
-  void GoToMatch(bool back);
-  void AskForCell();
-  void GoTo(const std::u16string& place);
-  void ShowCell();
-  enum class Copied { Selection, Row, VisibleRows };
-  void AskForCopy();
-  void Copy(Copied what);
   bool ChangeColumns(const terminal::KeyPress& press);
-
   // Opens the search form with a text that the user has begun with.
   void StartSearch(std::u16string_view text);
-  void evtRLRTM_Searching(bool searching);
-  // The profile of the active workbook with what it leaves open filled in; null when that fails.
-  std::shared_ptr<clsVTRLKItem> DetectedProfile();
-  Highlight MakeHighlight();
 
   void RunMacro(std::u16string_view name);
   bool RunHotKey(const terminal::KeyPress& press);
@@ -97,13 +79,6 @@ class TerminalProgram final : public terminal::Desktop {
   void EndBySignal(int signal);
   void End(int status);
 
-  std::u16string Text(std::u16string_view key, std::u16string_view text) const;
-  void DrawStatus(terminal::Canvas& canvas, terminal::Point at, int32_t width);
-  void DrawKeys(terminal::Canvas& canvas, terminal::Point at, int32_t width, bool in_table) const;
-  std::u16string Mode() const;
-  std::u16string CountRows();
-  std::u16string TellMatches();
-
   Program& program_;
   terminal::Screen& screen_;
   terminal::TerminalMessagePump& pump_;
@@ -111,27 +86,13 @@ class TerminalProgram final : public terminal::Desktop {
   KeyHelp& help_;
 
   Tables tables_;
-  bool quitting_ = false;   // the user is being asked about it
-  std::u16string message_;  // what was done last, until the next key
-  Ref<CellEditor> editor_;  // of a cell, or of the place to go to
-  Connection searching_;
-  std::chrono::steady_clock::time_point search_began_;
-  std::optional<double> search_time_;  // milliseconds, of the last search
-  std::u16string searched_;            // the text of the last search
-  Highlight highlight_;
-  std::optional<Matches> matches_;
+  SearchMarks marks_;
+  StatusLine line_;
+  CellCommands cells_;
+  bool quitting_ = false;  // the user is being asked about it
   bool follow_ = false;
-  bool at_end_ = false;        // the cursor keeps to the last row
   std::optional<int> status_;  // the exit status, once the program ends
   std::vector<std::u16string> farewell_;
-
-  struct Count {
-    const standalone::Worksheet* sheet = nullptr;
-    uint64_t layout = 0;
-    int32_t all = 0;
-    int32_t visible = 0;
-  };
-  Count count_;
 };
 
 }  // namespace rowlark

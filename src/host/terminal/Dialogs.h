@@ -53,6 +53,9 @@ class PromptForm final : public controls::Form {
 class ListForm final : public controls::Form {
  public:
   struct Entry {
+    static Entry Of(std::u16string_view caption) {
+      return {controls::PlainCaption(caption), controls::Accelerator(caption)};
+    }
     std::u16string text;
     char32_t accelerator = 0;  // the letter that chooses it
   };

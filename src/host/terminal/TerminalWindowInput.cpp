@@ -94,6 +94,7 @@ void TerminalWindowSystem::UseDesktop(const KeyPress& press) {
 }
 
 void TerminalWindowSystem::UseKey(const KeyPress& press) {
+  if (desktop_->Interrupt(press)) return;
   auto* window = Active();
   if (window == nullptr) return UseDesktop(press);
   const Ref<Form> form(window->form);
