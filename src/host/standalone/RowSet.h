@@ -2,6 +2,7 @@
 // or out of the set cost next to nothing, in any order of use.
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <vector>
@@ -22,12 +23,10 @@ class RowSet {
 
   // Adds or removes the rows first to last; true when that changed the set.
   bool Assign(int32_t first, int32_t last, bool in) {
-    if (words_.empty()) {
-      if (!in) return false;
-      words_.resize(Word(kMaxRow) + 1);
-    }
+    if (in && Word(last) >= words_.size()) words_.resize(Word(last) + 1);
+    last = std::min(last, End() - 1);
     bool changed = false;
-    for (auto word = Word(first); word <= Word(last); ++word) {
+    for (auto word = Word(first); first <= last && word <= Word(last); ++word) {
       uint64_t mask = ~uint64_t{0};
       if (word == Word(first)) mask &= ~uint64_t{0} << (first & 63);
       if (word == Word(last)) mask &= ~uint64_t{0} >> (63 - (last & 63));
@@ -40,8 +39,8 @@ class RowSet {
 
   // The first row from `row` to `last` that is in the set (or out of it); last + 1 when there is none.
   int32_t Next(int32_t row, int32_t last, bool in) const {
-    if (words_.empty()) return in ? last + 1 : row;
     for (auto word = Word(row); row <= last; ++word) {
+      if (row >= End()) return in ? last + 1 : row;
       uint64_t bits = in ? words_[word] : ~words_[word];
       bits &= ~uint64_t{0} << (row & 63);
       row = static_cast<int32_t>(word * 64);
@@ -53,7 +52,10 @@ class RowSet {
 
   // The last row from `row` back to `first` that is in the set (or out of it); first - 1 when there is none.
   int32_t Previous(int32_t row, int32_t first, bool in) const {
-    if (words_.empty()) return in ? first - 1 : row;
+    if (row >= End()) {
+      if (!in) return row;
+      row = End() - 1;
+    }
     for (auto word = Word(row); row >= first; --word) {
       uint64_t bits = in ? words_[word] : ~words_[word];
       bits &= ~uint64_t{0} >> (63 - (row & 63));
@@ -85,7 +87,10 @@ class RowSet {
  private:
   static std::size_t Word(int32_t row) { return static_cast<std::size_t>(row) / 64; }
 
-  std::vector<uint64_t> words_;  // empty, or one bit for every row of a sheet
+  // No row from that one on is in the set.
+  int32_t End() const { return static_cast<int32_t>(words_.size()) * 64; }
+
+  std::vector<uint64_t> words_;  // of the rows from 0 on
 };
 
 }  // namespace rowlark::standalone
