@@ -84,7 +84,7 @@ Ref<host::Range> SearchRun::SearchRange(const host::Worksheet& sheet, const Dete
     const int32_t limit_row = used->Row() + used->RowsCount();  // one more than the last used row
     block.last_row = block.last_row >= 0 ? std::min(block.last_row, limit_row) : limit_row;
   }
-  const auto range = RangeOnSheet(sheet, block);
+  auto range = RangeOnSheet(sheet, block);
   end_row_ = block.last_row;
   width_ = std::abs(block.last_column - block.first_column) + 1;
   // Rows that an AutoFilter hides are never searched. Of a single cell the host would give the visible cells
