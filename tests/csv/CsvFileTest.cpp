@@ -23,7 +23,7 @@ Rows ReadRows(CsvFile& file) {
 std::string OpenError(const std::filesystem::path& path) {
   try {
     CsvFile file = CsvFile::Open(path);
-    ReadRows(file);
+    file.ForEachRow([](auto) {}, [] {});
   } catch (const std::runtime_error& error) {
     return error.what();
   }

@@ -21,8 +21,8 @@ namespace rowlark::testing {
 constexpr const char* kTable = "Name,City|ann,x|bob,y|ann,y|cid,x|bob,ann|dan,z|ann,x";
 
 struct Desk : TempFolder, SampleHost, TestLibrary {
-  explicit Desk(std::string_view cells = kTable)
-      : SampleHost(cells), TestLibrary(ToUtf16(ROWLARK_LANGUAGES), ToUtf16(Path().string() + "/")) {
+  explicit Desk(std::string_view cells = kTable, std::u16string_view languages = ToUtf16(ROWLARK_LANGUAGES))
+      : SampleHost(cells), TestLibrary(languages, ToUtf16(Path().string() + "/")) {
     pump.OnPass = [this](int64_t) {
       windows.FireTimers();
       if (!script.empty()) {
