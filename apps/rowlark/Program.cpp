@@ -10,6 +10,7 @@
 
 #include "util/FileSystemPlatform.h"
 #include "util/Utf.h"
+#include "util/posix/Folders.h"
 
 namespace rowlark {
 namespace {
@@ -35,11 +36,15 @@ std::u16string UserLanguage() {
   return u"";
 }
 
-// The language files lie beside the program.
+// Where the first language files are found; without any the texts are English.
 std::u16string LanguageFolder() {
-  std::error_code failed;
-  const auto program = std::filesystem::read_symlink("/proc/self/exe", failed);
-  return FullName(program.parent_path() / "languages");
+  const auto folders = platform::DataFolders();
+  const auto has_languages = [](const std::filesystem::path& folder) {
+    std::error_code missing;
+    return std::filesystem::exists(folder / "languages" / "english.lng", missing);
+  };
+  const auto found = std::ranges::find_if(folders, has_languages);
+  return FullName((found != folders.end() ? *found : folders.front()) / "languages");
 }
 
 std::u16string ConfigurationFolder() {

@@ -1,14 +1,12 @@
 #include "util/FileSystemPlatform.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <ctime>
 #include <thread>
 #include <utility>
 
 #include <fcntl.h>
 #include <linux/limits.h>
-#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -27,11 +25,6 @@ std::error_code LastError() { return {errno, std::generic_category()}; }
 constexpr char32_t kByte = 0xDC00;  // of a name, which is no text
 
 mode_t FileMode(Access access) { return access == Access::Private ? 0600 : 0666; }
-
-fs::path Environment(const char* name) {
-  const char* const value = std::getenv(name);
-  return value == nullptr ? "" : value;
-}
 
 // A new file in a folder, removed again unless it was renamed. It is locked as long as its process needs it.
 class TemporaryFile {
@@ -213,18 +206,6 @@ std::u16string ToText(const fs::path& path) {
 }
 
 bool DriveExists(std::u16string_view) { return false; }
-
-// Relative folders are to be passed over.
-fs::path ConfigurationFolder() {
-  fs::path folder = Environment("XDG_CONFIG_HOME");
-  if (folder.is_absolute()) return folder;
-  if (const fs::path home = Environment("HOME"); home.is_absolute()) return home / ".config";
-  const passwd* const account = ::getpwuid(::geteuid());
-  const fs::path home = account != nullptr && account->pw_dir != nullptr ? account->pw_dir : "";
-  std::error_code missing;
-  // Accounts that are nobody's have a home that is not there.
-  return home.is_absolute() && fs::is_directory(home, missing) ? home / ".config" : fs::path();
-}
 
 std::u16string FromAnsi(std::string_view bytes) { return FromWindows1252(bytes); }
 
