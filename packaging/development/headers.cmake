@@ -1,0 +1,17 @@
+# Copies headers, and those of ours that they include, for programs that include them as <rowlark/FOLDER/NAME.h>:
+#   cmake -D SOURCE=src -D DESTINATION=FOLDER -D HEADERS="csv/CsvFile.h;..." -P headers.cmake
+cmake_minimum_required(VERSION 3.25)
+file(REMOVE_RECURSE "${DESTINATION}")
+set(copied)
+while(HEADERS)
+  list(POP_FRONT HEADERS header)
+  if(NOT header IN_LIST copied)
+    list(APPEND copied "${header}")
+    file(READ "${SOURCE}/${header}" text)
+    string(REGEX MATCHALL "\n#include \"[^\"]+" includes "${text}")
+    list(TRANSFORM includes REPLACE "\n#include \"" "")
+    list(APPEND HEADERS ${includes})
+    string(REPLACE "\n#include \"" "\n#include \"rowlark/" text "${text}")
+    file(WRITE "${DESTINATION}/rowlark/${header}" "${text}")
+  endif()
+endwhile()

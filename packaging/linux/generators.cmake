@@ -1,0 +1,15 @@
+# What goes into which package; read once for each generator.
+if(CPACK_GENERATOR STREQUAL "DEB")
+  # One package a group; what only packages of Debian have comes with the component that it belongs to.
+  set(CPACK_DEB_COMPONENT_INSTALL ON)
+  set(CPACK_COMPONENTS_GROUPING ONE_PER_GROUP)
+  set(CPACK_COMPONENTS_ALL program debian development debian_development)
+  set(CPACK_COMPONENT_GROUPS_ALL program development)
+  set(CPACK_COMPONENT_PROGRAM_GROUP program)
+  set(CPACK_COMPONENT_DEBIAN_GROUP program)
+  set(CPACK_COMPONENT_DEVELOPMENT_GROUP development)
+  set(CPACK_COMPONENT_DEBIAN_DEVELOPMENT_GROUP development)
+else()
+  list(GET CPACK_INSTALL_CMAKE_PROJECTS 0 build)
+  set(CPACK_INSTALL_CMAKE_PROJECTS "${build};rowlark;program;/;${build};rowlark;elsewhere;/")
+endif()
