@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages of cmake/packages.txt that are missing; returns at once when none is.
-#   scripts/setup.sh PURPOSE...    of program, tests, windows, lint, benchmark
+#   scripts/setup.sh PURPOSE...    of program, tests, windows, lint, benchmark, packages
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
