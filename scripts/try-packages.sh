@@ -8,8 +8,8 @@ scripts/setup.sh program packages
 umask 022
 packages=$PWD/build/packages
 place=$(mktemp -d)
-trap 'rm -rf "$place"' EXIT
 root=$place/debian
+trap 'umount --quiet "$root/proc" || true; rm -rf --one-file-system "$place"' EXIT
 
 say() { printf '== %s\n' "$*"; }
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"; }
@@ -26,6 +26,7 @@ german() {
 
 say 'A clean Debian 12'
 mmdebstrap --quiet --variant=minbase --include=man-db bookworm "$root"
+mount -t proc proc "$root/proc"
 cp examples/customers.csv "$packages"/rowlark_*.deb "$root"
 apt update
 # What the program needs comes first, so that only its own files are compared.
