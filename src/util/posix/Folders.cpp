@@ -3,8 +3,8 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <ranges>
 #include <string_view>
 #include <system_error>
 
@@ -23,8 +23,7 @@ std::string_view Environment(const char* name) {
 // The folder that a variable names or, where it names none, one of the user's home; empty without a home.
 // Relative folders are to be passed over.
 fs::path UserFolder(const char* variable, const char* in_home) {
-  const fs::path folder = Environment(variable);
-  if (folder.is_absolute()) return folder;
+  if (fs::path folder = Environment(variable); folder.is_absolute()) return folder;
   if (const fs::path home = Environment("HOME"); home.is_absolute()) return home / in_home;
   const passwd* const account = ::getpwuid(::geteuid());  // NOLINT(concurrency-mt-unsafe)
   const fs::path home = account != nullptr && account->pw_dir != nullptr ? account->pw_dir : "";
@@ -47,8 +46,9 @@ std::vector<fs::path> DataFolders() {
   }
   auto system = Environment("XDG_DATA_DIRS");
   if (system.empty()) system = "/usr/local/share:/usr/share";
-  for (const auto part : std::views::split(system, ':')) {
-    const fs::path folder(part.begin(), part.end());
+  while (!system.empty()) {
+    const fs::path folder = system.substr(0, system.find(':'));
+    system.remove_prefix(std::min(folder.native().size() + 1, system.size()));
     if (folder.is_absolute()) folders.push_back(folder / "rowlark");
   }
   if (folders.empty()) folders.emplace_back("/usr/share/rowlark");
