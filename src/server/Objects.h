@@ -182,11 +182,14 @@ class RuntimeObject final : public DualObject<_clsVTRLKRuntime, ::clsVTRLKRuntim
   STDMETHODIMP StartEdit() noexcept override;
   STDMETHODIMP Init() noexcept override;
   STDMETHODIMP get_HelpFile(BSTR* result) noexcept override;
+  STDMETHODIMP put_Ribbon(VARIANT value) noexcept override;
+  STDMETHODIMP putref_Ribbon(VARIANT value) noexcept override { return put_Ribbon(value); }
 
  private:
   void LetGo() noexcept override;
 
   Connection searching_;
+  Connection new_language_;  // holds the ribbon
 };
 
 }  // namespace rowlark::server

@@ -1,3 +1,4 @@
+#include "host/windows/Dispatch.h"
 #include "host/windows/ExcelAdapter.h"
 #include "server/Arguments.h"
 #include "server/Objects.h"
@@ -37,7 +38,10 @@ RuntimeObject::RuntimeObject(Module& module)
 }
 
 // Its forms go at once, and end what they wait for.
-void RuntimeObject::LetGo() noexcept { module_.Program().Forms.Unload(core_.get()); }
+void RuntimeObject::LetGo() noexcept {
+  new_language_.Release();
+  module_.Program().Forms.Unload(core_.get());
+}
 
 HRESULT RuntimeObject::get_Items(_clsVTRLKItems** result) noexcept {
   return Get(result, [this] { return Wrap<ItemsObject, _clsVTRLKItems>(module_, core_->Items); });
@@ -121,6 +125,20 @@ HRESULT RuntimeObject::Init() noexcept {
 }
 HRESULT RuntimeObject::get_HelpFile(BSTR* result) noexcept {
   return Get(result, [this] { return NewBstr(core_->HelpFile()); });
+}
+// The ribbon asks its owner for the labels anew, at once and with each new language.
+HRESULT RuntimeObject::put_Ribbon(VARIANT value) noexcept {
+  return Do([&] {
+    new_language_.Release();
+    const windows::Dispatch ribbon(ObjectOf(value));
+    if (!ribbon) return;
+    const auto renew = [ribbon](const std::u16string&) {
+      windows::Member invalidate(L"Invalidate");
+      ribbon.Call(invalidate);
+    };
+    renew({});
+    new_language_ = module_.Program().Shared.Language->NewLangLoaded().Connect(renew);
+  });
 }
 
 }  // namespace rowlark::server

@@ -20,6 +20,13 @@ Function Failure()
   Err.Clear
 End Function
 
+Class Ribbon
+  Public Asked
+  Public Sub Invalidate()
+    Asked = Asked + 1
+  End Sub
+End Class
+
 On Error Resume Next
 
 Dim app, sheet, rt, reason, item, items, other, files
@@ -111,7 +118,15 @@ Check "text without its mark", rt.Language.GetText("Menu.Find", "?", Empty, acce
 Check "accelerator", accelerator, "e"
 Check "replaced texts", rt.Language.GetText("none", "%1 and %2", Array("a", 2)), "a and 2"
 rt.MenuCreate
+Dim bar
+Set bar = New Ribbon
+Set rt.Ribbon = bar
 rt.Language.LangFile = "german.lng"
+Set rt.Ribbon = Nothing
+rt.Language.LangFile = "english.lng"
+Check "labels are asked for", bar.Asked, 2
+rt.Ribbon = app
+Check "a ribbon that is none", Failure(), 438
 rt.MenuRemove
 rt.ShowSearch
 rt.ShowOptions
@@ -122,5 +137,5 @@ Check "a host that was released", rt.Search("x"), False
 Check "end", Failure(), 0
 
 WScript.Echo checks & " checks, " & failures & " failures"
-If checks = 48 And failures = 0 Then WScript.Quit 0
+If checks = 50 And failures = 0 Then WScript.Quit 0
 WScript.Quit 1
