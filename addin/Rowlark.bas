@@ -1,36 +1,45 @@
 Attribute VB_Name = "Rowlark"
 Option Explicit
 
-' The add-in workbook vt_rowlark.xla: it creates the runtime object when Excel opens it, and forwards the
-' macros that menu items and hotkeys run. Bound late, so the same source serves 32-bit and 64-bit Excel and
-' needs no reference.
+' The add-in workbook vt_rowlark: it creates the runtime object when Excel opens it, and forwards the macros
+' that menu items, hotkeys and the ribbon run. Bound late, so the same source serves 32-bit and 64-bit Excel
+' and needs no reference.
 
 Private Const TITLE As String = "Vantrel Rowlark"
 ' What the library marks its menu with.
 Private Const MENU_TAG As String = "VantrelRLK"
-' The error of CreateObject where a class is not registered.
-Private Const CANNOT_CREATE As Long = 429
 
 Private mobjRuntime As Object
+Private mobjRibbon As Object
 Private mblnFailureTold As Boolean
 
 ' Excel opens or closes the add-in.
 Sub Auto_Open()
-    Dim objRuntime As Object
-    Set objRuntime = Runtime()
+    Dim objOther As Object
+    Set objOther = OtherCopy()
+    If objOther Is Nothing Then
+        StartUnlessFailed
+        Exit Sub
+    End If
+    MsgBox "Rowlark is open already:" & vbCrLf & objOther.FullName & vbCrLf & vbCrLf & _
+        "Excel has opened a second copy, which is closed again now:" & vbCrLf & ThisWorkbook.FullName & vbCrLf & vbCrLf & _
+        "To open only one from now on, choose File, Options, Add-ins, Go... and switch the other one off.", _
+        vbExclamation, TITLE
+    ThisWorkbook.Close False
 End Sub
 
 Sub Auto_Close()
     On Error Resume Next
     If mobjRuntime Is Nothing Then Exit Sub
-    AssignKey mobjRuntime.Items.HotKeySearch, vbNullString
-    AssignKey mobjRuntime.Items.HotKeyUnhide, vbNullString
+    ReleaseKey mobjRuntime.Items.HotKeySearch
+    ReleaseKey mobjRuntime.Items.HotKeyUnhide
     Release
 End Sub
 
-' The user has installed the add-in with the add-in manager.
+' The user has installed the add-in with the add-in manager, which opens it as well.
 Sub Auto_Add()
-    Forward "OnAddinInstall"
+    StartUnlessFailed
+    If Not mobjRuntime Is Nothing Then Forward "OnAddinInstall"
 End Sub
 
 Sub VantrelRLK_ShowSearch()
@@ -66,6 +75,25 @@ Sub VantrelRLK_ShowAbout()
     Forward "About"
 End Sub
 
+' Excel 2007 and later have read what the add-in adds to the ribbon; that may be before Auto_Open.
+Sub VantrelRLK_RibbonLoaded(ByVal objRibbon As Object)
+    Set mobjRibbon = objRibbon
+    HandOverRibbon
+End Sub
+
+' A label of the ribbon: English until the runtime object knows the user's language.
+Sub VantrelRLK_RibbonLabel(ByVal objControl As Object, ByRef varLabel As Variant)
+    Dim strText() As String
+    On Error Resume Next
+    strText = Split(objControl.Tag, "|")
+    If Not mobjRuntime Is Nothing Then strText(1) = mobjRuntime.Language.GetText(strText(0), strText(1))
+    varLabel = Replace(strText(1), "&", vbNullString)
+End Sub
+
+Sub VantrelRLK_RibbonAction(ByVal objControl As Object)
+    Application.Run "'" & Replace(ThisWorkbook.Name, "'", "''") & "'!" & objControl.ID
+End Sub
+
 Private Sub Forward(ByVal strMethod As String)
     Dim objRuntime As Object
     On Error GoTo Failed
@@ -77,11 +105,16 @@ Failed:
 End Sub
 
 ' The runtime object, created when Excel opens the add-in. Variables are lost when a macro is stopped in the
-' debugger; then the next macro creates it anew. Nothing when it can not be created.
+' debugger; then the next macro creates it anew. Nothing, and the user knows why, when it can not be created.
 Private Function Runtime() As Object
     If mobjRuntime Is Nothing Then Start
     Set Runtime = mobjRuntime
 End Function
+
+' Excel's own calls come in pairs, and a failure is told once; the user's are answered each time.
+Private Sub StartUnlessFailed()
+    If mobjRuntime Is Nothing And Not mblnFailureTold Then Start
+End Sub
 
 Private Sub Start()
     Dim strWhy As String
@@ -90,30 +123,41 @@ Private Sub Start()
     Set mobjRuntime.ExcelApp = Application
     mobjRuntime.Init
     mobjRuntime.MenuCreate
-    AssignKey mobjRuntime.Items.HotKeySearch, "VantrelRLK_ShowSearch"
-    AssignKey mobjRuntime.Items.HotKeyUnhide, "VantrelRLK_Unhide"
+    AssignKeys
+    HandOverRibbon
     Exit Sub
 Failed:
     strWhy = Err.Description
-    If Err.Number = CANNOT_CREATE Then strWhy = NotRegistered()
+    If mobjRuntime Is Nothing Then strWhy = NoLibrary(strWhy)
     Release
-    If mblnFailureTold Then Exit Sub
     mblnFailureTold = True
     MsgBox strWhy, vbCritical, TITLE
 End Sub
 
-Private Function NotRegistered() As String
+Private Function NoLibrary(ByVal strWhy As String) As String
     Dim strBits As String
     #If Win64 Then
         strBits = "64"
     #Else
         strBits = "32"
     #End If
-    NotRegistered = "The add-in's library is not registered for " & strBits & "-bit Excel." & _
-        vbCrLf & vbCrLf & _
-        "To register it, close Excel and run in the folder of the " & strBits & "-bit library," & vbCrLf & _
-        "as an administrator: regsvr32 vtrlk_runtime.dll" & vbCrLf & _
-        "or for yourself alone: regsvr32 /n /i:user vtrlk_runtime.dll"
+    NoLibrary = "Rowlark's library for " & strBits & "-bit Excel is missing or not registered." & vbCrLf & _
+        "(" & strWhy & ")" & vbCrLf & vbCrLf & _
+        "Run Rowlark's set-up again; or run in the folder of the " & strBits & "-bit library" & vbCrLf & _
+        "for yourself: regsvr32 /n /i:user vtrlk_runtime.dll" & vbCrLf & _
+        "or for all users, as an administrator: regsvr32 vtrlk_runtime.dll"
+End Function
+
+' Another open file of this add-in, such as one of an earlier version. Two would take menu and hotkeys from
+' each other.
+Private Function OtherCopy() As Object
+    Dim varName As Variant
+    On Error Resume Next
+    For Each varName In Array("vt_rowlark.xla", "vt_rowlark.xlam")
+        If StrComp(varName, ThisWorkbook.Name, vbTextCompare) <> 0 Then
+            If OtherCopy Is Nothing Then Set OtherCopy = Application.Workbooks(varName)
+        End If
+    Next
 End Function
 
 ' Lets go of the runtime object and of the menu, also of one that an earlier run of Excel has left.
@@ -121,18 +165,36 @@ Private Sub Release()
     On Error Resume Next
     mobjRuntime.MenuRemove
     mobjRuntime.DoStop
+    Set mobjRuntime.Ribbon = Nothing
     Set mobjRuntime.ExcelApp = Nothing
     Set mobjRuntime = Nothing
     Application.CommandBars("Worksheet Menu Bar").FindControl(Tag:=MENU_TAG).Delete
 End Sub
 
-' Without a macro the key means again what it means to Excel. A key that Excel refuses is no hotkey.
-Private Sub AssignKey(ByVal strKey As String, ByVal strMacro As String)
+' From now on the runtime object has the labels asked for anew with each new language.
+Private Sub HandOverRibbon()
     On Error Resume Next
+    If Not (mobjRuntime Is Nothing Or mobjRibbon Is Nothing) Then Set mobjRuntime.Ribbon = mobjRibbon
+End Sub
+
+' The rest of the add-in works without a hotkey that Excel refuses.
+Private Sub AssignKeys()
+    Dim strRefused As String
+    AssignKey mobjRuntime.Items.HotKeySearch, "VantrelRLK_ShowSearch", strRefused
+    AssignKey mobjRuntime.Items.HotKeyUnhide, "VantrelRLK_Unhide", strRefused
+    If Len(strRefused) = 0 Then Exit Sub
+    MsgBox mobjRuntime.Language.GetText("Err.HotKey", "Excel refuses the hotkey %1. Choose another one in the options.", _
+        strRefused), vbExclamation, TITLE
+End Sub
+
+Private Sub AssignKey(ByVal strKey As String, ByVal strMacro As String, ByRef strRefused As String)
     If Len(strKey) = 0 Then Exit Sub
-    If Len(strMacro) = 0 Then
-        Application.OnKey strKey
-    Else
-        Application.OnKey strKey, strMacro
-    End If
+    On Error Resume Next
+    Application.OnKey strKey, strMacro
+    If Err.Number <> 0 Then strRefused = strRefused & IIf(Len(strRefused) > 0, ", ", vbNullString) & strKey
+End Sub
+
+' Without a macro the key means again what it means to Excel.
+Private Sub ReleaseKey(ByVal strKey As String)
+    If Len(strKey) > 0 Then Application.OnKey strKey
 End Sub

@@ -146,15 +146,15 @@ TEST(LanguageFiles, KeepToTheSpellingOfExcel) {
 
 // In the sources a key and its default text stand side by side, in calls of GetText and in tables.
 TEST(LanguageFiles, EnglishIsWhatTheSourcesSay) {
-  const std::regex pair(R"re((?:GetText\(\s*u"([^"]*)"|u"((?:[A-Z][A-Za-z0-9]*\.)+[A-Z][A-Za-z0-9]*)"),)re"
-                        R"re(\s*u"((?:[^"\\]|\\.|"\s+u")*)")re");
+  const std::regex pair(R"re((?:GetText\(\s*u?"([^"]*)"|u"((?:[A-Z][A-Za-z0-9]*\.)+[A-Z][A-Za-z0-9]*)"),)re"
+                        R"re(\s*u?"((?:[^"\\]|\\.|"\s+u")*)")re");
   const Texts texts = ReadTexts("english.lng");
   std::set<std::pair<std::string, std::string>> known(texts.begin(), texts.end());
   known.insert(kOtherDefaults.begin(), kOtherDefaults.end());
   std::set<std::string> used;
-  for (const char* folder : {"src", "apps"}) {
+  for (const char* folder : {"src", "apps", "addin"}) {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(kFolder / folder)) {
-      if (entry.path().extension() != ".cpp" && entry.path().extension() != ".h") continue;
+      if (!std::regex_match(entry.path().extension().string(), std::regex(R"(\.(cpp|h|bas))"))) continue;
       const std::string source = ReadBytes(entry.path());
       for (std::sregex_iterator it(source.begin(), source.end(), pair), end; it != end; ++it) {
         const std::string key = it->str(1) + it->str(2);
