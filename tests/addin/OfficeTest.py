@@ -2,6 +2,7 @@
 place of Excel and the library. OfficeTest.py PROJECT_FOLDER"""
 
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -17,23 +18,16 @@ PROJECT = Path(sys.argv.pop(1))
 HERE = Path(__file__).resolve().parent
 SOURCE = (PROJECT / "addin/Rowlark.bas").read_text("ascii").split("\n", 1)[1]  # without the module's name
 # The office's Basic lets no class have members of these names.
-RENAMED = SOURCE.replace("ThisWorkbook.Name", "ThisWorkbook.BookName").replace("ThisWorkbook.Close", "ThisWorkbook.CloseBook")
+RENAMED = re.sub(r"(?<=ThisWorkbook\.)(?=Name|Close)", "Book", SOURCE)
 
-SETTINGS = """<?xml version="1.0" encoding="UTF-8"?>
-<oor:items xmlns:oor="http://openoffice.org/2001/registry">
+SETTINGS = """<oor:items xmlns:oor="http://openoffice.org/2001/registry">
 <item oor:path="/org.openoffice.Setup/Office"><prop oor:name="ooSetupInstCompleted"><value>true</value></prop></item>
 </oor:items>"""
-LIBRARIES = """<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE library:libraries PUBLIC "-//OpenOffice.org//DTD OfficeDocument 1.0//EN" "libraries.dtd">
-<library:libraries xmlns:library="http://openoffice.org/2000/library">
+LIBRARIES = """<library:libraries xmlns:library="http://openoffice.org/2000/library">
 <library:library library:name="Standard" library:link="false"/></library:libraries>"""
-LIBRARY = """<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE library:library PUBLIC "-//OpenOffice.org//DTD OfficeDocument 1.0//EN" "library.dtd">
-<library:library xmlns:library="http://openoffice.org/2000/library" library:name="Standard">
+LIBRARY = """<library:library xmlns:library="http://openoffice.org/2000/library" library:name="Standard">
 {}</library:library>"""
-MODULE = """<?xml version="1.0" encoding="UTF-8"?>
-<!DOCTYPE script:module PUBLIC "-//OpenOffice.org//DTD OfficeDocument 1.0//EN" "module.dtd">
-<script:module xmlns:script="http://openoffice.org/2000/script" script:name="{}"
+MODULE = """<script:module xmlns:script="http://openoffice.org/2000/script" script:name="{}"
  script:language="StarBasic">{}</script:module>"""
 
 NO_LIBRARY = ("message 16 Vantrel Rowlark: Rowlark's library for 32-bit Excel is missing or not registered.|"
@@ -87,9 +81,8 @@ def run(folder):
     """The log of a session of the office with a profile of its own below the folder."""
     basic = folder / "profile/user/basic/Standard"
     basic.mkdir(parents=True)
-    modules = {"Rowlark": RENAMED + (HERE / "Builtins.bas").read_text(), "Session": (HERE / "Session.bas").read_text()}
-    for name in ("FakeExcel", "FakeRuntime"):
-        modules[name] = "Option ClassModule\n" + (HERE / f"{name}.bas").read_text()
+    modules = {"Rowlark": RENAMED + (HERE / "Builtins.bas").read_text(), "Session": (HERE / "Session.bas").read_text(),
+               "Fake": "Option ClassModule\n" + (HERE / "Fake.bas").read_text()}
     for name, source in modules.items():
         (basic / f"{name}.xba").write_text(MODULE.format(name, escape("Option VBASupport 1\n" + source)))
     (basic / "script.xlb").write_text(

@@ -16,7 +16,7 @@ End Sub
 Sub Main()
     On Error GoTo Failed
     ReadWorkbook Environ("ROWLARK_WORKBOOK")
-    Set mobjExcel = New FakeExcel
+    Set mobjExcel = New Fake
     mobjExcel.ID = "VantrelRLK_Unhide"
     mobjExcel.Tag = "Menu.Unhide|&Show All"
     Play
