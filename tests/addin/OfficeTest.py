@@ -69,7 +69,9 @@ message 48 Vantrel Rowlark: Excel refuses the hotkey ^f. Choose another one in t
 Ribbon set
 ShowSearch
 key +^f is Excel's
-{RELEASED}== A second copy
+{RELEASED}== A start that fails later
+{STARTED}{RELEASED}message 16 Vantrel Rowlark: No menu
+== A second copy
 message 48 Vantrel Rowlark: Rowlark is open already:|C:\\vt_rowlark.xla||Excel has opened a second copy, which is closed \
 again now:|C:\\vt_rowlark.xla||To open only one from now on, choose File, Options, Add-ins, Go... and switch the other one \
 off.

@@ -72,6 +72,9 @@ Sub Play()
     mobjExcel.RefusedKey = "^f"
     VantrelRLK_ShowSearch
     Auto_Close
+    Say "== A start that fails later"
+    mobjExcel.MenuFails = True
+    VantrelRLK_ShowSearch
     Say "== A second copy"
     mobjExcel.OtherCopy = "vt_rowlark.xla"
     Auto_Open
