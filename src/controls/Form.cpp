@@ -102,7 +102,14 @@ Key Form::Offer(Slot<Key&, Args...> Control::*slot, Key key, Args... args) {
   return key;
 }
 
-int32_t Form::UserKeyDown(int32_t key, int32_t shift) { return Offer(&Control::KeyDown, key, shift); }
+int32_t Form::UserKeyDown(int32_t key, int32_t shift) {
+  const Ref<Form> keep(this);
+  const int32_t left = Offer(&Control::KeyDown, key, shift);
+  if (left != kKeyF1 || shift != kNoShift || HelpContextID == 0) return left;
+  OnUser([this] { Form_Help(); });
+  return 0;
+}
+
 char16_t Form::UserKeyPress(char16_t character) { return Offer(&Control::KeyPress, character); }
 int32_t Form::UserKeyUp(int32_t key, int32_t shift) { return Offer(&Control::KeyUp, key, shift); }
 

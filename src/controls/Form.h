@@ -57,10 +57,13 @@ class Form : public Control, public RefCounted {
   // The window system that shows the form from now on.
   void Attach(View& view) { view_ = &view; }
 
+  // The help's topic for the form, which F1 asks for; 0: none.
+  int32_t HelpContextID = 0;
+
   Slot<> Activate{*this, "Activate"};
 
   // What the user does. Keys go to the form first, then to the control that has the focus; what is left of
-  // them is returned, 0 when they were swallowed.
+  // them is returned, 0 when they were swallowed. F1 that is left opens the help of a form that has a topic.
   void UserActivated();
   void UserMoved(TwipPoint position) { position_ = position; }
   void UserResized(Size client);
@@ -82,6 +85,8 @@ class Form : public Control, public RefCounted {
   virtual void Form_Message() noexcept {}
   virtual void Form_Load() {}
   virtual void Form_Unload() {}
+  // F1; of a form with a topic.
+  virtual void Form_Help() {}
   // The system's close button; unloads the form.
   virtual void Form_Close() { Unload(); }
 

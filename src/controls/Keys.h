@@ -23,6 +23,7 @@ enum Key : int32_t {
   kKeyDown = 40,
   kKeyExecute = 43,
   kKeyDelete = 46,
+  kKeyF1 = 112,  // and so on to F16
 };
 
 }  // namespace rowlark::controls

@@ -40,6 +40,15 @@ int32_t Within(int32_t begin, int32_t length, int32_t low, int32_t extent) {
 
 }  // namespace
 
+BaseForm::BaseForm(SharedState& shared, std::u16string_view name, HelpTopic topic)
+    : Form(name, shared.Platform.Trace), shared_(shared) {
+  HelpContextID = static_cast<int32_t>(topic);
+}
+
+void BaseForm::Form_Help() {
+  Attempt([this] { ShowHelp(shared_, static_cast<HelpTopic>(HelpContextID)); });
+}
+
 bool BaseForm::Open() {
   if (!shared_.Platform.Windows.Realise(*this)) return false;
   evtLang_ = shared_.Language->NewLangLoaded().Connect(

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "controls/Form.h"
+#include "runtime/HelpTopic.h"
 #include "runtime/clsVTRLKRuntime.h"
 #include "settings/SharedState.h"
 #include "util/Event.h"
@@ -28,12 +29,13 @@ class BaseForm : public controls::Form {
   void Float() noexcept;
 
  protected:
-  BaseForm(SharedState& shared, std::u16string_view name)
-      : Form(name, shared.Platform.Trace), shared_(shared) {}
+  // F1 opens the help at the form's topic.
+  BaseForm(SharedState& shared, std::u16string_view name, HelpTopic topic);
 
   virtual void ApplyCaptions() = 0;
   virtual void evtLang_NewLangLoaded() { ApplyCaptions(); }
   void Form_Message() noexcept override { shared_.GiveBackFlags(); }
+  void Form_Help() override;
   void Form_Unload() override;
 
   std::u16string Text(std::u16string_view key, std::u16string_view default_text) const {

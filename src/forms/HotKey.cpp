@@ -56,10 +56,11 @@ constexpr NamedKey kNamedKeys[] = {
 
 std::u16string KeyName(int32_t key) {
   constexpr int32_t kPad0 = 96;
-  constexpr int32_t kF1 = 112;
   if ((key >= u'0' && key <= u'9') || (key >= kPad0 && key <= kPad0 + 9)) return ToText(key % 48);
   if (key >= u'A' && key <= u'Z') return std::u16string(1, static_cast<char16_t>(key + (u'a' - u'A')));
-  if (key >= kF1 && key <= kF1 + 15) return u"{F" + ToText(key - kF1 + 1) + u"}";
+  if (key >= controls::kKeyF1 && key <= controls::kKeyF1 + 15) {
+    return u"{F" + ToText(key - controls::kKeyF1 + 1) + u"}";
+  }
   const auto* named = std::ranges::find(kNamedKeys, key, &NamedKey::key);
   return named != std::end(kNamedKeys) ? std::u16string(named->name) : std::u16string();
 }

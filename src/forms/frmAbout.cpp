@@ -18,7 +18,7 @@ constexpr std::u16string_view kCredits =
 
 }  // namespace
 
-frmAbout::frmAbout(SharedState& shared) : BaseForm(shared, u"frmAbout") {
+frmAbout::frmAbout(SharedState& shared) : BaseForm(shared, u"frmAbout", HelpTopic::About) {
   KeyDown = [this](int32_t& key, int32_t) {
     if (key != controls::kKeyEscape) return;
     key = 0;

@@ -22,7 +22,7 @@ std::u16string CellOf(std::u16string address) {
 
 }  // namespace
 
-frmEdit::frmEdit(SharedState& shared) : BaseForm(shared, u"frmEdit") {
+frmEdit::frmEdit(SharedState& shared) : BaseForm(shared, u"frmEdit", HelpTopic::Edit) {
   Resizable = true;
   box0.MultiLine = true;  // a cell may hold line breaks
   box0.KeyDown = [this](int32_t& key, int32_t shift) { box0_KeyDown(key, shift); };

@@ -3,6 +3,7 @@
 #include "forms/TextRule.h"
 #include "lang/mclsVTIniFile.h"
 #include "runtime/Failure.h"
+#include "runtime/modMain.h"
 #include "settings/Product.h"
 #include "util/Text.h"
 #include "util/mclsVTString.h"
@@ -19,7 +20,7 @@ constexpr std::u16string_view kEdit = u"EDIT";
 
 }  // namespace
 
-frmOptions::frmOptions(SharedState& shared) : BaseForm(shared, u"frmOptions") {
+frmOptions::frmOptions(SharedState& shared) : BaseForm(shared, u"frmOptions", HelpTopic::Options) {
   tvw0.NodeClick = [this](const controls::TreeView::Node& node) { tvw0_NodeClick(node.key); };
   btnClose.Click = [this] { Unload(); };
   btnClose.Cancel = true;
@@ -123,10 +124,10 @@ void frmOptions::SaveConfiguration() {
     if (default_language_) shared_.Language->SetLangFile(u"");
     return;
   }
-  shared_.Platform.Windows.MsgBox(
-      shared_.Language->GetText(u"Err.WriteCfg", u"Configuration write error in file\\n%1",
-                                items->CfgFileName),
-      host::MsgBoxIcon::Critical, kProductTitle);
+  ShowFailure(shared_,
+              shared_.Language->GetText(u"Err.WriteCfg", u"Configuration write error in file\\n%1",
+                                        items->CfgFileName),
+              HelpTopic::Troubleshooting);
 }
 
 void frmOptions::RegisterHotKeys() {
@@ -261,7 +262,7 @@ void frmOptions::FillLanguages() {
   const auto language = shared_.Language;
   const auto& files = shared_.Platform.Files;
   const auto complain = [&](std::u16string_view text) {
-    shared_.Platform.Windows.MsgBox(text, host::MsgBoxIcon::Critical, kProductTitle);
+    ShowFailure(shared_, text, HelpTopic::Troubleshooting);
   };
   mclsVTDictionary found;
   language_files_.Clear();

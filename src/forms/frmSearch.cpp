@@ -21,7 +21,7 @@ constexpr int32_t kModeCell = 2;
 
 }  // namespace
 
-frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch") {
+frmSearch::frmSearch(SharedState& shared) : BaseForm(shared, u"frmSearch", HelpTopic::Search) {
   SetCaption(kProductTitle);
   Form::KeyDown = [this](int32_t& key, int32_t shift) { Form_KeyDown(key, shift); };
   Activate = [this] {

@@ -13,7 +13,8 @@ constexpr int32_t kDesignTop = 1440;  // twips
 
 }  // namespace
 
-frmSelectRange::frmSelectRange(SharedState& shared) : BaseForm(shared, u"frmSelectRange") {
+frmSelectRange::frmSelectRange(SharedState& shared)
+    : BaseForm(shared, u"frmSelectRange", HelpTopic::SelectRange) {
   SetCaption(u"Select Range");
   KeyDown = [this](int32_t& key, int32_t) {
     if (key == controls::kKeyReturn || key == controls::kKeyExecute) {

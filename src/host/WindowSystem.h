@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -26,6 +27,13 @@ class WindowSystem {
 
   // Shows a text with an OK button.
   virtual void MsgBox(std::u16string_view text, MsgBoxIcon icon, std::u16string_view title) noexcept = 0;
+  // The same for a text that the help says more about, which `help` opens as often as the user asks for it
+  // while the box is there. Where the windows have no way to ask, just the text.
+  virtual void MsgBoxWithHelp(std::u16string_view text, MsgBoxIcon icon, std::u16string_view title,
+                              const std::function<void()>& help) noexcept {
+    static_cast<void>(help);
+    MsgBox(text, icon, title);
+  }
   // Asks with the buttons OK and Cancel; true for OK.
   virtual bool Ask(std::u16string_view text, std::u16string_view title) noexcept = 0;
 

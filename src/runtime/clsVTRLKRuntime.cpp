@@ -68,12 +68,9 @@ void clsVTRLKRuntime::evtLang_NewLangLoaded() {
 
 std::u16string clsVTRLKRuntime::HelpFile() const { return HelpFilePath(shared_); }
 
-void clsVTRLKRuntime::CallHelp() { ShowHelp(shared_, 0); }
+void clsVTRLKRuntime::CallHelp() { ShowHelp(shared_, HelpTopic::Default); }
 
-void clsVTRLKRuntime::CallTechSupport() {
-  constexpr int32_t kTopic = 1200;
-  ShowHelp(shared_, kTopic);
-}
+void clsVTRLKRuntime::CallTechSupport() { ShowHelp(shared_, HelpTopic::TechSupport); }
 
 // From here on messages are processed, which may destroy the object: what is used after that is held.
 

@@ -25,7 +25,8 @@ std::u16string HelpFilePath(SharedState& shared) {
   return shared.HelpDirectory + u"vt_rlk_en.chm";
 }
 
-void ShowHelp(SharedState& shared, int32_t context) {
+void ShowHelp(SharedState& shared, HelpTopic topic) {
+  const auto context = static_cast<int32_t>(topic);
   const auto path = HelpFilePath(shared);
   shared.HelpWindow = context < 1
                           ? shared.Platform.Help.HtmlHelp(path, host::HelpCommand::DisplayTopic, 0)
@@ -34,6 +35,11 @@ void ShowHelp(SharedState& shared, int32_t context) {
   const auto text = shared.Language ? shared.Language->GetText(u"", u"Can't open help file\\n%1", path)
                                     : std::u16string(u"Can't open help file !");
   shared.Platform.Windows.MsgBox(text, host::MsgBoxIcon::Exclamation, kProductTitle);
+}
+
+void ShowFailure(SharedState& shared, std::u16string_view text, HelpTopic topic) {
+  shared.Platform.Windows.MsgBoxWithHelp(text, host::MsgBoxIcon::Critical, kProductTitle,
+                                         [&shared, topic] { ShowHelp(shared, topic); });
 }
 
 intptr_t HostMainWindow(SharedState& shared) {

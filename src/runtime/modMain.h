@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
+#include "runtime/HelpTopic.h"
 #include "settings/SharedState.h"
 
 namespace rowlark {
@@ -23,8 +25,11 @@ inline void PumpMessages(SharedState& shared) {
 // Full path of the help file: the one that the language names if it is there, otherwise the English one.
 std::u16string HelpFilePath(SharedState& shared);
 
-// Opens the help at a topic, or at the default topic for a context below 1. A failure is shown to the user.
-void ShowHelp(SharedState& shared, int32_t context);
+// Opens the help at a topic. A failure is shown to the user.
+void ShowHelp(SharedState& shared, HelpTopic topic);
+
+// Tells the user what went wrong, with a way to the topic that says what to do about it.
+void ShowFailure(SharedState& shared, std::u16string_view text, HelpTopic topic);
 
 // The host's main window; 0 when there is none. Throws host::Error.
 intptr_t HostMainWindow(SharedState& shared);

@@ -1,8 +1,10 @@
 #include "host/terminal/Dialogs.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/terminal/Glyph.h"
+#include "host/terminal/Input.h"
 #include "host/terminal/TextLines.h"
 #include "util/Text.h"
 #include "util/Utf.h"
@@ -22,9 +24,10 @@ std::u16string Literal(std::u16string_view text) {
 }  // namespace
 
 MessageForm::MessageForm(std::u16string_view title, std::u16string_view text,
-                         const std::vector<std::u16string>& buttons, int32_t width, controls::View& view,
-                         Trace* trace)
-    : Form(u"MessageForm", trace), answer_(buttons.size() - 1) {
+                         const std::vector<std::u16string>& buttons, std::function<void()> help,
+                         int32_t width, controls::View& view, Trace* trace)
+    : Form(u"MessageForm", trace), help_(std::move(help)), answer_(buttons.size() - 1) {
+  HelpContextID = help_ ? 1 : 0;
   SetCaption(title);
   std::u16string lines;
   for (const auto [begin, end] : BreakLines(text, width)) {
@@ -90,7 +93,7 @@ PromptForm::PromptForm(std::u16string_view title, std::u16string_view text, std:
 
 ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t rows, controls::View& view,
                    Trace* trace)
-    : Form(u"ListForm", trace) {
+    : Form(u"ListForm", trace), rows_(std::min(rows, static_cast<int32_t>(entries.size()))) {
   int32_t width = 0;
   for (const auto& entry : entries) {
     list_.AddItem({entry.text, {}, 0});
@@ -105,8 +108,7 @@ ListForm::ListForm(const std::vector<Entry>& entries, int32_t selected, int32_t 
     SelectNext(character);
   };
   Activate = [this] { list_.SetFocus(); };
-  SetLayout(
-      Layout::Column({Layout(list_, {width + 3, std::min(rows, static_cast<int32_t>(entries.size()))})}));
+  SetLayout(Layout::Column({Layout(list_, {width + 3, rows_})}));
   Attach(view);
   Arrange();
   Load();
@@ -120,8 +122,14 @@ void ListForm::UseKey(int32_t& key) {
     key = 0;
     Unload();
   } else if (key == controls::kKeyHome || key == controls::kKeyEnd) {
-    list_.UserPicked(key == controls::kKeyHome ? 0 : static_cast<int32_t>(list_.Items().size()) - 1);
+    Move(key == controls::kKeyHome ? -list_.Selected() : static_cast<int32_t>(list_.Items().size()));
+  } else if (key == kKeyPageUp || key == kKeyPageDown) {
+    Move(key == kKeyPageUp ? -rows_ : rows_);
   }
+}
+
+void ListForm::Move(int32_t step) {
+  list_.UserPicked(std::clamp(list_.Selected() + step, 0, static_cast<int32_t>(list_.Items().size()) - 1));
 }
 
 // The next entry that begins with the letter.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -19,15 +20,18 @@ namespace rowlark::terminal {
 // A text and buttons, of which Enter presses the first and Escape the last.
 class MessageForm final : public controls::Form {
  public:
+  // With `help`, which may be empty, F1 calls it.
   MessageForm(std::u16string_view title, std::u16string_view text, const std::vector<std::u16string>& buttons,
-              int32_t width, controls::View& view, Trace* trace);
+              std::function<void()> help, int32_t width, controls::View& view, Trace* trace);
 
   // The index of the button that was pressed.
   std::size_t Answer() const { return answer_; }
 
  private:
   void Form_Close() override;
+  void Form_Help() override { help_(); }
 
+  const std::function<void()> help_;
   controls::Label text_{*this, u"text"};
   std::vector<std::unique_ptr<controls::Button>> buttons_;
   std::size_t answer_;
@@ -69,10 +73,12 @@ class ListForm final : public controls::Form {
 
  private:
   void UseKey(int32_t& key);
+  void Move(int32_t step);
   void SelectNext(char16_t letter);
 
   controls::ListView list_{*this, u"list"};
   std::vector<char32_t> accelerators_;
+  int32_t rows_;
   int32_t chosen_ = -1;
 };
 

@@ -10,12 +10,13 @@
 
 namespace rowlark::terminal {
 
+using controls::kKeyF1;
+
 // Virtual key codes (VK_... of winuser.h) beside those of controls/Keys.h.
 enum Key : int32_t {
   kKeyPageUp = 33,
   kKeyPageDown = 34,
   kKeyInsert = 45,
-  kKeyF1 = 112,  // and so on to F12
   kKeyF12 = 123,
   kKeyPacket = 231,  // a character that no key stands for
 };

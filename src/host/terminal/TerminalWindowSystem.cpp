@@ -10,6 +10,7 @@
 #include "controls/Keyboard.h"
 #include "host/terminal/CellMetrics.h"
 #include "host/terminal/FormPainter.h"
+#include "host/terminal/TextLines.h"
 #include "util/Utf.h"
 
 namespace rowlark::terminal {
@@ -106,9 +107,10 @@ void TerminalWindowSystem::EndWaits() {
 }
 
 std::size_t TerminalWindowSystem::Choose(std::u16string_view text, std::u16string_view title,
-                                         const std::vector<std::u16string>& buttons) {
-  const auto form = MakeRef<MessageForm>(title, text, buttons, std::min(kWidest, screen_.Size().width - 6),
-                                         *this, pump_.Trace());
+                                         const std::vector<std::u16string>& buttons,
+                                         const std::function<void()>& help) {
+  const auto form = MakeRef<MessageForm>(title, text, buttons, help,
+                                         std::min(kWidest, screen_.Size().width - 6), *this, pump_.Trace());
   windows_.push_back({form.get()});
   Run(*form);
   return form->Answer();
@@ -123,9 +125,15 @@ std::optional<std::u16string> TerminalWindowSystem::Prompt(std::u16string_view t
   return form->Answer();
 }
 
-void TerminalWindowSystem::MsgBox(std::u16string_view text, host::MsgBoxIcon,
+void TerminalWindowSystem::MsgBox(std::u16string_view text, host::MsgBoxIcon icon,
                                   std::u16string_view title) noexcept {
-  Attempt(pump_.Trace(), [&] { Choose(text, title, {OkCaption()}); });
+  MsgBoxWithHelp(text, icon, title, {});
+}
+
+void TerminalWindowSystem::MsgBoxWithHelp(std::u16string_view text, host::MsgBoxIcon,
+                                          std::u16string_view title,
+                                          const std::function<void()>& help) noexcept {
+  Attempt(pump_.Trace(), [&] { Choose(text, title, {OkCaption()}, help); });
 }
 
 bool TerminalWindowSystem::Ask(std::u16string_view text, std::u16string_view title) noexcept {
@@ -136,8 +144,21 @@ bool TerminalWindowSystem::Ask(std::u16string_view text, std::u16string_view tit
 
 int32_t TerminalWindowSystem::ChooseFrom(const std::vector<ListForm::Entry>& entries, int32_t selected,
                                          Point beside) {
-  const auto form = MakeRef<ListForm>(
-      entries, selected, std::clamp(screen_.Size().height - 4, 1, kMostEntries), *this, pump_.Trace());
+  return RunList(entries, selected, std::min(screen_.Size().height - 4, kMostEntries), beside);
+}
+
+void TerminalWindowSystem::Read(std::u16string_view text) {
+  std::vector<ListForm::Entry> lines;
+  for (const auto [begin, end] : BreakLines(text, screen_.Size().width - 6)) {
+    const auto line = text.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin));
+    lines.push_back({std::u16string(line)});
+  }
+  RunList(lines, 0, screen_.Size().height - 4, {1, 1});
+}
+
+int32_t TerminalWindowSystem::RunList(const std::vector<ListForm::Entry>& entries, int32_t selected,
+                                      int32_t rows, Point beside) {
+  const auto form = MakeRef<ListForm>(entries, selected, std::max(rows, 1), *this, pump_.Trace());
   windows_.push_back({form.get()});
   windows_.back().beside = beside;
   Run(*form);

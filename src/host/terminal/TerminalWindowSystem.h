@@ -31,6 +31,8 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
 
   bool Realise(controls::Form& form) noexcept override;
   void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override;
+  void MsgBoxWithHelp(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title,
+                      const std::function<void()>& help) noexcept override;
   bool Ask(std::u16string_view text, std::u16string_view title) noexcept override;
   void OpenLink(controls::Form& parent, std::u16string_view link) noexcept override;
   void Beep() noexcept override { screen_.Beep(); }
@@ -38,13 +40,15 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
   std::vector<controls::TwipRect> Screens() const noexcept override { return {}; }
   intptr_t WindowOfClass(std::u16string_view) const noexcept override { return 0; }
 
-  // Asks with buttons of one's own; the index of the one pressed, the last for Escape.
+  // Asks with buttons of one's own; the index of the one pressed, the last for Escape. F1 calls `help`.
   std::size_t Choose(std::u16string_view text, std::u16string_view title,
-                     const std::vector<std::u16string>& buttons);
+                     const std::vector<std::u16string>& buttons, const std::function<void()>& help = {});
   // Asks for a line, which begins as `text`; nothing for Escape.
   std::optional<std::u16string> Prompt(std::u16string_view title, std::u16string_view text);
   // Offers entries beside a place on the screen; the index of the one chosen, -1 for none.
   int32_t ChooseFrom(const std::vector<ListForm::Entry>& entries, int32_t selected, Point beside);
+  // Shows a text of any length, to be scrolled through.
+  void Read(std::u16string_view text);
   // Every wait for an answer ends, also later ones.
   void EndWaits();
 
@@ -74,6 +78,7 @@ class TerminalWindowSystem final : public host::WindowSystem, public controls::V
   Window* Active();
   void Activate(Window& window);
   void Run(controls::Form& form);
+  int32_t RunList(const std::vector<ListForm::Entry>& entries, int32_t selected, int32_t rows, Point beside);
 
   void Place(Window& window, const Rect& room);
   void DrawWindow(Canvas& canvas, Window& window, bool active);

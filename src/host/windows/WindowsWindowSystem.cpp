@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/windows/FormWindow.h"
+#include "host/windows/MessageBoxHelp.h"
 #include "util/Text.h"
 #include "util/windows/WideText.h"
 
@@ -68,6 +69,16 @@ bool WindowsWindowSystem::Realise(controls::Form& form) noexcept {
 void WindowsWindowSystem::MsgBox(std::u16string_view text, host::MsgBoxIcon icon,
                                  std::u16string_view title) noexcept {
   if (!Attempt(trace_, [&] { ShowBox(text, title, MB_OK | static_cast<UINT>(icon)); })) Beep();
+}
+
+void WindowsWindowSystem::MsgBoxWithHelp(std::u16string_view text, host::MsgBoxIcon icon,
+                                         std::u16string_view title,
+                                         const std::function<void()>& help) noexcept {
+  const bool shown = Attempt(trace_, [&] {
+    const MessageBoxHelp watch(help, trace_);
+    ShowBox(text, title, MB_OK | MB_HELP | static_cast<UINT>(icon));
+  });
+  if (!shown) Beep();
 }
 
 bool WindowsWindowSystem::Ask(std::u16string_view text, std::u16string_view title) noexcept {

@@ -35,6 +35,8 @@ class WindowsWindowSystem final : public host::WindowSystem {
 
   // Without an active window of this thread a box belongs to none, and the thread's windows wait for it.
   void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override;
+  void MsgBoxWithHelp(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title,
+                      const std::function<void()>& help) noexcept override;
   bool Ask(std::u16string_view text, std::u16string_view title) noexcept override;
   void OpenLink(controls::Form& parent, std::u16string_view link) noexcept override;
   void Beep() noexcept override;
