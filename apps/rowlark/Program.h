@@ -63,6 +63,7 @@ class Program {
                       std::initializer_list<std::u16string> with = {}) const {
     return shared_.Language->GetText(key, text, with);
   }
+  const mclsVTFileSystem& Files() const { return files_; }
   // Nothing when nobody asks for one.
   rowlark::Trace* Trace() const { return shared_.Platform.Trace; }
 

@@ -2,10 +2,12 @@
 
 #include <signal.h>
 
+#include <algorithm>
 #include <functional>
 #include <utility>
 #include <vector>
 
+#include "HelpText.h"
 #include "Keys.h"
 #include "controls/Keyboard.h"
 #include "forms/HotKey.h"
@@ -27,7 +29,7 @@ bool IsNextMatch(const KeyPress& press) { return press.key == FKey(3) && (press.
 
 TerminalProgram::TerminalProgram(Program& program, terminal::Screen& screen,
                                  terminal::TerminalMessagePump& pump, terminal::TerminalWindowSystem& windows,
-                                 KeyHelp& help)
+                                 TerminalHelp& help)
     : program_(program),
       screen_(screen),
       pump_(pump),
@@ -40,13 +42,13 @@ TerminalProgram::TerminalProgram(Program& program, terminal::Screen& screen,
   windows_.SetDesktop(*this);
   windows_.OkCaption = [this] { return program_.Text(u"Edit.UI.BtnOK", u"O&K"); };
   windows_.CancelCaption = [this] { return program_.Text(u"Edit.UI.BtnClose", u"&Cancel"); };
-  help_.Show = [this] { ShowKeys(); };
+  help_.Show = [this](std::u16string_view file, int32_t context) { return ShowHelp(file, context); };
   pump_.OnEnd = [this](int signal) { signal == SIGINT ? Quit() : EndBySignal(signal); };
 }
 
 TerminalProgram::~TerminalProgram() {
   pump_.OnEnd = [](int) {};
-  help_.Show = [] {};
+  help_.Show = [](std::u16string_view, int32_t) { return false; };
 }
 
 int TerminalProgram::Run(const TerminalArguments& arguments) {
@@ -181,6 +183,29 @@ void TerminalProgram::ShowMenu() {
   add(program_.Text(u"Terminal.Menu.Shell", u"&Back to the shell for a while"), [this] { pump_.Suspend(); });
   const int32_t chosen = windows_.ChooseFrom(entries, 0, {1, screen_.Size().height - 1});
   if (chosen >= 0) actions[static_cast<std::size_t>(chosen)]();
+}
+
+bool TerminalProgram::ShowHelp(std::u16string_view file, int32_t context) {
+  const auto& language = program_.Runtime().Language();
+  auto topics = ReadHelpTexts(program_.Files(), language.HelpFile());
+  if (topics.empty()) topics = ReadHelpTexts(program_.Files(), file);
+  if (context != 0) {
+    const auto topic = std::ranges::find(topics, context, &HelpText::context);
+    if (topic == topics.end()) return false;
+    windows_.Read(topic->text);
+    return true;
+  }
+  if (topics.empty()) {
+    ShowKeys();
+    return true;
+  }
+  std::vector<terminal::ListForm::Entry> titles;
+  for (const auto& topic : topics) titles.push_back({topic.title});
+  int32_t chosen = 0;
+  while ((chosen = windows_.ChooseFrom(titles, chosen, {1, 1})) >= 0 && !status_) {
+    windows_.Read(topics[static_cast<std::size_t>(chosen)].text);
+  }
+  return true;
 }
 
 void TerminalProgram::Quit() {

@@ -27,21 +27,21 @@ struct TerminalArguments {
   bool follow = false;      // keep to the end of files that grow
 };
 
-// The help there is: a list of the keys.
-class KeyHelp final : public host::Help {
+// The help is shown by whoever has the screen.
+class TerminalHelp final : public host::Help {
  public:
-  std::function<void()> Show;
+  // Shows a topic of a help file, or all of them to choose from for 0; false where there is none.
+  std::function<bool(std::u16string_view file, int32_t context)> Show;
 
-  intptr_t HtmlHelp(std::u16string_view, host::HelpCommand, int32_t) noexcept override {
-    Show();
-    return 1;
+  intptr_t HtmlHelp(std::u16string_view file, host::HelpCommand, int32_t context) noexcept override {
+    return AttemptOr(nullptr, false, [&] { return Show(file, context); }) ? 1 : 0;
   }
 };
 
 class TerminalProgram final : public terminal::Desktop {
  public:
   TerminalProgram(Program& program, terminal::Screen& screen, terminal::TerminalMessagePump& pump,
-                  terminal::TerminalWindowSystem& windows, KeyHelp& help);
+                  terminal::TerminalWindowSystem& windows, TerminalHelp& help);
   TerminalProgram(const TerminalProgram&) = delete;
   TerminalProgram& operator=(const TerminalProgram&) = delete;
   ~TerminalProgram() override;
@@ -75,6 +75,7 @@ class TerminalProgram final : public terminal::Desktop {
   bool RunHotKey(const terminal::KeyPress& press);
   void ShowMenu();
   void ShowKeys();
+  bool ShowHelp(std::u16string_view file, int32_t context);
   void Quit();
   void EndBySignal(int signal);
   void End(int status);
@@ -83,7 +84,7 @@ class TerminalProgram final : public terminal::Desktop {
   terminal::Screen& screen_;
   terminal::TerminalMessagePump& pump_;
   terminal::TerminalWindowSystem& windows_;
-  KeyHelp& help_;
+  TerminalHelp& help_;
 
   Tables tables_;
   SearchMarks marks_;

@@ -131,7 +131,7 @@ int RunTerminal(rowlark::TerminalArguments arguments, const rowlark::ProgramArgu
     rowlark::terminal::TerminalMessagePump pump(screen, signals, common.trace);
     rowlark::terminal::TerminalWindowSystem windows(
         screen, pump, {u"frmSearch", u"frmEdit", u"frmSelectRange", rowlark::CellEditor::kName});
-    rowlark::KeyHelp help;
+    rowlark::TerminalHelp help;
     rowlark::Program program(common, pump, windows, help);
     rowlark::TerminalProgram table(program, screen, pump, windows, help);
     status = table.Run(arguments);
