@@ -38,8 +38,10 @@ SharedState::~SharedState() {
 void SharedState::Acquire() {
   if (users_++ > 0) return;
   Terminating = false;
+  // A set-up for one user alone may have no right to write for the machine.
   const auto read = [this](std::u16string_view value, std::u16string_view otherwise = u"") {
-    return Registry.GetString(host::Hive::LocalMachine, kProductKey, value, otherwise);
+    return Registry.GetString(host::Hive::LocalMachine, kProductKey, value,
+                              Registry.GetString(host::Hive::CurrentUser, kProductKey, value, otherwise));
   };
   // Beside the library unless set-up has chosen another folder; what depends on the host's current folder,
   // which anybody may fill, is below it as well.

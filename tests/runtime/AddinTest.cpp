@@ -172,11 +172,12 @@ TEST(Help, LiesBesideTheLibraryUnlessSetUpSaysOtherwise) {
         std::pair("D:\\Help", "D:\\Help\\vt_rlk_en.chm"),
         std::pair("\\\\server\\help", "\\\\server\\help\\vt_rlk_en.chm"),
         std::pair("/usr/share/help/", "/usr/share/help/vt_rlk_en.chm")}) {
-    TestLibrary library(u"C:\\Rowlark");
-    if (*set_up != '\0') {
-      library.shared.Registry.SetString(Hive::LocalMachine, kProductKey, u"HelpPath", ToUtf16(set_up));
+    for (const auto hive : {Hive::LocalMachine, Hive::CurrentUser}) {
+      TestLibrary library(u"C:\\Rowlark");
+      const auto& registry = library.shared.Registry;
+      if (*set_up != '\0') registry.SetString(hive, kProductKey, u"HelpPath", ToUtf16(set_up));
+      EXPECT_EQ(ToUtf8(clsVTRLKRuntime(library.shared, library.forms).HelpFile()), file);
     }
-    EXPECT_EQ(ToUtf8(clsVTRLKRuntime(library.shared, library.forms).HelpFile()), file);
   }
 }
 

@@ -319,6 +319,8 @@ TEST(Configuration, TakesTheLanguageOfTheSetUpWhereItNamesNone) {
   for (const auto* setup : {u"", u"german"}) {
     Settings settings;
     if (*setup != u'\0') {
+      // The machine's comes before the user's.
+      settings.shared.Registry.SetString(Hive::CurrentUser, kProductKey, u"SetupLanguage", u"polish");
       settings.shared.Registry.SetString(Hive::LocalMachine, kProductKey, u"SetupLanguage", setup);
     }
     FillExample(settings);
