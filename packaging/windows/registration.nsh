@@ -47,10 +47,11 @@
   ${If} $0 == ""
     DeleteRegKey SHCTX "${CLASSES}\TypeLib\${LIBRARY_ID}"
   ${EndIf}
-  ; A user may have had none.
-  DeleteRegKey /ifempty SHCTX "${CLASSES}\CLSID"
-  DeleteRegKey /ifempty SHCTX "${CLASSES}\Interface"
-  DeleteRegKey /ifempty SHCTX "${CLASSES}\TypeLib"
+  ${If} $ForEverybody = 0 ; a user may have had none
+    DeleteRegKey /ifempty HKCU "${CLASSES}\CLSID"
+    DeleteRegKey /ifempty HKCU "${CLASSES}\Interface"
+    DeleteRegKey /ifempty HKCU "${CLASSES}\TypeLib"
+  ${EndIf}
 !macroend
 
 ; The name of the class goes with the last class.

@@ -474,7 +474,6 @@ Section "Uninstall"
   ${EndIf}
 
   DeleteRegKey SHCTX "${UNINSTALL_KEY}"
-  DeleteRegKey /ifempty SHCTX "Software\Microsoft\Windows\CurrentVersion\Uninstall"
   !insertmacro ForEachFile RemoveFile
   Delete "$INSTDIR\uninstall.exe"
   RMDir "$INSTDIR\x64"
@@ -482,5 +481,6 @@ Section "Uninstall"
   RMDir "$INSTDIR"
   ${If} $ForEverybody = 0
     RMDir "$LOCALAPPDATA\Programs"
+    DeleteRegKey /ifempty HKCU "Software\Microsoft\Windows\CurrentVersion\Uninstall"
   ${EndIf}
 SectionEnd

@@ -23,14 +23,14 @@ BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
 TARGET = os.environ.get("ROWLARK_SETUP", "amd64-unicode")
 CHROOT = shlex.split(os.environ.get("ROWLARK_CHROOT", ""))
 PREFIX = BUILD / f"wine-installer-{TARGET}"
+# The folders of the system's programs, by the bitness of the library that they load.
+SYSTEMS = {"x64": "system32"} if TARGET == "amd64-unicode" else {"x64": "system32", "x86": "syswow64"}
 WINE = [*CHROOT, ROOT / "cmake/wine.sh", PREFIX]
 DRIVE = PREFIX / "drive_c"
 
 PRODUCT = r"Software\Vantrel\Office Addins\Rowlark\1.0"
 UNINSTALL = r"Software\Microsoft\Windows\CurrentVersion\Uninstall\Vantrel Rowlark"
-CLASSES = r"Software\Classes"
 CLASS_ID = "{5082DB8A-0A28-4C7F-BCB4-39A3E8746B0A}"
-LIBRARY_ID = "{CBEE3AB9-089D-4353-B490-64E15AABA2DC}"
 
 # Exit statuses of set-up.
 NEWER, IN_USE, USAGE, OTHER_SCOPE = 3, 4, 6, 7
@@ -45,7 +45,7 @@ def on_windows(path):
 
 
 def set_value(key, name, text, kind="REG_SZ"):
-    wine("reg", "add", key, "/v", name, "/t", kind, "/d", text, "/f", check=True)
+    wine("reg", "add", key, *(("/v", name) if name else ("/ve",)), "/t", kind, "/d", text, "/f", check=True)
 
 
 def delete_key(key):
@@ -158,11 +158,12 @@ class InstallerTest(unittest.TestCase):
         self.assertAlmostEqual(int(entry["EstimatedSize"].removeprefix("dword:"), 16), size, delta=size / 10)
         return keys
 
-    def expect_to_work(self, folder, language):
-        told = use()
-        self.assertEqual(told.returncode, 42, told.stdout)
-        library, help_file = on_windows(folder / "x64") + "\\", on_windows(folder / "vt_rlk_en.chm")
-        self.assertEqual(told.stdout.split("\n"), [library, language + ".lng", help_file, ""])
+    def expect_to_work(self, folder, language, cpus):
+        for cpu in cpus:
+            told = use(SYSTEMS[cpu])
+            self.assertEqual(told.returncode, 42, told.stdout)
+            library, help_file = on_windows(folder / cpu) + "\\", on_windows(folder / "vt_rlk_en.chm")
+            self.assertEqual(told.stdout.split("\n"), [library, language + ".lng", help_file, ""])
 
     def test_for_one_user(self):
         office = r"HKCU\Software\Microsoft\Office"
@@ -186,6 +187,15 @@ class InstallerTest(unittest.TestCase):
         self.assertEqual(keys[options], {**others, "OPEN2": later, "OPEN3": entry})
         for version in "14.0", "15.0":
             self.assertEqual(keys[rf"{office}\{version}\Excel\Options"]["OPEN"], entry)
+
+        # Windows shows the classes of the user among those of the machine; here they are not looked for.
+        classes = [rf"HKLM\Software\Classes\CLSID\{CLASS_ID}", r"HKLM\Software\Classes\vtrlk_runtime.clsVTRLKRuntime"]
+        for key, name in zip(classes, ("InprocServer32", "Clsid")):
+            key = key + "\\" + name
+            set_value(key, "", keys[key.replace("HKLM", "HKCU")]["@"])
+        self.expect_to_work(self.own, "german", ["x64"])
+        for key in classes:
+            delete_key(key)
 
         self.install(version="1.2.0", expect=NEWER)
         self.install("/AllUsers", expect=OTHER_SCOPE)
@@ -223,12 +233,10 @@ class InstallerTest(unittest.TestCase):
         for view in "", "Wow6432Node\\":
             chosen = keys[PRODUCT.replace("Software\\", "HKLM\\Software\\" + view)]
             self.assertEqual((chosen["SetupLanguage"], chosen["HelpPath"]), ("polish", on_windows(self.common) + "\\"))
-        self.expect_to_work(self.common, "polish")
+        self.expect_to_work(self.common, "polish", SYSTEMS)
         # The library itself would have written the same.
-        for switch in (), ("/u",):
-            wine("regsvr32", "/s", *switch, on_windows(self.common / "x64/vtrlk_runtime.dll"), check=True)
-            if not switch:
-                self.expect_same(registry(), keys)
+        wine("regsvr32", "/s", on_windows(self.common / "x64/vtrlk_runtime.dll"), check=True)
+        self.expect_same(registry(), keys)
 
         self.install("/CurrentUser", expect=OTHER_SCOPE)
         for file in self.common / "x64/vtrlk_runtime.dll", start_up / "vt_rowlark.xlam":
@@ -238,13 +246,13 @@ class InstallerTest(unittest.TestCase):
         self.expect_same(state(), before)
 
 
-def use():
+def use(system):
     """Creates the library's object by its registered class; the first use of scripts writes into the registry itself."""
-    return wine("cscript", "//nologo", f"Z:{ROOT}/tests/installer/use.vbs")
+    return wine(rf"C:\windows\{system}\cscript.exe", "//nologo", f"Z:{ROOT}/tests/installer/use.vbs")
 
 
 def own_folder():
-    assert use().returncode != 42  # makes the prefix as well
+    assert 42 not in [use(system).returncode for system in SYSTEMS.values()]  # makes the prefix as well
     return next(path for path in (DRIVE / "users").iterdir() if path.name != "Public")
 
 
