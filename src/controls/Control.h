@@ -143,4 +143,16 @@ class Control {
   bool visible_ = true;
 };
 
+// The control as one of a kind; null when it is of another kind, or there is none.
+template <class Wanted>
+Wanted* As(Control* control) {
+  struct Taker final : Visitor {
+    using Visitor::Visit;
+    void Visit(Wanted& one) override { taken = &one; }
+    Wanted* taken = nullptr;
+  } taker;
+  if (control != nullptr) control->Accept(taker);
+  return taker.taken;
+}
+
 }  // namespace rowlark::controls

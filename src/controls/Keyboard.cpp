@@ -29,8 +29,7 @@ void MoveFocus(Form& form, bool back) {
 
 void ClickIfAny(Form& form, bool Button::*role) {
   for (Control* control : form.Controls()) {
-    if (control->Kind == ControlKind::Button && static_cast<Button*>(control)->*role)
-      return control->UserClicked();
+    if (auto* button = As<Button>(control); button != nullptr && button->*role) return button->UserClicked();
   }
 }
 
@@ -178,9 +177,7 @@ void UseKey(Form& form, int32_t key, int32_t shift) {
   }
   if (key == kKeyTab) return MoveFocus(form, (shift & kShift) != 0);
   if (key == kKeyEscape) return ClickIfAny(form, &Button::Cancel);
-  if (key == kKeyReturn && (control == nullptr || control->Kind != ControlKind::Button)) {
-    return ClickIfAny(form, &Button::Default);
-  }
+  if (key == kKeyReturn && As<Button>(control) == nullptr) return ClickIfAny(form, &Button::Default);
   KeyUser user(key, shift);
   if (control != nullptr) control->Accept(user);
 }

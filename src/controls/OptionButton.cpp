@@ -7,9 +7,8 @@ namespace rowlark::controls {
 void OptionButton::SetValue(bool selected) {
   if (!Set(value_, selected, Property::Value) || !selected) return;
   for (Control* control : Parent().Controls()) {
-    if (control != this && control->Kind == Kind && control->Container == Container) {
-      static_cast<OptionButton*>(control)->SetValue(false);
-    }
+    auto* other = As<OptionButton>(control);
+    if (other != nullptr && other != this && other->Container == Container) other->SetValue(false);
   }
   Click.Raise();
 }

@@ -13,6 +13,7 @@ class TextBox final : public TextInput {
   void Accept(Visitor& visitor) override { visitor.Visit(*this); }
 
   bool MultiLine = false;
+  bool HasLines() const override { return MultiLine; }
   bool Alert = false;  // stands out, since it tells what went wrong
   // What can only be read is read whole.
   Size Needs(const Ruler& ruler, Extent least) const override {

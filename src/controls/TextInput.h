@@ -28,6 +28,7 @@ class TextInput : public Control {
   int32_t End() const { return static_cast<int32_t>(text_.size()); }
 
   bool ReadOnly = false;
+  virtual bool HasLines() const { return false; }
 
   Size Needs(const Ruler& ruler, Extent least) const override;
   Room RoomInLine() const override { return Room::Rest; }

@@ -138,19 +138,19 @@ bool TerminalWindowSystem::MoveFocus(Form& form, const KeyPress& press) {
 
 // Of the combo box that has the keyboard.
 bool TerminalWindowSystem::OpenList(Form& form) {
-  Control* control = form.ActiveControl();
-  if (control == nullptr || control->Kind != ControlKind::ComboBox || !control->Enabled()) return false;
-  auto& box = static_cast<controls::ComboBox&>(*control);
+  auto* const box = controls::As<controls::ComboBox>(form.ActiveControl());
+  if (box == nullptr || !box->Enabled()) return false;
   const auto* window = Find(form);
   if (window->frame == Rect{}) Draw();  // the key came before the form was seen
-  if (box.ListCount() == 0 || !box.Shown()) return false;
+  if (box->ListCount() == 0 || !box->Shown()) return false;
   std::vector<ListForm::Entry> entries;
-  entries.reserve(static_cast<std::size_t>(box.ListCount()));
-  for (int32_t i = 0; i < box.ListCount(); ++i) entries.push_back({box.List(i)});
+  entries.reserve(static_cast<std::size_t>(box->ListCount()));
+  for (int32_t i = 0; i < box->ListCount(); ++i) entries.push_back({box->List(i)});
   const Rect& inner = window->inner;
-  const int32_t chosen = ChooseFrom(
-      entries, box.ListIndex(), {inner.left + box.Bounds.left, inner.top + box.Bounds.top - window->scroll});
-  if (form.Loaded()) box.UserPicked(chosen);
+  const int32_t chosen =
+      ChooseFrom(entries, box->ListIndex(),
+                 {inner.left + box->Bounds.left, inner.top + box->Bounds.top - window->scroll});
+  if (form.Loaded()) box->UserPicked(chosen);
   return true;
 }
 
@@ -158,12 +158,12 @@ bool TerminalWindowSystem::OpenList(Form& form) {
 bool TerminalWindowSystem::PressToolBar(Form& form, const KeyPress& press) {
   if (press.shift != controls::kAlt) return false;
   for (auto* control : form.Controls()) {
-    if (control->Kind != ControlKind::ToolBar || !control->Shown()) continue;
-    auto& bar = static_cast<controls::ToolBar&>(*control);
-    for (const auto& button : bar.Buttons()) {
+    auto* const bar = controls::As<controls::ToolBar>(control);
+    if (bar == nullptr || !bar->Shown()) continue;
+    for (const auto& button : bar->Buttons()) {
       std::u16string_view caption = button.caption;
       if (caption.empty() || ToUpper(TakeUtf16(caption)) != static_cast<char32_t>(press.key)) continue;
-      bar.UserPressed(std::u16string(button.key));
+      bar->UserPressed(std::u16string(button.key));
       return true;
     }
   }

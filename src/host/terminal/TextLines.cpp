@@ -2,18 +2,7 @@
 
 #include <algorithm>
 
-#include "controls/TextBox.h"
-
 namespace rowlark::terminal {
-namespace {
-
-bool HasLines(const controls::TextInput& input) {
-  return input.Kind == controls::ControlKind::TextBox &&
-         static_cast<const controls::TextBox&>(input).MultiLine;
-}
-
-}  // namespace
-
 std::vector<TextLine> BreakLines(std::u16string_view text, int32_t width) {
   std::vector<TextLine> lines;
   const auto offset = [whole = text.size()](std::u16string_view rest) {
@@ -51,7 +40,7 @@ std::vector<TextLine> BreakLines(std::u16string_view text, int32_t width) {
 TextPane::TextPane(const controls::TextInput& input, Size size) : input_(input), size_(size) {
   const std::u16string_view text = input.Text();
   const int32_t caret = input.Caret();
-  if (HasLines(input)) {
+  if (input.HasLines()) {
     lines_ = BreakLines(text, size.width - (input.ReadOnly ? 0 : 1));
     std::size_t line = 0;
     while (line + 1 < lines_.size() && lines_[line + 1].begin <= caret) ++line;
