@@ -385,6 +385,8 @@ void Tables::MovePlace(Document& from, Document& to) {
     const int32_t row = std::clamp(at.first_row, used.first_row, used.last_row);
     const int32_t column = std::clamp(at.first_column, used.first_column, used.last_column);
     sheet->Select({Block::OfCell(row, column)}, {row, column});
+    if (const auto view = views_.find(same->get()); view != views_.end())
+      views_.try_emplace(sheet.get(), sheet).first->second.StandInFor(view->second);
     if (same->get() == &from.ActiveSheet()) to.Workbook()->ActivateSheet(sheet);
   }
 }

@@ -340,9 +340,11 @@ class Life(Session):
         terminal.wait("7 of 7 rows").wait("ann-1").wait("gil").wait("t.csv *").wait_gone("changed on disk")
         terminal.close()
         terminal = self.start("--follow", "t.csv").wait("unsaved changes: 1").press("Right", "Enter").wait("│ A8 gil")
-        with (self.folder / "t.csv").open("a") as file:
+        with (self.folder / "t.csv").open("a", buffering=1) as file:
             file.write("hal,Ulm,1\n")
-        terminal.wait("│ A9 hal").press("Up").wait("│ A8 gil")
+            terminal.wait("│ A9 hal").press("C-g", "3", "Enter").wait("│ A3 bob")
+            file.write("ida,Ulm,2\n")
+            terminal.wait("  10│ ida").wait("│ A3 bob")
 
     def test_comes_back_after_a_stop(self):
         terminal = self.start().wait("6 of 6 rows")
