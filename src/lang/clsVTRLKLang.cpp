@@ -64,7 +64,7 @@ std::u16string clsVTRLKLang::SetupLanguage() const {
 
 std::u16string clsVTRLKLang::FileOf(std::u16string_view name) const {
   if (environment_.Files == nullptr) return {};
-  const auto exact = path_ + std::u16string(name);
+  auto exact = path_ + std::u16string(name);
   if (environment_.Files->IsFileExists(exact)) return exact;
   mclsVTDictionary files;
   // What was listed before an error counts.
