@@ -39,7 +39,7 @@ addin() {
 # The help to read without the program: for Windows, and as web pages.
 help() {
   scripts/help.sh "$work/help"
-  rm "$work/help/rowlark.1"
+  rm -r "$work/help/rowlark.1" "$work/help/text"
   zipped "rowlark-$version-help.zip" "$work/help"
 }
 

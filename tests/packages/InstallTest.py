@@ -39,6 +39,7 @@ def setUpModule():
 class Program(unittest.TestCase):
     def test_finds_its_languages(self):
         languages = STAGE / "share/rowlark/languages"
+        self.assertTrue((languages / "vt_rlk_de.txt").exists())  # the help
         beside, alone = PLACE / "beside", PLACE / "alone"
         for folder in (beside, alone):
             folder.mkdir()
