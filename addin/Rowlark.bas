@@ -141,7 +141,7 @@ Private Function NoLibrary(ByVal strWhy As String) As String
     #Else
         strBits = "32"
     #End If
-    NoLibrary = "Rowlark's library for " & strBits & "-bit Excel is missing or not registered." & vbCrLf & _
+    NoLibrary = "The add-in's library is missing or not registered for " & strBits & "-bit Excel." & vbCrLf & _
         "(" & strWhy & ")" & vbCrLf & vbCrLf & _
         "Run Rowlark's set-up again; or run in the folder of the " & strBits & "-bit library" & vbCrLf & _
         "for yourself: regsvr32 /n /i:user vtrlk_runtime.dll" & vbCrLf & _

@@ -30,7 +30,7 @@ LIBRARY = """<library:library xmlns:library="http://openoffice.org/2000/library"
 MODULE = """<script:module xmlns:script="http://openoffice.org/2000/script" script:name="{}"
  script:language="StarBasic">{}</script:module>"""
 
-NO_LIBRARY = ("message 16 Vantrel Rowlark: Rowlark's library for 32-bit Excel is missing or not registered.|"
+NO_LIBRARY = ("message 16 Vantrel Rowlark: The add-in's library is missing or not registered for 32-bit Excel.|"
               "(Can not create vtrlk_runtime.clsVTRLKRuntime)||"
               "Run Rowlark's set-up again; or run in the folder of the 32-bit library|"
               "for yourself: regsvr32 /n /i:user vtrlk_runtime.dll|"

@@ -101,7 +101,7 @@ class Help(unittest.TestCase):
             known = (PROJECT / f"languages/{name}.lng").read_text("utf-8") + (PROJECT / "addin/Rowlark.bas").read_text()
             headings = ElementTree.parse(PAGES / language / "troubleshooting.html").iter("{http://www.w3.org/1999/xhtml}h2")
             for quoted in re.findall('["„](.*?)["“]', "".join(heading.text for heading in headings)):
-                self.assertIn(quoted.replace("The add-in's library is not registered", "library is not registered"), known)
+                self.assertIn(quoted, known)
 
     def test_man_page_renders(self):
         page = self.made / "rowlark.1"
