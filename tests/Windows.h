@@ -39,6 +39,12 @@ class ScriptedWindows final : public host::WindowSystem, public controls::View {
   void MsgBox(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title) noexcept override {
     Say(title, text, std::to_string(static_cast<int32_t>(icon)));
   }
+  // The user asks for the help once.
+  void MsgBoxWithHelp(std::u16string_view text, host::MsgBoxIcon icon, std::u16string_view title,
+                      const std::function<void()>& help) noexcept override {
+    MsgBox(text, icon, title);
+    help();
+  }
   bool Ask(std::u16string_view text, std::u16string_view title) noexcept override {
     Say(title, text, "?");
     return Answer;

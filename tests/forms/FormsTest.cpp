@@ -77,6 +77,32 @@ void CheckLayout(const controls::Form& form, const std::string& language) {
   }
 }
 
+TEST(Forms, OpenTheHelpAtTheirTopics) {
+  Desk desk;
+  const auto options = desk.Options(2);
+  const auto picker = MakeRef<frmSelectRange>(desk.shared);
+  const auto about = MakeRef<frmAbout>(desk.shared);
+  picker->Open();
+  about->Open();
+  std::string asked;
+  for (const Ref<controls::Form>& form :
+       std::initializer_list<Ref<controls::Form>>{desk.Search(), desk.Edit(), picker, options, about}) {
+    EXPECT_EQ(form->UserKeyDown(controls::kKeyF1, controls::kShift), controls::kKeyF1);
+    EXPECT_EQ(form->UserKeyDown(controls::kKeyF1, controls::kNoShift), 0);
+    asked += desk.help.Calls.back().substr(desk.help.Calls.back().rfind('/') + 1) + '|';
+  }
+  EXPECT_EQ(asked,
+            "vt_rlk_en.chm 15 1000|vt_rlk_en.chm 15 1010|vt_rlk_en.chm 15 1020|vt_rlk_en.chm 15 1030|"
+            "vt_rlk_en.chm 15 1040|");
+  // What a control makes of the key comes first.
+  options->box0_HKS.SetFocus();
+  EXPECT_EQ(options->UserKeyDown(controls::kKeyF1, controls::kNoShift), 0);
+  EXPECT_EQ(desk.runtime->Items->HotKeySearch(), u"{F1}");
+  EXPECT_EQ(desk.help.Calls.size(), 5U);
+  picker->Unload();
+  about->Unload();
+}
+
 TEST(Forms, FollowTheLanguageAndCutNoText) {
   Desk desk;
   const auto search = desk.Search();

@@ -179,6 +179,7 @@ TEST(OptionsForm, ClosesAndRegistersHotkeysEvenIfTheConfigurationCanNotBeWritten
   EXPECT_EQ(desk.windows.Messages,
             std::vector<std::string>{"Vantrel Rowlark: Configuration write error in file\r\n"
                                      "/dev/null/rowlark.cfg (16)"});
+  EXPECT_TRUE(desk.help.Calls.size() == 1 && desk.help.Calls[0].ends_with("vt_rlk_en.chm 15 1100"));
   EXPECT_EQ(desk.application->Keys().size(), 2U);
   EXPECT_TRUE(desk.NoFormIsLeft());
 }

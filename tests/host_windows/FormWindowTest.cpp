@@ -212,6 +212,32 @@ TEST_F(FormWindows, OfferKeysToTheFormFirst) {
   EXPECT_EQ(sheet.application->ActiveCell()->Value(), u"ann");
 }
 
+TEST_F(FormWindows, LeadToTheHelp) {
+  const auto form = Options(0);
+  form->chk0_UnhideOnEsc.SetFocus();
+  Press(VK_F1);
+  ASSERT_EQ(help.Calls.size(), 1u);
+  EXPECT_TRUE(help.Calls[0].ends_with("vt_rlk_en.chm 15 1030"));
+  EXPECT_TRUE(form->Loaded());
+
+  // A message of a failure waits for its user: the Help button, twice, F1 as the system reports it, then OK.
+  runtime.Items->CfgFileName = u"\\\\.\\nowhere\\rowlark.cfg";
+  const auto timer = ::SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR, DWORD) {
+    const HWND box = ::FindWindowW(L"#32770", L"Vantrel Rowlark");
+    if (box == nullptr) return;
+    for (int i = 0; i < 2; ++i) ::SendMessageW(::GetDlgItem(box, IDHELP), BM_CLICK, 0, 0);
+    HELPINFO info{};
+    info.cbSize = sizeof info;
+    ::SendMessageW(::GetDlgItem(box, IDOK), WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
+    ::SendMessageW(::GetDlgItem(box, IDOK), BM_CLICK, 0, 0);
+  });
+  form->UserClosed();
+  ::KillTimer(nullptr, timer);
+  ASSERT_EQ(help.Calls.size(), 4u);
+  for (std::size_t i = 1; i < 4; ++i) EXPECT_TRUE(help.Calls[i].ends_with("vt_rlk_en.chm 15 1100"));
+  EXPECT_FALSE(form->Loaded());
+}
+
 TEST_F(FormWindows, AreReachedByTabsAndAccelerators) {
   const auto form = Search();
   std::vector<const Control*> reached;

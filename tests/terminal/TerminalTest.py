@@ -202,6 +202,17 @@ class Forms(Session):
         row, column = terminal.find("German (Deutsch)")
         terminal.mouse(column, row).wait("Optionen").press("Tab", "Esc").wait("6 von 6 Zeilen")
 
+    def test_opens_the_help(self):
+        terminal = self.start().wait("6 of 6 rows").press("C-f").wait("Search -").press("F1").wait("The search form")
+        terminal.press("PgDn", "PgDn", "PgDn").wait("Ctrl+Backspace - deletes").press("Home").wait("The search form")
+        terminal.press("Esc").wait_gone("The search form").press("Esc").wait_gone("Search -")
+        terminal.press("F10", "t").wait("info@rowlark.example.com").press("Esc").wait_gone("info@")
+        terminal.press("F10", "h").wait("Installing").press("h", "Enter").wait("Two keys work").press("Esc")
+        terminal.wait("Installing").press("Esc").wait_gone("Installing").press("F10", "o").wait("Language info:")
+        terminal.press("F1").wait("Every change counts at once").press("Esc").wait_gone("Every change").close()
+        terminal = self.start("t.csv", "--language", "german").wait("6 von 6").press("C-f").wait("Suchen -")
+        terminal.press("F1").wait("schwebt über dem Blatt")
+
     def test_picks_a_range_with_the_cell_cursor(self):
         terminal = self.start().wait("6 of 6 rows").press("F10", "o").wait("Options ─").press("Down")
         row, column = terminal.wait("Search range:").find("[ ... ]")
