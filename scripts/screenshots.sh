@@ -26,7 +26,8 @@ done
 forms=(search search-error edit options-common options-books options-keyboard options-edit select-range about)
 for form in "${forms[@]}"; do
   for language in english german; do
-    convert "$pictures/$form-$language.bmp" -strip -define png:compression-level=9 "docs/screenshots/$form-$language.png"
+    # What Windows draws has no opacity of its own: texts would be seen through.
+    convert "$pictures/$form-$language.bmp" -alpha off -strip -define png:compression-level=9 "docs/screenshots/$form-$language.png"
   done
 done
 ls -l docs/screenshots
