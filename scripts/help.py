@@ -84,7 +84,7 @@ def write_web(books, folder):
         for page in pages:
             for picture in page.pictures():
                 shutil.copyfile(picture, pictures / picture.name)
-            links = nested(pages, lambda p, here=page: '<li><a href="{}.html"{}>{}</a></li>\n'.format(
+            links = nested(pages, lambda p, here=page: '<li><a href="{}.html"{}>{}</a>\n'.format(
                 p.name, ' aria-current="page"' if p is here else "", html.escape(p.title)))
             others = "".join(
                 f'<p><a lang="{code}" href="{up}{"" if code == "en" else code + "/"}{page.name}.html">{name}</a></p>\n'
@@ -117,6 +117,7 @@ def plain(page):
                 lines.extend(["", words(child), ""])
             elif child.tag in ("ul", "ol", "dl"):
                 walk(child)
+                lines.append("")
             elif child.tag == "dt":
                 term = words(child)
             elif child.tag == "dd":
