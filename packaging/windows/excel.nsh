@@ -173,6 +173,7 @@ Function un.SwitchOff
       Call un.SwitchOffForUser
       ; Where there has never been an Excel the keys are set-up's.
       DeleteRegKey /ifempty HKCU $R8
+      DeleteRegKey /ifempty HKCU "$R7\Add-in Manager"
       DeleteRegKey /ifempty HKCU $R7
       DeleteRegKey /ifempty HKCU "Software\Microsoft\Office\$R9.0"
     ${Next}

@@ -12,7 +12,11 @@ version=${3:-$(../../scripts/version.sh)}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 ../../cmake/icon.sh ../../assets/icons/rowlark.svg "$work/rowlark.ico"
+# Beside the first and the last page.
+rsvg-convert --width 96 --height 96 ../../assets/icons/rowlark.svg --output "$work/rowlark.png"
+convert -size 164x314 xc:'#e4f1f0' "$work/rowlark.png" -gravity center -composite "BMP3:$work/side.bmp"
 ./generate.py "$stage" ../../src/server/vtrlk_runtime.idl "$work/contents.nsh"
+find "$work" -exec touch -r "$stage" {} +
 makensis -V2 -WX -INPUTCHARSET UTF8 "-DVERSION=$version" "-DSTAGE=$stage" "-DCONTENTS=$work/contents.nsh" \
-  "-DICON=$work/rowlark.ico" "-DOUTPUT=$output" "-DTARGET=${4:-x86-unicode}" ${ROWLARK_SIGN:+"-DSIGN=$ROWLARK_SIGN"} \
+  "-DICON=$work/rowlark.ico" "-DSIDE=$work/side.bmp" "-DOUTPUT=$output" "-DTARGET=${4:-x86-unicode}" ${ROWLARK_SIGN:+"-DSIGN=$ROWLARK_SIGN"} \
   rowlark.nsi

@@ -1,5 +1,5 @@
 ; The set-up program. make-setup.sh defines VERSION, STAGE (the folder of the files to install), CONTENTS (what
-; generate.py has written), ICON, OUTPUT and TARGET, and SIGN where files are to be signed.
+; generate.py has written), ICON, SIDE (a picture), OUTPUT and TARGET, and SIGN where files are to be signed.
 ;
 ; In NSIS an uninstaller has only functions whose names begin with "un.", so what both do is a macro.
 Unicode true
@@ -9,7 +9,7 @@ ManifestSupportedOS all
 RequestExecutionLevel user ; for everybody it is started once more, with more rights
 SetCompressor /SOLID lzma
 CRCCheck force
-AllowSkipFiles off
+SetOverwrite try ; what can not be written raises the error flag
 !pragma warning disable 6012 ; of the branches of what is known when a 64-bit set-up is made
 
 !include MUI2.nsh
@@ -66,6 +66,7 @@ Var SettingsBox
 
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${SIDE}"
 !define MUI_ABORTWARNING
 !define MUI_LANGDLL_ALLLANGUAGES
 !insertmacro MUI_PAGE_WELCOME

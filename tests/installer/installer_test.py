@@ -33,7 +33,7 @@ UNINSTALL = r"Software\Microsoft\Windows\CurrentVersion\Uninstall\Vantrel Rowlar
 CLASS_ID = "{5082DB8A-0A28-4C7F-BCB4-39A3E8746B0A}"
 
 # Exit statuses of set-up.
-NEWER, IN_USE, USAGE, OTHER_SCOPE = 3, 4, 6, 7
+FAILED, NEWER, IN_USE, USAGE, OTHER_SCOPE = 2, 3, 4, 6, 7
 
 
 def wine(*arguments, **options):
@@ -52,11 +52,15 @@ def delete_key(key):
     wine("reg", "delete", key, "/f", check=True)
 
 
-def registry():
-    """The keys of the user, and those of programs of the machine, with their values: {key: {name: value}}."""
-    # What ends the system makes it write its files.
+def end_system():
+    """With its end it writes its registry."""
     for switch in "-k", "-w":
         subprocess.run([*CHROOT, "env", f"WINEPREFIX={PREFIX}", "/usr/lib/wine/wineserver", switch], timeout=60)
+
+
+def registry():
+    """The keys of the user, and those of programs of the machine, with their values: {key: {name: value}}."""
+    end_system()
     keys = {}
     for hive, file in ("HKLM", "system.reg"), ("HKCU", "user.reg"):
         for line in (PREFIX / file).read_text(encoding="utf-8", errors="replace").replace("\\\n  ", "").splitlines():
@@ -111,6 +115,7 @@ class InstallerTest(unittest.TestCase):
     def setUpClass(cls):
         unfinished = PREFIX / ".unfinished"
         if unfinished.exists():
+            end_system()
             shutil.rmtree(PREFIX)
         cls.own = own_folder() / "AppData/Local/Programs/Vantrel Rowlark"
         cls.common = DRIVE / "Program Files/Vantrel Rowlark"
@@ -177,6 +182,14 @@ class InstallerTest(unittest.TestCase):
         before = state()
         entry = f'/R "{on_windows(self.own)}\\vt_rowlark.xlam"'
 
+        # What can not be written is no installation, and leaves nothing behind.
+        self.own.mkdir(parents=True)
+        stumbling_block = self.own / "x64"
+        stumbling_block.touch()
+        self.install(expect=FAILED)
+        self.assertEqual(list(self.own.rglob("*")), [stumbling_block])
+        stumbling_block.unlink()
+
         self.install("/Language=german", version="1.2.0")
         self.assertTrue((self.own / "dropped.txt").exists())
         set_value(options, "OPEN3", "later.xlam", "REG_EXPAND_SZ")
@@ -207,6 +220,8 @@ class InstallerTest(unittest.TestCase):
             self.install(expect=IN_USE)
         self.expect_same(registry(), keys)
 
+        # Switched off by the user, the add-in stays among those that Excel knows.
+        set_value(office + r"\15.0\Excel\Add-in Manager", on_windows(self.own / "vt_rowlark.xlam"), "")
         set_value("HKCU\\" + PRODUCT, "SearchFormPosSize", "1;2")
         configuration = own_folder() / "AppData/Roaming/Vantrel/Rowlark/rowlark.cfg"
         configuration.parent.mkdir(parents=True, exist_ok=True)
