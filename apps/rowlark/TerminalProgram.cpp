@@ -200,6 +200,7 @@ bool TerminalProgram::ShowHelp(std::u16string_view file, int32_t context) {
     return true;
   }
   std::vector<terminal::ListForm::Entry> titles;
+  titles.reserve(topics.size());
   for (const auto& topic : topics) titles.push_back({topic.title});
   int32_t chosen = 0;
   while ((chosen = windows_.ChooseFrom(titles, chosen, {1, 1})) >= 0 && !status_) {
