@@ -26,6 +26,8 @@ bool MayHideRows(const host::Application& application, const host::Worksheet& sh
 // The rows first to last that are not listed. The list ascends and may name a row more than once.
 std::vector<host::RowRun> Gaps(std::span<const int32_t> rows, int32_t first, int32_t last) {
   std::vector<host::RowRun> gaps;
+  const auto others = std::max<std::ptrdiff_t>(last - first + 1 - std::ssize(rows), 0);
+  gaps.reserve(std::min(rows.size() + 1, static_cast<std::size_t>(others)));
   for (const int32_t row : rows) {
     if (row > first) gaps.push_back({first, row - 1});
     first = row + 1;
@@ -45,14 +47,18 @@ struct SearchRun::StopCheck {
 };
 
 SearchRun::SearchRun(SharedState& shared, std::shared_ptr<clsVTRLKItems> items,
-                     const clsVTRLKOptions& options, const bool& stop_request, std::u16string_view text)
+                     const clsVTRLKOptions& options, const bool& stop_request, std::u16string_view text,
+                     std::vector<int32_t>& rows)
     : shared_(shared),
       language_(shared.Language),
       items_(std::move(items)),
       options_(options),
       stop_request_(stop_request),
       text_(text),
-      work_(Work()) {}
+      rows_(rows),
+      work_(Work()) {
+  rows_.clear();
+}
 
 void SearchRun::Resume() {
   if (on_stack_ || Done()) return;

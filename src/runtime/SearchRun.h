@@ -25,9 +25,10 @@ namespace rowlark {
 
 class SearchRun {
  public:
-  // `stop_request` ends the run at its next stop check.
+  // `stop_request` ends the run at its next stop check. `rows` is where the run lists what it finds: whoever
+  // makes one run after the other keeps the memory for the next.
   SearchRun(SharedState& shared, std::shared_ptr<clsVTRLKItems> items, const clsVTRLKOptions& options,
-            const bool& stop_request, std::u16string_view text);
+            const bool& stop_request, std::u16string_view text, std::vector<int32_t>& rows);
   SearchRun(const SearchRun&) = delete;
   SearchRun& operator=(const SearchRun&) = delete;
 
@@ -62,9 +63,9 @@ class SearchRun {
   const clsVTRLKOptions options_;  // as they are when the run starts
   const bool& stop_request_;
   const std::u16string text_;
+  std::vector<int32_t>& rows_;  // of the matches; a row may stand there more than once
 
   std::optional<std::vector<int32_t>> columns_;  // those searched, ascending, unless all are
-  std::vector<int32_t> rows_;                    // of the matches; a row may stand there more than once
   int32_t end_row_ = 0;                          // last row of the search range
   int32_t width_ = 0;                            // its columns
   bool all_visible_ = false;                     // none of its rows is hidden

@@ -16,7 +16,7 @@ OperationResult Searches::Search(const std::shared_ptr<clsVTRLKItems>& items,
     if (shared_.Terminating || abandoned_ || given_up_) return {Outcome::Stopped, {}};
   }
   stop_request_ = false;
-  SearchRun run(shared_, items, *options, stop_request_, text);
+  SearchRun run(shared_, items, *options, stop_request_, text, rows_);
   run_ = &run;
   searching_ = true;
   Raise(true);

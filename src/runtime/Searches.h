@@ -1,9 +1,11 @@
 // The searches of a runtime object: one is under way at most, and the last one asked for wins.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "runtime/SearchRun.h"
 #include "settings/SharedState.h"
@@ -49,6 +51,7 @@ class Searches {
   bool entry_guard_ = false;  // an earlier run is being brought to its end
   bool given_up_ = false;     // the search that waits for that was stopped as well
   bool abandoned_ = false;
+  std::vector<int32_t> rows_;  // that the run finds
   Event<bool&> searching_event_{shared_.Platform.Trace};
 };
 

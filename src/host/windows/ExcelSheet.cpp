@@ -1,23 +1,33 @@
 #include "host/windows/ExcelSheet.h"
 
+#include <charconv>
+#include <string>
+
 #include "host/windows/ExcelEvents.h"
 #include "host/windows/ExcelRange.h"
 #include "host/windows/ExcelValues.h"
-#include "util/Text.h"
 
 namespace rowlark::windows {
 namespace {
 
-// What Excel takes for an address, in units of UTF-16.
+// What Excel takes for an address, in characters.
 constexpr std::size_t kLongestAddress = 255;
 
-// "A5", "A5:A7": a cell of each row.
-void AppendRows(std::u16string& address, host::RowRun run) {
-  address += u'A';
-  address += ToText(run.first);
-  if (run.last == run.first) return;
-  address += u":A";
-  address += ToText(run.last);
+// Two cells, whatever their rows, and what separates them from each other and from those before.
+constexpr std::size_t kLongestRow = 10;
+constexpr std::size_t kLongestRun = 2 * (2 + kLongestRow);
+
+// "A5", "A5:A7": a cell of each row. Returns where it ends.
+char* WriteRows(char* place, host::RowRun run) {
+  const auto write_cell = [&](int32_t row) {
+    *place++ = 'A';
+    place = std::to_chars(place, place + kLongestRow, row).ptr;
+  };
+  write_cell(run.first);
+  if (run.last == run.first) return place;
+  *place++ = ':';
+  write_cell(run.last);
+  return place;
 }
 
 class ExcelFilter final : public host::Filter {
@@ -113,31 +123,29 @@ Ref<host::AutoFilter> ExcelSheet::AutoFilter() const {
 
 bool ExcelSheet::ProtectScenarios() const { return object_.Bool(members_.ProtectScenarios); }
 
-void ExcelSheet::HideRowsOf(std::u16string_view address) { Range(address)->SetEntireRowHidden(true); }
+void ExcelSheet::HideRowsOf(std::string_view address) {
+  Range(std::u16string(address.begin(), address.end()))->SetEntireRowHidden(true);
+}
 
 // As many runs as an address holds. Where the host refuses them together they are hidden one by one, so that
 // the error is that of the run which can not be hidden.
 std::size_t ExcelSheet::HideRows(std::span<const host::RowRun> runs) {
-  std::u16string address;
-  address.reserve(2 * kLongestAddress);
+  char address[kLongestAddress + kLongestRun];
+  char* end = address;
   std::size_t count = 0;
   for (; count < runs.size(); ++count) {
-    const std::size_t complete = address.size();
-    if (count > 0) address += u',';
-    AppendRows(address, runs[count]);
-    if (address.size() <= kLongestAddress) continue;
-    address.resize(complete);
+    char* const complete = end;
+    if (count > 0) *end++ = ',';
+    end = WriteRows(end, runs[count]);
+    if (end <= address + kLongestAddress) continue;
+    end = complete;
     break;
   }
   try {
-    HideRowsOf(address);
+    HideRowsOf({address, end});
   } catch (const host::Error&) {
     if (count == 1) throw;
-    for (const auto run : runs.first(count)) {
-      address.clear();
-      AppendRows(address, run);
-      HideRowsOf(address);
-    }
+    for (const auto run : runs.first(count)) HideRowsOf({address, WriteRows(address, run)});
   }
   return count;
 }

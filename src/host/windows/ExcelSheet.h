@@ -49,7 +49,7 @@ class ExcelSheet final : public host::Worksheet {
   std::size_t HideRows(std::span<const host::RowRun> runs) override;
 
  private:
-  void HideRowsOf(std::u16string_view address);
+  void HideRowsOf(std::string_view address);
 
   Ref<ExcelSession> session_;
   SheetMembers& members_;  // of the session
