@@ -13,6 +13,8 @@ namespace rowlark::testing {
 
 class RuntimeLibrary {
  public:
+  explicit RuntimeLibrary(const char* file = ROWLARK_RUNTIME) : module_(LoadLibraryA(file)) {}
+
   HMODULE Module() const { return *module_; }
 
   template <class Function>
@@ -32,7 +34,7 @@ class RuntimeLibrary {
   void Unload() { module_.reset(); }
 
  private:
-  windows::LoadedLibrary module_{LoadLibraryA(ROWLARK_RUNTIME)};
+  windows::LoadedLibrary module_;
 };
 
 }  // namespace rowlark::testing

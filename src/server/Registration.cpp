@@ -1,5 +1,7 @@
 #include "server/Registration.h"
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -72,11 +74,15 @@ void Check(LSTATUS status) {
   if (status != ERROR_SUCCESS) throw Refused{HRESULT_FROM_WIN32(status)};
 }
 
+constexpr wchar_t kClassesPath[] = L"Software\\Classes";
+
+HKEY RootOf(Scope scope) { return scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE; }
+
 // The key below which classes are registered. Everything throws Refused.
 class Classes {
  public:
-  explicit Classes(Scope scope) : root_(scope == Scope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE) {
-    Check(RegCreateKeyExW(root_, kPath, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key_.Put(), nullptr));
+  explicit Classes(Scope scope) : root_(RootOf(scope)) {
+    Check(RegCreateKeyExW(root_, kClassesPath, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, key_.Put(), nullptr));
   }
 
   void Set(const std::u16string& path, const wchar_t* name, std::u16string_view text) const {
@@ -96,7 +102,7 @@ class Classes {
   bool HasInOtherView(const std::u16string& path) const {
     constexpr REGSAM kOther = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
     windows::RegistryKey key;
-    const std::wstring full = std::wstring(kPath) + L'\\' + AsWide(path.c_str());
+    const std::wstring full = std::wstring(kClassesPath) + L'\\' + AsWide(path.c_str());
     return RegOpenKeyExW(root_, full.c_str(), 0, KEY_READ | kOther, key.Put()) == ERROR_SUCCESS;
   }
   bool HasChildren(const std::u16string& path) const {
@@ -110,11 +116,44 @@ class Classes {
   }
 
  private:
-  static constexpr wchar_t kPath[] = L"Software\\Classes";
-
   HKEY root_;  // the system's own, which is never closed
   windows::RegistryKey key_;
 };
+
+// Four numbers of 16 bits, the first one highest; 0 where the file tells none.
+uint64_t VersionOf(HMODULE library) {
+  // Before the fixed part stand three lengths and types and "VS_VERSION_INFO", filled up to a multiple of 4.
+  constexpr DWORD kFixedPart = 40;
+  VS_FIXEDFILEINFO info{};
+  const HRSRC found = FindResourceW(library, MAKEINTRESOURCEW(VS_VERSION_INFO), MAKEINTRESOURCEW(16));
+  if (found == nullptr || SizeofResource(library, found) < kFixedPart + sizeof info) return 0;
+  const auto* resource = static_cast<const BYTE*>(LockResource(LoadResource(library, found)));
+  std::memcpy(&info, resource + kFixedPart, sizeof info);
+  if (info.dwSignature != VS_FFI_SIGNATURE) return 0;
+  return uint64_t{info.dwFileVersionMS} << 32 | info.dwFileVersionLS;
+}
+
+// Of the library that the class is registered with; 0 also where there is none.
+uint64_t RegisteredVersion(Scope scope) {
+  const std::wstring key =
+      std::wstring(kClassesPath) + L'\\' + AsWide(ClassKey().c_str()) + L"\\InprocServer32";
+  std::wstring file(MAX_PATH, L'\0');
+  LSTATUS status = ERROR_MORE_DATA;
+  while (status == ERROR_MORE_DATA) {
+    file.resize(file.size() * 2);
+    auto size = static_cast<DWORD>(file.size() * sizeof(wchar_t));
+    status = RegGetValueW(RootOf(scope), key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, file.data(), &size);
+  }
+  if (status != ERROR_SUCCESS) return 0;
+  // As data: nothing of it runs.
+  const windows::LoadedLibrary library(
+      LoadLibraryExW(file.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE));
+  return library ? VersionOf(*library) : 0;
+}
+
+bool IsOlderThanRegistered(const Module& module, Scope scope) {
+  return VersionOf(module.Instance()) < RegisteredVersion(scope);
+}
 
 ComPtr<ITypeLib> Load(const std::u16string& file) {
   ComPtr<ITypeLib> library;
@@ -177,17 +216,26 @@ HRESULT Outcome(Action action) noexcept {
 }  // namespace
 
 HRESULT Register(Module& module, Scope scope) noexcept {
-  const HRESULT result = Outcome([&] {
-    const Classes classes(scope);
-    WriteClass(classes, module.FileName());
-    WriteTypeLibrary(classes, module.FileName());
+  return Outcome([&] {
+    if (IsOlderThanRegistered(module, scope) || IsOlderThanRegistered(module, Scope::Machine)) {
+      throw Refused{HRESULT_FROM_WIN32(ERROR_PRODUCT_VERSION)};
+    }
+    const HRESULT written = Outcome([&] {
+      const Classes classes(scope);
+      WriteClass(classes, module.FileName());
+      WriteTypeLibrary(classes, module.FileName());
+    });
+    if (FAILED(written)) {
+      Unregister(module, scope);
+      throw Refused{written};
+    }
   });
-  if (FAILED(result)) Unregister(module, scope);
-  return result;
 }
 
 HRESULT Unregister(Module& module, Scope scope) noexcept {
-  return Outcome([&] { RemoveAll(Classes(scope), module.FileName()); });
+  return Outcome([&] {
+    if (!IsOlderThanRegistered(module, scope)) RemoveAll(Classes(scope), module.FileName());
+  });
 }
 
 }  // namespace rowlark::server

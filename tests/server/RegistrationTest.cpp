@@ -2,10 +2,13 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <filesystem>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include "RuntimeLibrary.h"
+#include "TempFolder.h"
 
 namespace rowlark {
 namespace {
@@ -45,11 +48,12 @@ class Registration : public ::testing::TestWithParam<Scope> {
     EXPECT_EQ(Install(was_registered_), S_OK);
   }
 
-  HRESULT Install(bool install) const {
+  HRESULT Install(bool install) const { return Install(library_, install); }
+  static HRESULT Install(const testing::RuntimeLibrary& library, bool install) {
     if (const auto* scope = GetParam().install) {
-      return library_.Entry<HRESULT(WINAPI*)(BOOL, const wchar_t*)>("DllInstall")(install, scope);
+      return library.Entry<HRESULT(WINAPI*)(BOOL, const wchar_t*)>("DllInstall")(install, scope);
     }
-    return library_.Entry<HRESULT(WINAPI*)()>(install ? "DllRegisterServer" : "DllUnregisterServer")();
+    return library.Entry<HRESULT(WINAPI*)()>(install ? "DllRegisterServer" : "DllUnregisterServer")();
   }
   static bool Exists(const std::string& path) {
     windows::RegistryKey key;
@@ -111,6 +115,35 @@ TEST_P(Registration, TakesEverythingBackWhenItFailsHalfWay) {
   ASSERT_EQ(Make(kProgIdKey, REG_OPTION_VOLATILE), ERROR_SUCCESS);
   EXPECT_EQ(Install(true), HRESULT_FROM_WIN32(ERROR_CHILD_MUST_BE_VOLATILE));
   ExpectNothing();
+}
+
+TEST_P(Registration, LeavesANewerLibraryAlone) {
+  auto bytes = ReadBytes(ROWLARK_RUNTIME);
+  // The signature of the version's fixed part and the version of that, behind which the file's version
+  // stands.
+  const auto version = bytes.find(std::string_view("\xBD\x04\xEF\xFE\0\0\1\0", 8));
+  ASSERT_NE(version, std::string::npos);
+  ++bytes[version + 8];  // the second of four numbers
+  const TempFolder folder;
+  const auto file = folder.Write("newer.dll", bytes).string();
+  const std::string server = kClassKey + "\\InprocServer32";
+  {
+    testing::RuntimeLibrary newer(file.c_str());
+    ASSERT_EQ(Install(newer, true), S_OK);
+    EXPECT_EQ(Install(true), HRESULT_FROM_WIN32(ERROR_PRODUCT_VERSION));
+    EXPECT_EQ(library_.Entry<HRESULT(WINAPI*)(BOOL, const wchar_t*)>("DllInstall")(TRUE, L"user"),
+              HRESULT_FROM_WIN32(ERROR_PRODUCT_VERSION))
+        << "would hide the one of all users";
+    EXPECT_EQ(Install(false), S_OK);
+    EXPECT_EQ(Text(server), file);
+    EXPECT_EQ(Install(newer, false), S_OK);
+    ExpectNothing();
+    for (auto* library : {&library_, &newer}) ASSERT_EQ(Install(*library, true), S_OK);
+    EXPECT_EQ(Text(server), file);
+  }
+  ASSERT_TRUE(std::filesystem::remove(file));
+  ASSERT_EQ(Install(true), S_OK) << "whose file has gone";
+  EXPECT_NE(Text(server), file);
 }
 
 INSTANTIATE_TEST_SUITE_P(Scopes, Registration, ::testing::Values(kMachine, kUser),
