@@ -1,6 +1,6 @@
 #!/bin/sh
 # Runs a program for Windows: wine.sh PREFIX PROGRAM [ARGUMENTS...]. The prefix, which holds Wine's C: drive and
-# registry, is made when it is missing.
+# registry, is made when it is missing. ROWLARK_WINE is another loader than that of 64 bits.
 set -eu
 mkdir -p "$1"
 WINEPREFIX=$(cd "$1" && pwd)
@@ -8,7 +8,7 @@ shift
 export WINEPREFIX
 # No messages of its own, no offers to download browsers; the language, and with it the ANSI code page, is fixed.
 export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml=" LC_ALL=C.UTF-8
-wine=/usr/lib/wine/wine64
+wine=${ROWLARK_WINE:-/usr/lib/wine/wine64}
 
 made=$WINEPREFIX/.made
 if [ ! -e "$made" ]; then
