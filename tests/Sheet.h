@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "host/Block.h"
+#include "host/cells/Range.h"
 #include "host/standalone/Application.h"
-#include "host/standalone/Range.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 

@@ -5,7 +5,7 @@
 
 #include "Clipboard.h"
 #include "host/Block.h"
-#include "host/standalone/CellText.h"
+#include "host/cells/CellText.h"
 #include "host/terminal/TextLines.h"
 #include "runtime/Failure.h"
 #include "settings/Product.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "host/standalone/CellText.h"
+#include "host/cells/CellText.h"
 
 namespace rowlark {
 namespace {
@@ -24,7 +24,7 @@ std::optional<std::string> ClipboardText(const standalone::Worksheet& sheet, Blo
   std::string text;
   const auto& hidden = sheet.HiddenRows();
   const auto next = [&](int32_t row) { return hidden.Next(row, block.last_row, false); };
-  standalone::CellReader reader(sheet.Text(), false);
+  cells::CellReader reader(sheet.Text(), false);
   const int32_t first = next(block.first_row);
   for (int32_t row = first; row <= block.last_row; row = next(row + 1)) {
     if (row != first) text += '\n';

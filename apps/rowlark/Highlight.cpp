@@ -17,7 +17,7 @@ Highlight::Highlight(std::u16string_view text, const clsVTRLKOptions& options, c
     if (word.empty()) continue;
     const bool literal = !whole && word.find_first_of(u"*?~") == word.npos;
     words_.push_back(
-        {std::u16string(word), literal, standalone::Pattern(word, whole, mode_ == CompareMode::Binary)});
+        {std::u16string(word), literal, cells::Pattern(word, whole, mode_ == CompareMode::Binary)});
   }
 }
 

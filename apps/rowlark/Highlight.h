@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "host/standalone/Address.h"
-#include "host/standalone/Pattern.h"
+#include "host/cells/Address.h"
+#include "host/cells/Pattern.h"
 #include "runtime/clsVTRLKOptions.h"
 
 namespace rowlark {
@@ -36,7 +36,7 @@ class Highlight {
   struct Word {
     std::u16string text;
     bool literal;
-    standalone::Pattern pattern;
+    cells::Pattern pattern;
   };
 
   CompareMode mode_ = CompareMode::Text;

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "host/standalone/Address.h"
+#include "host/cells/Address.h"
 
 namespace rowlark {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "host/Block.h"
 #include "host/Error.h"
-#include "host/standalone/Address.h"
+#include "host/cells/Address.h"
 #include "util/FileSystemPlatform.h"
 #include "util/Text.h"
 #include "util/Utf.h"
@@ -60,8 +60,8 @@ void RequireSaved(Program& program) {
 
 // A cell on the sheet: what lies beyond its edges is at them.
 Ref<host::Range> Cell(int32_t row, int32_t column, Program& program) {
-  return program.Host()->ActiveSheet()->Cells(std::min(row, standalone::kMaxRow),
-                                              std::min(column, standalone::kMaxColumn));
+  return program.Host()->ActiveSheet()->Cells(std::min(row, cells::kMaxRow),
+                                              std::min(column, cells::kMaxColumn));
 }
 
 // The profile's own address was formed when it was loaded, and there was no sheet then.
@@ -79,8 +79,7 @@ std::string SearchedColumns(const clsVTRLKItem& item) {
 }
 
 std::string Jump(const clsVTRLKItem& item) {
-  return item.SelectCol < 1 ? "auto"
-                            : ToUtf8(ColumnLetters(std::min(item.SelectCol, standalone::kMaxColumn)));
+  return item.SelectCol < 1 ? "auto" : ToUtf8(ColumnLetters(std::min(item.SelectCol, cells::kMaxColumn)));
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/standalone/CellText.h"
+#include "host/cells/CellText.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 

@@ -12,7 +12,7 @@
 #include "Members.h"
 #include "Object.h"
 #include "automation/Variant.h"
-#include "host/standalone/Range.h"
+#include "host/cells/Range.h"
 
 namespace rowlark::workbench {
 

@@ -8,7 +8,7 @@ namespace rowlark::workbench {
 // Both fail once the workbook has been closed.
 inline standalone::Range& RangeOf(const Object& object) {
   auto& range = object.Core<standalone::Range>();
-  range.Sheet().Book();
+  range.Sheet().RequireOpen();
   return range;
 }
 inline standalone::Range& RangeOf(const Call& call) { return RangeOf(call.Self()); }

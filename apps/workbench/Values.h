@@ -6,9 +6,9 @@
 #include <string_view>
 
 #include "automation/Variant.h"
+#include "host/cells/Address.h"
+#include "host/cells/CellText.h"
 #include "host/spreadsheet.h"
-#include "host/standalone/Address.h"
-#include "host/standalone/CellText.h"
 
 namespace rowlark::workbench {
 

@@ -76,6 +76,7 @@ class ForwardingRange final : public Forwarder<Range> {
   Ref<Range> FindNext(const Range& after) override {
     return Wrap(Call("Range.FindNext").FindNext(Unwrap(after)));
   }
+  bool PrepareFind() override { return Call("Range.PrepareFind").PrepareFind(); }
   Ref<RowSearch> FindRows(const FindArguments& arguments,
                           std::optional<std::span<const int32_t>> columns) override {
     if (!Context().FindsRows()) return nullptr;

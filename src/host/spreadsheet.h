@@ -115,6 +115,10 @@ class Range : public RefCounted {
   virtual Ref<Range> Find(const FindArguments& arguments) = 0;
   virtual Ref<Range> FindNext(const Range& after) = 0;
 
+  // Gets ready for `Find`, some milliseconds' worth of it; true when nothing is missing. `Find` does without,
+  // but may take long then.
+  virtual bool PrepareFind() { return true; }
+
   // All rows in which `Find` and `FindNext` would find a match in one of the columns, which ascend (omitted:
   // in any), for xlNext by rows. Nothing where the host can only find one cell after the other.
   virtual Ref<RowSearch> FindRows(const FindArguments& arguments,

@@ -19,6 +19,7 @@ FindLoop::FindLoop(Ref<host::Range> range, int32_t width, bool visible, const ho
 host::RowSearch::Piece FindLoop::Next(std::vector<int32_t>& rows) { return cell_ ? GoOn(rows) : Begin(rows); }
 
 host::RowSearch::Piece FindLoop::Begin(std::vector<int32_t>& rows) {
+  if (!range_->PrepareFind()) return Piece::NoMatch;
   cell_ = range_->Find(arguments_);
   if (!cell_) return Piece::End;
   first_row_ = last_row_ = cell_->Row();

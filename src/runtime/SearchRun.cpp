@@ -164,8 +164,8 @@ Resumable SearchRun::Work() {
         const bool stop = co_await stopped;
         if (stop && !matched) co_return;
         enough = stop || (shared_.Terminating && (matched || piece == Piece::NoMatch));
-        if (enough || !options_.UseFilter) break;
         matched |= piece == Piece::Matches;
+        if (enough || (matched && !options_.UseFilter)) break;
       }
       if (enough) break;
     }

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/standalone/CellText.h"
+#include "host/cells/CellText.h"
 
 namespace rowlark::sheetview {
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "Sheet.h"
-#include "host/standalone/Scan.h"
+#include "host/cells/Scan.h"
 #include "util/Text.h"
 
 namespace rowlark {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "host/standalone/Range.h"
 #include "util/Text.h"
 
 namespace rowlark::standalone {

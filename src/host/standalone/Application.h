@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "host/cells/Finder.h"
 #include "host/spreadsheet.h"
 #include "host/standalone/CommandBars.h"
-#include "host/standalone/Finder.h"
 #include "host/standalone/Workbook.h"
 
 namespace rowlark::standalone {

@@ -7,11 +7,13 @@
 #include <string_view>
 #include <vector>
 
+#include "host/cells/CellText.h"
+#include "host/cells/Pattern.h"
 #include "host/spreadsheet.h"
-#include "host/standalone/CellText.h"
-#include "host/standalone/Pattern.h"
 
 namespace rowlark::standalone {
+
+using namespace cells;  // what sheets are made of
 
 // A comparison as users type it: "Berlin", "=B*n", "<>x", ">=5", "=" (empty cells), "<>" (cells with a text).
 // Numbers compare as numbers where both sides are numbers, anything else as text without regard to case.

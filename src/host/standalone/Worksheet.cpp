@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "host/standalone/Application.h"
-#include "host/standalone/Range.h"
 #include "host/standalone/Workbook.h"
 #include "util/Utf.h"
 
@@ -51,10 +50,6 @@ class SheetAutoFilter final : public host::AutoFilter {
 
 }  // namespace
 
-Worksheet::~Worksheet() {
-  while (free_ranges_ != nullptr) delete std::exchange(free_ranges_, free_ranges_->next_free_);
-}
-
 Workbook& Worksheet::Book() const {
   if (parent_ == nullptr) {
     throw host::Error(-2147417848, u"The object invoked has disconnected from its clients.");
@@ -64,50 +59,14 @@ Workbook& Worksheet::Book() const {
 
 Ref<host::Workbook> Worksheet::Parent() const { return &Book(); }
 
-Ref<host::Range> Worksheet::MakeRange(const Block& area) const {
-  Book();
-  auto* range = free_ranges_;
-  if (range == nullptr) {
-    range = new standalone::Range();
-  } else {
-    free_ranges_ = range->next_free_;
-  }
-  range->sheet_ = const_cast<Worksheet*>(this);
-  range->first_ = area;
-  return range;
+std::u16string Worksheet::ExternalName() const {
+  std::u16string name(1, u'[');
+  return name.append(Book().Name()).append(u"]").append(name_);
 }
 
-Ref<host::Range> Worksheet::MakeRange(std::vector<Block> areas) const {
-  auto range = MakeRange(areas.front());
-  if (areas.size() > 1) {
-    static_cast<standalone::Range&>(*range).areas_ =
-        std::make_shared<const std::vector<Block>>(std::move(areas));
-  }
-  return range;
-}
+std::u16string Worksheet::ValueOf(Cell cell) const { return ToUtf16(text_.Cell(cell.row, cell.column)); }
 
-void Worksheet::Recycle(standalone::Range* range) const noexcept {
-  range->next_free_ = free_ranges_;
-  free_ranges_ = range;
-}
-
-Ref<host::Range> Worksheet::Range(std::u16string_view address) const {
-  if (const auto area = ParseArea(address, size_)) return MakeRange(*area);
-  std::vector<Block> areas;
-  if (!ParseAddress(address, areas, size_)) Fail(u"Method 'Range' of object '_Worksheet' failed");
-  return MakeRange(std::move(areas));
-}
-
-Ref<host::Range> Worksheet::Range(const host::Range& cell1, const host::Range& cell2) const {
-  return MakeRange(Join(Block::Of(cell1), Block::Of(cell2)));
-}
-
-Ref<host::Range> Worksheet::Cells() const { return MakeRange(Block{1, 1, size_.rows, size_.columns}); }
-
-Ref<host::Range> Worksheet::Cells(int32_t row, int32_t column) const {
-  if (!IsCell(row, column, size_)) Fail(u"Application-defined or object-defined error");
-  return MakeRange(Block::OfCell(row, column));
-}
+Finder& Worksheet::FinderOfHost() const { return Book().Host().Find(); }
 
 Block Worksheet::BodyBlock() const {
   auto body = UsedBlock();
@@ -146,6 +105,10 @@ void Worksheet::SetHidden(const Block& rows, bool hidden) {
     ++layout_;
     Changed();
   }
+}
+
+void Worksheet::SetRowsHidden(std::span<const Block> rows, bool hidden) {
+  for (const auto& area : rows) SetHidden(area, hidden);
 }
 
 void Worksheet::SetCell(int32_t row, int32_t column, std::u16string_view text) {
@@ -236,7 +199,7 @@ void Worksheet::Select(std::u16string_view address) {
   std::vector<Block> areas;
   if (!ParseAddress(address, areas, size_)) Fail(u"Select method of Range class failed");
   selection_.clear();
-  Activate(areas);
+  SelectAndActivate(areas);
 }
 
 void Worksheet::Select(std::vector<Block> areas, Cell active) {
@@ -245,7 +208,15 @@ void Worksheet::Select(std::vector<Block> areas, Cell active) {
   Book().RaiseSelectionChange(*this, *MakeRange(selection_));
 }
 
-void Worksheet::Activate(const std::vector<Block>& areas) {
+void Worksheet::Activate(std::span<const Block> areas) {
+  auto& book = Book();
+  if (book.Host().ActiveWorkbook().get() != &book || book.ActiveSheet().get() != this) {
+    Fail(u"Activate method of Range class failed");
+  }
+  SelectAndActivate(areas);
+}
+
+void Worksheet::SelectAndActivate(std::span<const Block> areas) {
   const int32_t row = areas.front().first_row;
   const int32_t column = areas.front().first_column;
   const bool single = areas.size() == 1 && areas.front().Rows() == 1 && areas.front().Columns() == 1;
@@ -253,8 +224,8 @@ void Worksheet::Activate(const std::vector<Block>& areas) {
   // A cell of the selection becomes active within it; anything else becomes the selection.
   if (single && std::ranges::any_of(selection_, [&](const Block& r) { return r.Contains(row, column); }))
     return;
-  selection_ = areas;
-  Book().RaiseSelectionChange(*this, *MakeRange(areas));
+  selection_.assign(areas.begin(), areas.end());
+  Book().RaiseSelectionChange(*this, *MakeRange(selection_));
 }
 
 }  // namespace rowlark::standalone

@@ -10,16 +10,15 @@
 #include <utility>
 #include <vector>
 
+#include "host/cells/Sheet.h"
 #include "host/spreadsheet.h"
-#include "host/standalone/Address.h"
-#include "host/standalone/CellText.h"
 #include "host/standalone/FilterCriteria.h"
-#include "host/standalone/RowSet.h"
 
 namespace rowlark::standalone {
 
+using namespace cells;  // what sheets are made of
+
 class Application;
-class Range;
 class Workbook;
 
 // What a protected sheet still allows.
@@ -36,16 +35,11 @@ struct FilterState {
   std::vector<ColumnFilter> columns;
 };
 
-class Worksheet final : public host::Worksheet {
+class Worksheet final : public cells::Sheet {
  public:
   Worksheet(Workbook& parent, std::u16string_view name) : parent_(&parent), name_(name) {}
-  ~Worksheet() override;
 
   Ref<host::Workbook> Parent() const override;
-  Ref<host::Range> Range(std::u16string_view address) const override;
-  Ref<host::Range> Range(const host::Range& cell1, const host::Range& cell2) const override;
-  Ref<host::Range> Cells() const override;
-  Ref<host::Range> Cells(int32_t row, int32_t column) const override;
   Ref<host::Range> UsedRange() const override;
   bool AutoFilterMode() const override;
   Ref<host::AutoFilter> AutoFilter() const override;
@@ -54,7 +48,7 @@ class Worksheet final : public host::Worksheet {
 
   const std::u16string& Name() const { return name_; }
   void SetName(std::u16string_view name) { name_ = name; }
-  const SheetSize& Size() const { return size_; }
+  const SheetSize& Size() const override { return size_; }
   void SetSize(const SheetSize& size) { size_ = size; }  // before there is anything on it
 
   // Loads a row behind the last one loaded: UTF-8, one text a cell. No protection, no change mark.
@@ -63,15 +57,15 @@ class Worksheet final : public host::Worksheet {
   void Clear();
   // While rows are still to come, cells behind the last one can not be changed.
   void SetLoading(bool loading);
-  const CellText& Text() const { return text_; }
+  const CellText& Text() const override { return text_; }
   // The cells in use: A1 while no cell has had a text.
-  Block UsedBlock() const { return text_.Used().value_or(Block::OfCell(1, 1)); }
+  Block UsedBlock() const override { return text_.Used().value_or(Block::OfCell(1, 1)); }
   // What UsedRange is: those below the head.
   Block BodyBlock() const;
   // How many of the first rows in use are the table's head: never part of what is searched by default.
   int32_t HeadRows() const { return head_rows_; }
   void SetHeadRows(int32_t rows) { head_rows_ = rows; }
-  const RowSet& HiddenRows() const { return hidden_; }
+  const RowSet& HiddenRows() const override { return hidden_; }
   // The cells that were changed since they were loaded, with their text now, which may be the one loaded
   // again. `Edits` grows with every change.
   struct Change {
@@ -88,23 +82,26 @@ class Worksheet final : public host::Worksheet {
   void Select(std::vector<Block> areas, Cell active);
 
   // The part that ranges and filters need. Rows and columns lie on the sheet.
-  Ref<host::Range> MakeRange(const Block& area) const;
-  Ref<host::Range> MakeRange(std::vector<Block> areas) const;  // not empty
-  void Recycle(standalone::Range* range) const noexcept;
+  void RequireOpen() const override { Book(); }
+  std::u16string ExternalName() const override;
+  std::u16string ValueOf(Cell cell) const override;
+  Finder& FinderOfHost() const override;
   Workbook& Book() const;  // fails when the workbook has been closed
-  uint64_t Layout() const { return layout_; }
+  uint64_t Layout() const override { return layout_; }
   void SetHidden(const Block& rows, bool hidden);
-  void SetCell(int32_t row, int32_t column, std::u16string_view text);
-  void SetFilter(const Block& range, const host::AutoFilterArguments& arguments);
+  void SetRowsHidden(std::span<const Block> rows, bool hidden) override;
+  void SetCell(int32_t row, int32_t column, std::u16string_view text) override;
+  void SetFilter(const Block& range, const host::AutoFilterArguments& arguments) override;
   void ApplyFilter();
   const FilterState& Filter() const;  // fails without an AutoFilter
   const std::vector<Block>& Selection() const { return selection_; }
   Block ActiveCell() const { return active_cell_; }
-  void Activate(const std::vector<Block>& areas);
+  void Activate(std::span<const Block> areas) override;
   void Close() { parent_ = nullptr; }
 
  private:
   void Changed() const;
+  void SelectAndActivate(std::span<const Block> areas);
 
   Workbook* parent_;
   std::u16string name_;
@@ -120,7 +117,6 @@ class Worksheet final : public host::Worksheet {
   std::optional<FilterState> filter_;
   std::vector<Block> selection_{Block::OfCell(1, 1)};
   Block active_cell_ = Block::OfCell(1, 1);
-  mutable standalone::Range* free_ranges_ = nullptr;  // handles for the next use
 };
 
 // A sheet that shows a chart: it has no cells.

@@ -1,7 +1,7 @@
-#include "host/standalone/Scan.h"
-#include "host/standalone/ScanAvx2.h"
+#include "host/cells/Scan.h"
+#include "host/cells/ScanAvx2.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 const ScanKernel& SelectScan() {
   const bool avx2 = __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("bmi") != 0 &&
@@ -9,4 +9,4 @@ const ScanKernel& SelectScan() {
   return avx2 ? kAvx2Scan : kPortableScan;
 }
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

@@ -1,9 +1,9 @@
-#include "host/standalone/RowFinder.h"
+#include "host/cells/RowFinder.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 namespace {
 
 // A piece: less than a millisecond where the scan goes at the speed of memory, some where every cell is
@@ -129,4 +129,4 @@ std::size_t RowFinder::LookByCell(const CellText& text, RowRun run, std::size_t 
   return looked_at;
 }
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

@@ -9,14 +9,14 @@
 #include <span>
 #include <vector>
 
+#include "host/cells/Address.h"
+#include "host/cells/CellText.h"
+#include "host/cells/Pattern.h"
+#include "host/cells/RowFinder.h"
+#include "host/cells/RowSet.h"
 #include "host/spreadsheet.h"
-#include "host/standalone/Address.h"
-#include "host/standalone/CellText.h"
-#include "host/standalone/Pattern.h"
-#include "host/standalone/RowFinder.h"
-#include "host/standalone/RowSet.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 // What a search looks through: the text and the hidden rows of one sheet, and the areas of a range. Whoever
 // changes the hidden rows makes a new `layout` number.
@@ -44,13 +44,14 @@ class Finder {
     return Next(haystack, after);
   }
 
-  // All rows with a match in one of the columns (ascending; nothing: in any). Where what was found before
-  // shows that there can be none in other rows, only those are looked at.
-  RowFinder Rows(const Haystack& haystack, std::optional<std::span<const int32_t>> columns) const;
+  // The search for all rows with a match in one of the columns (ascending; nothing: in any). Where what was
+  // found before shows that there can be none in other rows, only those are looked at.
+  RowQuery QueryFor(std::span<const Block> areas, std::optional<std::span<const int32_t>> columns) const;
+  RowFinder Rows(RowQuery query, const CellText& text) const;
   // What a RowFinder found; nothing is taken.
   void Remember(std::shared_ptr<const FoundRows> found);
 
-  // The model keeps no comments.
+  // Comments are not kept.
   bool LooksAtText() const { return look_in_ != host::xlComments; }
   // Whether hidden rows are passed over: the host finds values as they are shown.
   bool PassesHidden() const { return look_in_ == host::xlValues; }
@@ -100,4 +101,4 @@ class Finder {
   std::vector<std::shared_ptr<const FoundRows>> found_;  // the latest one first
 };
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

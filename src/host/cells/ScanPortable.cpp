@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "host/standalone/Scan.h"
+#include "host/cells/Scan.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 namespace {
 
 const char* Find(const char* begin, const char* end, const char* needle, std::size_t length,
@@ -29,4 +29,4 @@ int32_t Count(const char* begin, const char* end, char byte) {
 
 const ScanKernel kPortableScan = {Find, Count};
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

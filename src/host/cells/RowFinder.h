@@ -7,13 +7,13 @@
 #include <optional>
 #include <vector>
 
-#include "host/standalone/Address.h"
-#include "host/standalone/CellScan.h"
-#include "host/standalone/CellText.h"
-#include "host/standalone/Pattern.h"
-#include "host/standalone/RowSet.h"
+#include "host/cells/Address.h"
+#include "host/cells/CellScan.h"
+#include "host/cells/CellText.h"
+#include "host/cells/Pattern.h"
+#include "host/cells/RowSet.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 struct RowQuery {
   Pattern pattern;
@@ -69,4 +69,4 @@ class RowFinder {
   int32_t row_;  // the next one of the area
 };
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

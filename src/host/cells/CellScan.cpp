@@ -1,9 +1,9 @@
-#include "host/standalone/CellScan.h"
+#include "host/cells/CellScan.h"
 
 #include <algorithm>
 #include <cstring>
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 namespace {
 
 // The row that holds the byte at `offset`, at or behind row `from`; near rows are found first.
@@ -102,4 +102,4 @@ int32_t CellScan::Column() {
   return separators_;
 }
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

@@ -5,9 +5,9 @@
 #include <span>
 #include <vector>
 
-#include "host/standalone/Worksheet.h"
+#include "host/cells/Sheet.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 // A search makes and drops one handle a match, so the sheet keeps dropped ones for their next use.
 class Range final : public host::Range {
@@ -29,25 +29,26 @@ class Range final : public host::Range {
   void Activate() override;
   Ref<host::Range> Find(const host::FindArguments& arguments) override;
   Ref<host::Range> FindNext(const host::Range& after) override;
+  bool PrepareFind() override { return sheet_->ReadText(); }
   Ref<host::RowSearch> FindRows(const host::FindArguments& arguments,
                                 std::optional<std::span<const int32_t>> columns) override;
   Ref<host::Range> SpecialCells(host::XlCellType type) const override;
   void AutoFilter(const host::AutoFilterArguments& arguments) override;
 
-  Worksheet& Sheet() const { return *sheet_; }
+  cells::Sheet& Sheet() const { return *sheet_; }
   std::span<const Block> Areas() const {
     return areas_ ? std::span<const Block>(*areas_) : std::span(&first_, 1);
   }
 
  private:
-  friend class Worksheet;
+  friend class cells::Sheet;
 
   void Dispose() noexcept override;
 
-  Ref<Worksheet> sheet_;
+  Ref<cells::Sheet> sheet_;
   Block first_;
   std::shared_ptr<const std::vector<Block>> areas_;  // only when there is more than one
   Range* next_free_ = nullptr;
 };
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

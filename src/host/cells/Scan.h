@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 // Bytes that must be readable behind the end of what is scanned, so that a whole vector may be loaded there.
 inline constexpr std::size_t kScanPadding = 64;
@@ -24,4 +24,4 @@ extern const ScanKernel kPortableScan;
 // The fastest kernel that this processor runs.
 const ScanKernel& SelectScan();
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

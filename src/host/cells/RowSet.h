@@ -7,10 +7,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/cells/Address.h"
 #include "host/spreadsheet.h"
-#include "host/standalone/Address.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 using host::RowRun;
 
@@ -93,4 +93,4 @@ class RowSet {
   std::vector<uint64_t> words_;  // of the rows from 0 on
 };
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

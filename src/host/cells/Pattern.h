@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 // `*` stands for any text, `?` for one character, `~` takes the meaning from the one that follows. An empty
 // pattern matches empty cells and nothing else; any other pattern matches cells with a text only.
@@ -52,4 +52,4 @@ class Pattern {
   bool match_case_ = false;
 };
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

@@ -1,12 +1,12 @@
-#include "host/standalone/Pattern.h"
+#include "host/cells/Pattern.h"
 
 #include <algorithm>
 
-#include "host/standalone/CellText.h"
+#include "host/cells/CellText.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 namespace {
 
 bool IsWildcard(char c) { return c == '*' || c == '?' || c == '~'; }
@@ -114,4 +114,4 @@ Pattern::RareBytes Pattern::ChooseRareBytes(const std::array<uint32_t, 256>& cou
   return rare;
 }
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

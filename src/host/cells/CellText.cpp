@@ -1,12 +1,12 @@
-#include "host/standalone/CellText.h"
+#include "host/cells/CellText.h"
 
 #include <algorithm>
 
-#include "host/standalone/Scan.h"
+#include "host/cells/Scan.h"
 #include "util/Text.h"
 #include "util/Utf.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 namespace {
 
 // Upper case to lower case where all the text is ASCII or separators; false where it is not.
@@ -44,10 +44,54 @@ void AddRow(CellText::Twin& twin, Append append) {
   twin.bytes.append(kScanPadding, CellText::kSeparator);
 }
 
-void ReplaceRow(CellText::Twin& twin, std::size_t row, std::string_view text) {
-  const auto old_size = twin.start[row + 1] - twin.start[row];
-  twin.bytes.replace(twin.start[row], old_size, text);
-  for (auto i = row + 1; i < twin.start.size(); ++i) twin.start[i] += text.size() - old_size;
+// A row at the end.
+void AddCells(std::array<CellText::Twin, 2>& twins, std::span<const std::string_view> cells) {
+  auto& exact = twins[0];
+  AddRow(exact, [&](std::string& bytes) {
+    if (cells.empty()) return;
+    bytes += CellText::kSeparator;
+    for (const auto cell : cells) {
+      bytes += cell;
+      bytes += CellText::kSeparator;
+    }
+  });
+  const auto row = exact.start.size() - 2;
+  AddRow(twins[1], [&](std::string& bytes) {
+    AppendFolded(bytes, {exact.Row(row), exact.start[row + 1] - exact.start[row]});
+  });
+}
+
+std::optional<Block> UsedOf(std::span<const std::string_view> cells, int32_t row) {
+  const auto has_text = [](std::string_view cell) { return !cell.empty(); };
+  const auto first = std::find_if(cells.begin(), cells.end(), has_text);
+  if (first == cells.end()) return std::nullopt;
+  const auto last = std::find_if(cells.rbegin(), cells.rend(), has_text);
+  return Block{row, static_cast<int32_t>(first - cells.begin()) + 1, row,
+               static_cast<int32_t>(cells.rend() - last)};
+}
+
+std::string_view Bytes(const CellText::Twin& twin, std::size_t first, std::size_t count) {
+  return {twin.Row(first), twin.start[first + count] - twin.start[first]};
+}
+
+// Rows that store nothing, up to the one before `row`.
+void FillUpTo(CellText::Block& block, std::size_t row) {
+  while (static_cast<std::size_t>(block.Rows()) < row) {
+    for (auto& twin : block.twins) AddRow(twin, [](std::string&) {});
+  }
+}
+
+// Puts the rows of another twin in place of `count` rows.
+void ReplaceRows(CellText::Twin& twin, std::size_t first, std::size_t count, const CellText::Twin& rows) {
+  const auto at = twin.start[first];
+  const auto old_size = twin.start[first + count] - at;
+  const auto size = rows.start.back();
+  twin.bytes.replace(at, old_size, rows.bytes, 0, size);
+  const auto begin = twin.start.begin() + static_cast<std::ptrdiff_t>(first);
+  const auto behind = twin.start.erase(begin, begin + static_cast<std::ptrdiff_t>(count));
+  for (auto start = behind; start != twin.start.end(); ++start) *start += size - old_size;
+  const auto added = twin.start.insert(behind, rows.start.begin(), rows.start.end() - 1);
+  for (std::size_t i = 0; i + 1 < rows.start.size(); ++i) added[static_cast<std::ptrdiff_t>(i)] += at;
 }
 
 }  // namespace
@@ -75,34 +119,38 @@ CellText::Block& CellText::BlockFor(int32_t row) {
   return *blocks_[index];
 }
 
-void CellText::Use(int32_t row, int32_t first_column, int32_t last_column) {
-  const rowlark::Block rect{row, first_column, row, last_column};
-  used_ = used_ ? Join(*used_, rect) : rect;
+void CellText::Use(const rowlark::Block& rect) { used_ = used_ ? Join(*used_, rect) : rect; }
+
+void CellText::Rows::Append(std::span<const std::string_view> cells) {
+  AddCells(block_.twins, cells);
+  if (const auto used = UsedOf(cells, block_.Rows())) used_ = used_ ? Join(*used_, *used) : used;
 }
 
 void CellText::AppendRow(std::span<const std::string_view> cells) {
-  auto& block = BlockFor(++appended_rows_);
-  AddRow(block.twins[0], [&](std::string& bytes) {
-    if (cells.empty()) return;
-    bytes += kSeparator;
-    for (const auto cell : cells) {
-      bytes += cell;
-      bytes += kSeparator;
-    }
-  });
-  const auto& exact = block.twins[0];
-  const std::string_view row(exact.Row(exact.start.size() - 2),
-                             exact.start.back() - exact.start[exact.start.size() - 2]);
-  AddRow(block.twins[1], [&](std::string& bytes) { AppendFolded(bytes, row); });
+  AddCells(BlockFor(++appended_rows_).twins, cells);
+  if (const auto used = UsedOf(cells, appended_rows_)) Use(*used);
+  ++version_;
+}
 
-  const auto has_text = [](std::string_view cell) { return !cell.empty(); };
-  const auto first = std::find_if(cells.begin(), cells.end(), has_text);
-  if (first != cells.end()) {
-    const auto last = std::find_if(cells.rbegin(), cells.rend(), has_text);
-    Use(appended_rows_, static_cast<int32_t>(first - cells.begin()) + 1,
-        static_cast<int32_t>(cells.rend() - last));
+bool CellText::Replace(int32_t first, const Rows& rows) {
+  auto& block = BlockFor(first);
+  const auto index = RowInBlock(first);
+  FillUpTo(block, index);
+  const auto count = static_cast<std::size_t>(rows.block_.Rows());
+  const auto present = std::min(count, static_cast<std::size_t>(block.Rows()) - index);
+  if (present == count && Bytes(block.twins[0], index, count) == Bytes(rows.block_.twins[0], 0, count)) {
+    return false;
+  }
+  for (std::size_t i = 0; i < 2; ++i) ReplaceRows(block.twins[i], index, present, rows.block_.twins[i]);
+  appended_rows_ = std::max(appended_rows_, first + static_cast<int32_t>(count) - 1);
+  if (rows.used_) {
+    auto used = *rows.used_;
+    used.first_row += first - 1;
+    used.last_row += first - 1;
+    Use(used);
   }
   ++version_;
+  return true;
 }
 
 void CellText::Clear() {
@@ -169,25 +217,16 @@ std::vector<std::string_view> CellText::Cells(int32_t row) const {
 
 void CellText::SetCell(int32_t row, int32_t column, std::string_view text) {
   auto& block = BlockFor(row);
-  while (block.Rows() <= static_cast<int32_t>(RowInBlock(row))) {
-    for (auto& twin : block.twins) AddRow(twin, [](std::string&) {});
-  }
   const auto index = RowInBlock(row);
+  FillUpTo(block, index + 1);
   auto cells = Cells(row);
   if (cells.size() < static_cast<std::size_t>(column)) cells.resize(static_cast<std::size_t>(column));
   cells[static_cast<std::size_t>(column) - 1] = text;
-
-  std::string bytes(1, kSeparator);
-  for (const auto cell : cells) {
-    bytes += cell;
-    bytes += kSeparator;
-  }
-  std::string folded;
-  AppendFolded(folded, bytes);
-  ReplaceRow(block.twins[0], index, bytes);
-  ReplaceRow(block.twins[1], index, folded);
+  Rows one;
+  one.Append(cells);
+  for (std::size_t i = 0; i < 2; ++i) ReplaceRows(block.twins[i], index, 1, one.block_.twins[i]);
   appended_rows_ = std::max(appended_rows_, row);
-  if (!text.empty()) Use(row, column, column);
+  if (!text.empty()) Use(rowlark::Block::OfCell(row, column));
   ++version_;
 }
 
@@ -203,4 +242,4 @@ std::array<uint32_t, 256> CellText::SampleBytes(bool folded) const {
   return counts;
 }
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

@@ -1,10 +1,10 @@
-#include "host/standalone/Address.h"
+#include "host/cells/Address.h"
 
 #include <algorithm>
 
 #include "util/Text.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 namespace {
 
 // One side of an address: column letters, row digits or both; 0 stands for what is missing.
@@ -105,4 +105,4 @@ void AppendAddress(std::u16string& text, const Block& area, const SheetSize& siz
   AppendRow(text, area.last_row);
 }
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

@@ -1,11 +1,11 @@
-#include "host/standalone/Finder.h"
+#include "host/cells/Finder.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "host/standalone/CellScan.h"
+#include "host/cells/CellScan.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 namespace {
 
 std::optional<Block> Intersect(const Block& a, const Block& b) {
@@ -76,16 +76,21 @@ Pattern::RareBytes Finder::RareBytes(const CellText& text) {
   return rare_;
 }
 
-RowFinder Finder::Rows(const Haystack& haystack, std::optional<std::span<const int32_t>> columns) const {
-  RowQuery query{pattern_, {haystack.areas.begin(), haystack.areas.end()}, std::nullopt};
+RowQuery Finder::QueryFor(std::span<const Block> areas,
+                          std::optional<std::span<const int32_t>> columns) const {
+  RowQuery query{pattern_, {areas.begin(), areas.end()}, std::nullopt};
   if (columns) query.columns.emplace(columns->begin(), columns->end());
+  return query;
+}
+
+RowFinder Finder::Rows(RowQuery query, const CellText& text) const {
   std::shared_ptr<const FoundRows> fewest;
   for (const auto& found : found_) {
-    if (found->Hold(haystack.text) && found->Cover(query) && (!fewest || found->count < fewest->count)) {
+    if (found->Hold(text) && found->Cover(query) && (!fewest || found->count < fewest->count)) {
       fewest = found;
     }
   }
-  return RowFinder(std::move(query), haystack.text, std::move(fewest));
+  return RowFinder(std::move(query), text, std::move(fewest));
 }
 
 void Finder::Remember(std::shared_ptr<const FoundRows> found) {
@@ -207,4 +212,4 @@ std::optional<Cell> Finder::InAreaByCell(const Haystack& haystack, const Block& 
   return std::nullopt;
 }
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

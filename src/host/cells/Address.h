@@ -10,7 +10,7 @@
 
 #include "host/Block.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 inline constexpr int32_t kMaxRow = 1048576;
 inline constexpr int32_t kMaxColumn = 16384;
@@ -44,4 +44,4 @@ bool ParseAddress(std::u16string_view address, std::vector<Block>& areas, const 
 // Absolute ("$B$3:$F$200"); whole columns and rows as "$A:$C" and "$1:$5".
 void AppendAddress(std::u16string& text, const Block& area, const SheetSize& size = {});
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

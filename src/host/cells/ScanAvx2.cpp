@@ -1,11 +1,11 @@
 // Compiled for AVX2: nothing of the standard library may be instantiated here, since the linker could choose
 // this copy for processors that lack it.
-#include "host/standalone/ScanAvx2.h"
+#include "host/cells/ScanAvx2.h"
 
 #include <immintrin.h>
 #include <string.h>
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 namespace {
 
 __m256i Load(const char* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
@@ -55,4 +55,4 @@ int32_t Count(const char* begin, const char* end, char byte) {
 
 const ScanKernel kAvx2Scan = {Find, Count};
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

@@ -15,9 +15,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/standalone/Address.h"
+#include "host/cells/Address.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 class CellText {
  public:
@@ -35,6 +35,20 @@ class CellText {
     int32_t Rows() const { return static_cast<int32_t>(twins[0].start.size()) - 1; }
   };
 
+  // Rows one after the other, made to be put into a text together.
+  class Rows {
+   public:
+    Rows() {
+      for (auto& twin : block_.twins) twin.start.push_back(0);
+    }
+    void Append(std::span<const std::string_view> cells);  // UTF-8
+
+   private:
+    friend class CellText;
+    Block block_;
+    std::optional<rowlark::Block> used_;  // the first row counts as 1
+  };
+
   // Stores `cells` as the row behind the last one that was appended; they are UTF-8.
   void AppendRow(std::span<const std::string_view> cells);
   int32_t AppendedRows() const { return appended_rows_; }
@@ -46,6 +60,8 @@ class CellText {
   // The texts that a row stores, from column 1 on.
   std::vector<std::string_view> Cells(int32_t row) const;
   void SetCell(int32_t row, int32_t column, std::string_view text);
+  // Stores rows, which lie in one block, in place of those from `first` on; false when they were the same.
+  bool Replace(int32_t first, const Rows& rows);
 
   // The smallest rectangle that holds every cell that ever had a text.
   const std::optional<rowlark::Block>& Used() const { return used_; }
@@ -73,7 +89,7 @@ class CellText {
   // The block of a row, or null when it stores nothing.
   const Block* BlockOf(int32_t row) const;
   Block& BlockFor(int32_t row);
-  void Use(int32_t row, int32_t first_column, int32_t last_column);
+  void Use(const rowlark::Block& rect);
 
   std::vector<std::unique_ptr<Block>> blocks_;
   std::optional<rowlark::Block> used_;
@@ -101,4 +117,4 @@ class CellReader {
   std::string_view rest_;  // of the row, from the separator before that cell
 };
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

@@ -1,37 +1,40 @@
-#include "host/standalone/Range.h"
+#include "host/cells/Range.h"
 
 #include <algorithm>
 
-#include "host/standalone/Application.h"
-#include "host/standalone/Finder.h"
-#include "host/standalone/Workbook.h"
-#include "util/Utf.h"
+#include "host/cells/Finder.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 namespace {
 
-Haystack HaystackOf(const Worksheet& sheet, std::span<const Block> areas) {
+Haystack HaystackOf(const Sheet& sheet, std::span<const Block> areas) {
   return {sheet.Text(), sheet.HiddenRows(), sheet.Layout(), areas};
 }
 
+// Waits for the text that the sheet has not read yet, also for what changes later.
 class SheetRows final : public host::RowSearch {
  public:
-  SheetRows(Ref<Worksheet> sheet, RowFinder finder, bool passes_hidden)
-      : sheet_(std::move(sheet)), finder_(std::move(finder)), passes_hidden_(passes_hidden) {}
+  SheetRows(Ref<Sheet> sheet, RowQuery query, bool passes_hidden)
+      : sheet_(std::move(sheet)), query_(std::move(query)), passes_hidden_(passes_hidden) {}
 
   Piece Next(std::vector<int32_t>& rows) override {
-    auto& application = sheet_->Book().Host();
+    sheet_->RequireOpen();
+    if (!sheet_->ReadText()) return Piece::NoMatch;
+    const auto& text = sheet_->Text();
+    auto& host = sheet_->FinderOfHost();
+    if (!finder_) finder_.emplace(host.Rows(std::move(query_), text));
     const auto before = rows.size();
-    if (finder_.Next(sheet_->Text(), passes_hidden_ ? &sheet_->HiddenRows() : nullptr, rows)) {
+    if (finder_->Next(text, passes_hidden_ ? &sheet_->HiddenRows() : nullptr, rows)) {
       return rows.size() > before ? Piece::Matches : Piece::NoMatch;
     }
-    application.Find().Remember(finder_.Found(sheet_->Text()));
+    host.Remember(finder_->Found(text));
     return Piece::End;
   }
 
  private:
-  const Ref<Worksheet> sheet_;
-  RowFinder finder_;
+  const Ref<Sheet> sheet_;
+  RowQuery query_;
+  std::optional<RowFinder> finder_;
   const bool passes_hidden_;
 };
 
@@ -39,7 +42,7 @@ class SheetRows final : public host::RowSearch {
 
 void Range::Dispose() noexcept {
   areas_.reset();
-  const Ref<Worksheet> sheet = std::move(sheet_);
+  const Ref<cells::Sheet> sheet = std::move(sheet_);
   sheet->Recycle(this);
 }
 
@@ -57,10 +60,7 @@ std::u16string Range::Address() const {
   return text;
 }
 
-std::u16string Range::ExternalAddress() const {
-  std::u16string address(1, u'[');
-  return address.append(sheet_->Book().Name()).append(u"]").append(sheet_->Name()).append(u"!") + Address();
-}
+std::u16string Range::ExternalAddress() const { return sheet_->ExternalName() + u"!" + Address(); }
 
 Ref<host::Range> Range::Offset(int32_t rows, int32_t columns) const {
   const SheetSize& size = sheet_->Size();
@@ -77,9 +77,7 @@ Ref<host::Range> Range::Offset(int32_t rows, int32_t columns) const {
   return sheet_->MakeRange(std::move(areas));
 }
 
-std::u16string Range::Value() const {
-  return ToUtf16(sheet_->Text().Cell(first_.first_row, first_.first_column));
-}
+std::u16string Range::Value() const { return sheet_->ValueOf({first_.first_row, first_.first_column}); }
 
 void Range::SetValue(std::u16string_view text) {
   for (const auto& area : Areas()) {
@@ -92,27 +90,20 @@ void Range::SetValue(std::u16string_view text) {
 }
 
 bool Range::EntireRowHidden() const {
+  const auto& hidden = sheet_->HiddenRows();
   return std::ranges::all_of(Areas(), [&](const Block& area) {
-    return sheet_->HiddenRows().Next(area.first_row, area.last_row, false) > area.last_row;
+    return hidden.Next(area.first_row, area.last_row, false) > area.last_row;
   });
 }
 
-void Range::SetEntireRowHidden(bool hidden) {
-  for (const auto& area : Areas()) sheet_->SetHidden(area, hidden);
-}
+void Range::SetEntireRowHidden(bool hidden) { sheet_->SetRowsHidden(Areas(), hidden); }
 
-void Range::Activate() {
-  auto& book = sheet_->Book();
-  if (book.Host().ActiveWorkbook().get() != &book || book.ActiveSheet().get() != sheet_.get()) {
-    throw host::Error(1004, u"Activate method of Range class failed");
-  }
-  sheet_->Activate({Areas().begin(), Areas().end()});
-}
+void Range::Activate() { sheet_->Activate(Areas()); }
 
 Ref<host::Range> Range::Find(const host::FindArguments& arguments) {
   const Cell after = arguments.After != nullptr ? Cell{arguments.After->Row(), arguments.After->Column()}
                                                 : Cell{first_.first_row, first_.first_column};
-  auto& finder = sheet_->Book().Host().Find();
+  auto& finder = sheet_->FinderOfHost();
   finder.Begin(arguments);
   const auto cell = finder.Next(HaystackOf(*sheet_, Areas()), after);
   if (!cell) return nullptr;
@@ -121,28 +112,28 @@ Ref<host::Range> Range::Find(const host::FindArguments& arguments) {
 
 Ref<host::Range> Range::FindNext(const host::Range& after) {
   const auto cell =
-      sheet_->Book().Host().Find().NextForward(HaystackOf(*sheet_, Areas()), {after.Row(), after.Column()});
+      sheet_->FinderOfHost().NextForward(HaystackOf(*sheet_, Areas()), {after.Row(), after.Column()});
   if (!cell) return nullptr;
   return sheet_->MakeRange(Block::OfCell(cell->row, cell->column));
 }
 
 Ref<host::RowSearch> Range::FindRows(const host::FindArguments& arguments,
                                      std::optional<std::span<const int32_t>> columns) {
-  auto& finder = sheet_->Book().Host().Find();
+  auto& finder = sheet_->FinderOfHost();
   finder.Begin(arguments);
   if (!finder.LooksAtText()) return nullptr;
-  return MakeRef<SheetRows>(sheet_, finder.Rows(HaystackOf(*sheet_, Areas()), columns),
-                            finder.PassesHidden());
+  return MakeRef<SheetRows>(sheet_, finder.QueryFor(Areas(), columns), finder.PassesHidden());
 }
 
 Ref<host::Range> Range::SpecialCells(host::XlCellType type) const {
   if (type != host::xlCellTypeVisible) throw host::Error(1004, u"Unable to get the SpecialCells property");
   // Of a single cell the host looks at the whole used range.
   const bool single = AreasCount() == 1 && first_.Rows() == 1 && first_.Columns() == 1;
-  const auto used = sheet_->UsedBlock();
+  const auto used = single ? sheet_->UsedBlock() : first_;
   std::vector<Block> visible;
+  const auto& hidden = sheet_->HiddenRows();
   for (const auto& area : single ? std::span(&used, 1) : Areas()) {
-    sheet_->HiddenRows().ForEachRun(area.first_row, area.last_row, false, [&](RowRun run) {
+    hidden.ForEachRun(area.first_row, area.last_row, false, [&](RowRun run) {
       visible.push_back({run.first, area.first_column, run.last, area.last_column});
     });
   }
@@ -152,4 +143,4 @@ Ref<host::Range> Range::SpecialCells(host::XlCellType type) const {
 
 void Range::AutoFilter(const host::AutoFilterArguments& arguments) { sheet_->SetFilter(first_, arguments); }
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

@@ -5,11 +5,11 @@
 #include <optional>
 #include <vector>
 
-#include "host/standalone/CellText.h"
-#include "host/standalone/Pattern.h"
-#include "host/standalone/Scan.h"
+#include "host/cells/CellText.h"
+#include "host/cells/Pattern.h"
+#include "host/cells/Scan.h"
 
-namespace rowlark::standalone {
+namespace rowlark::cells {
 
 // The columns in which a match counts.
 class WantedColumns {
@@ -69,4 +69,4 @@ class CellScan {
   const char* counted_ = nullptr;
 };
 
-}  // namespace rowlark::standalone
+}  // namespace rowlark::cells

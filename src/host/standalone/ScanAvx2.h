@@ -1,9 +1,0 @@
-#pragma once
-
-#include "host/standalone/Scan.h"
-
-namespace rowlark::standalone {
-
-extern const ScanKernel kAvx2Scan;
-
-}  // namespace rowlark::standalone

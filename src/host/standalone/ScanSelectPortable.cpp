@@ -1,7 +1,0 @@
-#include "host/standalone/Scan.h"
-
-namespace rowlark::standalone {
-
-const ScanKernel& SelectScan() { return kPortableScan; }
-
-}  // namespace rowlark::standalone
