@@ -1,0 +1,413 @@
+#include "host/calc/Workbook.h"
+
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/container/XIndexAccess.hpp>
+#include <com/sun/star/document/XUndoManagerSupplier.hpp>
+#include <com/sun/star/frame/DispatchHelper.hpp>
+#include <com/sun/star/frame/XDispatchProvider.hpp>
+#include <com/sun/star/frame/XStorable.hpp>
+#include <com/sun/star/frame/XTitle.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/sheet/XCellRangeAddressable.hpp>
+#include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
+#include <com/sun/star/sheet/XSpreadsheets.hpp>
+#include <com/sun/star/table/XColumnRowRange.hpp>
+#include <com/sun/star/util/XModifiable.hpp>
+#include <com/sun/star/view/XSelectionSupplier.hpp>
+#include <cppuhelper/implbase2.hxx>
+#include <rtl/uri.hxx>
+
+#include <algorithm>
+#include <utility>
+
+#include "host/calc/Errors.h"
+#include "host/calc/Query.h"
+#include "host/calc/Strings.h"
+#include "util/FileSystemPlatform.h"
+#include "util/Scope.h"
+#include "util/Text.h"
+#include "util/Utf.h"
+
+namespace rowlark::calc {
+namespace {
+
+using com::sun::star::document::UndoManagerEvent;
+using com::sun::star::frame::XController;
+using com::sun::star::lang::EventObject;
+using com::sun::star::sheet::XCellRangeAddressable;
+using com::sun::star::sheet::XSpreadsheetView;
+using com::sun::star::table::CellRangeAddress;
+using com::sun::star::view::XSelectionSupplier;
+
+constexpr std::u16string_view kFails = u"Application-defined or object-defined error";
+constexpr std::u16string_view kRowsRefused = u"Unable to set the Hidden property of the Range class";
+
+// Of a part of a URL.
+std::u16string Decode(const rtl::OUString& text) {
+  return FromOffice(rtl::Uri::decode(text, rtl_UriDecodeWithCharset, RTL_TEXTENCODING_UTF8));
+}
+
+bool IsSameSheet(const uno::Reference<com::sun::star::sheet::XSpreadsheet>& sheet, int16_t index) {
+  return As<XCellRangeAddressable>(sheet)->getRangeAddress().Sheet == index;
+}
+
+}  // namespace
+
+class BookListener final : public cppu::WeakImplHelper2<com::sun::star::document::XUndoManagerListener,
+                                                        com::sun::star::view::XSelectionChangeListener> {
+ public:
+  explicit BookListener(Workbook& book) : book_(&book) {}
+  void Abandon() { book_ = nullptr; }
+
+  void SAL_CALL undoActionAdded(const UndoManagerEvent&) override { Done(); }
+  void SAL_CALL actionUndone(const UndoManagerEvent&) override { Done(); }
+  void SAL_CALL actionRedone(const UndoManagerEvent&) override { Done(); }
+  void SAL_CALL allActionsCleared(const EventObject&) override { Done(); }
+  void SAL_CALL redoActionsCleared(const EventObject&) override {}
+  void SAL_CALL resetAll(const EventObject&) override { Done(); }
+  void SAL_CALL enteredContext(const UndoManagerEvent&) override { Done(); }
+  void SAL_CALL enteredHiddenContext(const UndoManagerEvent&) override { Done(); }
+  void SAL_CALL leftContext(const UndoManagerEvent&) override { Done(); }
+  void SAL_CALL leftHiddenContext(const UndoManagerEvent&) override { Done(); }
+  void SAL_CALL cancelledContext(const UndoManagerEvent&) override { Done(); }
+
+  void SAL_CALL selectionChanged(const EventObject&) override {
+    if (book_ == nullptr) return;
+    const Ref<Workbook> book(book_);
+    Attempt(book->Office().Trace, [&] { book->SelectionChanged(); });
+  }
+
+  // The model, or a window of the document, goes.
+  void SAL_CALL disposing(const EventObject& event) override {
+    if (book_ == nullptr) return;
+    const Ref<Workbook> book(book_);
+    if (book->listened_.is() && event.Source == book->listened_) {
+      book->listened_.clear();
+    } else {
+      book->Office().Forget(*book);
+    }
+  }
+
+ private:
+  void Done() {
+    if (book_ != nullptr) book_->Done();
+  }
+
+  Workbook* book_;
+};
+
+Workbook::Workbook(std::shared_ptr<calc::Office> office,
+                   const uno::Reference<com::sun::star::sheet::XSpreadsheetDocument>& document)
+    : office_(std::move(office)),
+      document_(document),
+      model_(document, uno::UNO_QUERY_THROW),
+      listener_(new BookListener(*this)) {
+  const uno::Reference<com::sun::star::document::XUndoManagerSupplier> supplier(document, uno::UNO_QUERY);
+  if (supplier.is()) undo_ = supplier->getUndoManager();
+  if (undo_.is()) undo_->addUndoManagerListener(listener_.get());
+  As<com::sun::star::lang::XComponent>(model_)->addEventListener(
+      static_cast<com::sun::star::view::XSelectionChangeListener*>(listener_.get()));
+}
+
+Workbook::~Workbook() { Closed(); }
+
+void Workbook::Closed() noexcept {
+  if (!document_.is()) return;
+  listener_->Abandon();
+  const auto drop = [](auto release) {
+    try {
+      release();
+    } catch (const uno::Exception&) {
+      // It is being disposed.
+    }
+  };
+  drop([this] {
+    if (undo_.is()) undo_->removeUndoManagerListener(listener_.get());
+  });
+  drop([this] {
+    if (listened_.is()) As<XSelectionSupplier>(listened_)->removeSelectionChangeListener(listener_.get());
+  });
+  drop([this] {
+    As<com::sun::star::lang::XComponent>(model_)->removeEventListener(
+        static_cast<com::sun::star::view::XSelectionChangeListener*>(listener_.get()));
+  });
+  for (const auto& sheet : sheets_) sheet->Close();
+  sheets_.clear();
+  pending_.reset();
+  listened_.clear();
+  undo_.clear();
+  model_.clear();
+  document_.clear();
+}
+
+std::u16string Workbook::Name() const {
+  return OrRefuse(kFails, [this] {
+    const auto url = model_->getURL();
+    if (url.isEmpty()) return FromOffice(As<com::sun::star::frame::XTitle>(model_)->getTitle());
+    return Decode(url.copy(url.lastIndexOf('/') + 1));
+  });
+}
+
+std::u16string Workbook::FullName() const {
+  return OrRefuse(kFails, [this] {
+    constexpr std::u16string_view kFile = u"file://";
+    const auto url = model_->getURL();
+    if (!ViewOf(url).starts_with(kFile)) return url.isEmpty() ? Name() : FromOffice(url);
+    return platform::ToText(ToUtf8(Decode(url.copy(static_cast<sal_Int32>(kFile.size())))));
+  });
+}
+
+bool Workbook::ReadOnly() const {
+  return OrRefuse(kFails, [this] { return As<com::sun::star::frame::XStorable>(model_)->isReadonly(); });
+}
+
+bool Workbook::Saved() const {
+  return OrRefuse(kFails, [this] { return !As<com::sun::star::util::XModifiable>(model_)->isModified(); });
+}
+
+void Workbook::SetSaved(bool saved) {
+  OrRefuse(kFails, [&] { As<com::sun::star::util::XModifiable>(model_)->setModified(!saved); });
+}
+
+uno::Reference<XController> Workbook::Controller() const {
+  return OrRefuse(kFails, [this] { return model_->getCurrentController(); });
+}
+
+Ref<Worksheet> Workbook::ActiveCells() const {
+  const uno::Reference<XSpreadsheetView> view(Controller(), uno::UNO_QUERY);
+  if (!view.is()) return nullptr;  // a preview of the print
+  return OrRefuse(kFails, [&]() -> Ref<Worksheet> {
+    const auto active = view->getActiveSheet();
+    const auto index = As<XCellRangeAddressable>(active)->getRangeAddress().Sheet;
+    std::erase_if(sheets_, [this](const auto& sheet) {
+      if (IndexOf(*sheet)) return false;
+      sheet->Close();
+      return true;
+    });
+    const auto known =
+        std::ranges::find_if(sheets_, [&](const auto& sheet) { return IsSameSheet(sheet->Sheet(), index); });
+    if (known != sheets_.end()) return *known;
+    return sheets_.emplace_back(MakeRef<Worksheet>(const_cast<Workbook&>(*this), active));
+  });
+}
+
+// The object of a sheet follows it when sheets are moved.
+std::optional<int16_t> Workbook::IndexOf(const Worksheet& sheet) const {
+  return OrRefuse(kFails, [&] { return As<XCellRangeAddressable>(sheet.Sheet())->getRangeAddress().Sheet; });
+}
+
+Ref<host::Worksheet> Workbook::ActiveSheet() const { return ActiveCells(); }
+
+// "100/60/0;0;tw:738;3/8/0/...;...": behind three parts one a sheet, which begins with column and row.
+cells::Cell Workbook::ActiveCell() const {
+  if (pending_ && pending_->sheet == ActiveCells()) {
+    return {pending_->areas.front().first_row, pending_->areas.front().first_column};
+  }
+  return OrRefuse(kFails, [this] {
+    constexpr std::size_t kBefore = 3;
+    const auto view = As<XSpreadsheetView>(Controller());
+    const auto sheet = As<XCellRangeAddressable>(view->getActiveSheet())->getRangeAddress().Sheet;
+    rtl::OUString data;
+    Controller()->getViewData() >>= data;
+    const auto parts = Pieces(ViewOf(data), u";");
+    const auto index = kBefore + static_cast<std::size_t>(sheet);
+    std::u16string_view part = index < parts.size() ? parts[index] : std::u16string_view();
+    const auto take = [&part] {
+      const auto end = std::min(part.find_first_not_of(u"0123456789"), part.size());
+      const auto number = ToInteger(part.substr(0, end));
+      part.remove_prefix(std::min(end + 1, part.size()));
+      return number.value_or(0) + 1;
+    };
+    const int32_t column = take();
+    return cells::Cell{take(), column};
+  });
+}
+
+std::vector<Block> Workbook::Selection() const {
+  return OrRefuse(kFails, [this] {
+    std::vector<Block> areas;
+    const auto selection = As<XSelectionSupplier>(Controller())->getSelection();
+    const auto add = [&areas](const CellRangeAddress& area) {
+      areas.push_back({area.StartRow + 1, area.StartColumn + 1, area.EndRow + 1, area.EndColumn + 1});
+    };
+    const uno::Reference<com::sun::star::sheet::XSheetCellRanges> ranges(selection, uno::UNO_QUERY);
+    const uno::Reference<XCellRangeAddressable> range(selection, uno::UNO_QUERY);
+    if (ranges.is()) {
+      for (const auto& area : ranges->getRangeAddresses()) add(area);
+    } else if (range.is()) {
+      add(range->getRangeAddress());
+    }
+    return areas;
+  });
+}
+
+uno::Any Workbook::MakeSelection(int16_t sheet, std::span<const Block> areas) const {
+  const auto factory = As<com::sun::star::lang::XMultiServiceFactory>(document_);
+  const auto ranges = As<com::sun::star::sheet::XSheetCellRangeContainer>(
+      factory->createInstance("com.sun.star.sheet.SheetCellRanges"));
+  uno::Sequence<CellRangeAddress> addresses(static_cast<sal_Int32>(areas.size()));
+  auto* address = addresses.getArray();
+  for (const auto& area : areas) {
+    *address++ = {sheet, area.first_column - 1, area.first_row - 1, area.last_column - 1, area.last_row - 1};
+  }
+  if (!areas.empty()) ranges->addRangeAddresses(addresses, false);
+  return uno::Any(ranges);
+}
+
+void Workbook::Activate(Worksheet& sheet, std::span<const Block> areas) {
+  pending_.emplace(Pending{&sheet, {areas.begin(), areas.end()}});
+  if (office_->ScreenUpdating) HandOver();
+}
+
+// A cell that is active already stays in its selection.
+void Workbook::Select(Worksheet& sheet, std::span<const Block> areas) {
+  const auto& first = areas.front();
+  const bool single = areas.size() == 1 && first.Rows() == 1 && first.Columns() == 1;
+  if (single && ActiveCell() == cells::Cell{first.first_row, first.first_column}) return;
+  const auto supplier = As<XSelectionSupplier>(Controller());
+  const auto index = IndexOf(sheet);
+  if (!index) Refuse(kFails);
+  if (areas.size() > 1) {
+    supplier->select(MakeSelection(*index, areas));
+    return;
+  }
+  supplier->select(uno::Any(sheet.Sheet()->getCellRangeByPosition(
+      first.first_column - 1, first.first_row - 1, first.last_column - 1, first.last_row - 1)));
+}
+
+void Workbook::HandOver() {
+  const auto pending = std::exchange(pending_, std::nullopt);
+  std::vector<Ref<Worksheet>> changed;
+  for (const auto& sheet : sheets_) {
+    if (sheet->IsPending()) changed.push_back(sheet);
+  }
+  const ScopeExit told([&changed]() noexcept {
+    for (const auto& sheet : changed) sheet->EndChange();
+  });
+  OrRefuse(kRowsRefused, [&] {
+    std::erase_if(changed, [](const auto& sheet) {
+      if (!sheet->FindDifference().IsEmpty()) return false;
+      sheet->EndChange();
+      return true;
+    });
+    if (!changed.empty()) HandOverRows(changed);
+    if (pending && pending->sheet == ActiveCells()) Select(*pending->sheet, pending->areas);
+  });
+}
+
+// Rows are hidden through a selection, in one go however many blocks there are; block by block takes time
+// that grows with their square. From a selection of thousands of blocks the office goes to another one at
+// once only by way of an empty one: otherwise it tells the desktop's accessibility of each of them, for many
+// seconds.
+void Workbook::HandOverRows(std::span<const Ref<Worksheet>> sheets) {
+  const ScopedFlag acting(acting_);
+  model_->lockControllers();
+  const ScopeExit unlock([model = model_]() noexcept {
+    try {
+      model->unlockControllers();
+    } catch (const uno::Exception&) {
+      // The document has gone.
+    }
+  });
+  const auto controller = Controller();
+  const auto view = As<XSpreadsheetView>(controller);
+  const auto supplier = As<XSelectionSupplier>(controller);
+  const auto frame = As<com::sun::star::frame::XDispatchProvider>(controller->getFrame());
+  const auto dispatcher = com::sun::star::frame::DispatchHelper::create(office_->Context);
+  const auto active = view->getActiveSheet();
+  const auto before = supplier->getSelection();
+  const ScopeExit restore([&]() noexcept {
+    try {
+      supplier->select(MakeSelection(0, {}));
+      if (view->getActiveSheet() != active) view->setActiveSheet(active);
+      supplier->select(before);
+    } catch (const uno::Exception&) {
+      // The window has gone.
+    }
+  });
+  TakeBack();
+  const auto apply = [&](int16_t index, std::span<const host::RowRun> runs, const char* command) {
+    if (runs.empty()) return;
+    std::vector<Block> areas;
+    areas.reserve(runs.size());
+    for (const auto run : runs) areas.push_back({run.first, 1, run.last, 1});
+    supplier->select(MakeSelection(index, {}));
+    supplier->select(MakeSelection(index, areas));
+    dispatcher->executeDispatch(frame, rtl::OUString::createFromAscii(command), rtl::OUString(), 0, {});
+  };
+  for (const auto& sheet : sheets) {
+    const auto difference = sheet->FindDifference();
+    const auto index = IndexOf(*sheet);
+    if (difference.IsEmpty() || !index) continue;
+    AsOneAction([&] {
+      apply(*index, difference.show, ".uno:ShowRow");
+      apply(*index, difference.hide, ".uno:HideRow");
+    });
+    if (!sheet->FindDifference().IsEmpty()) Refuse(kRowsRefused);
+  }
+}
+
+bool Workbook::TakeBack() {
+  if (!std::exchange(ours_, false)) return false;
+  const ScopedFlag acting(acting_);
+  undo_->undo();
+  undo_->clearRedo();  // there is nothing but ours
+  ++state_;
+  return true;
+}
+
+void Workbook::AsOneAction(const std::function<void()>& action) {
+  const ScopedFlag acting(acting_);
+  ++state_;
+  if (!undo_.is()) return action();
+  const rtl::OUString title = ToOffice(office_->ActionTitle);
+  undo_->enterUndoContext(title);
+  {
+    const ScopeExit leave([this]() noexcept {
+      try {
+        undo_->leaveUndoContext();
+      } catch (const uno::Exception&) {
+        // Somebody else has closed it.
+      }
+    });
+    action();
+  }
+  ours_ = undo_->isUndoPossible() && undo_->getCurrentUndoActionTitle() == title;
+}
+
+void Workbook::Done() {
+  if (acting_) return;
+  ++state_;
+  ours_ = false;
+  for (const auto& sheet : sheets_) sheet->SomethingWasDone();
+  if (office_->TextIsMissing) office_->TextIsMissing();
+}
+
+Connection Workbook::OnSheetSelectionChange(SelectionHandler handler) {
+  Listen();
+  told_ = Selection();
+  return selection_change_.Connect(std::move(handler));
+}
+
+void Workbook::Listen() const {
+  OrRefuse(kFails, [this] {
+    const auto controller = Controller();
+    if (controller == listened_) return;
+    if (listened_.is()) As<XSelectionSupplier>(listened_)->removeSelectionChangeListener(listener_.get());
+    listened_ = controller;
+    if (listened_.is()) As<XSelectionSupplier>(listened_)->addSelectionChangeListener(listener_.get());
+  });
+}
+
+// The office tells of a selection several times.
+void Workbook::SelectionChanged() {
+  if (acting_ || !office_->EnableEvents) return;
+  const auto sheet = ActiveCells();
+  auto areas = Selection();
+  if (!sheet || areas.empty() || areas == told_) return;
+  told_ = areas;
+  const auto range = sheet->MakeRange(std::move(areas));
+  selection_change_.Raise(*sheet, *range);
+}
+
+}  // namespace rowlark::calc
