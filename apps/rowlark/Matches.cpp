@@ -30,7 +30,7 @@ std::vector<int32_t> Matches::ColumnsIn(int32_t row) const {
   std::vector<int32_t> columns;
   if (row < first_row_ || row > last_row_ || sheet_->HiddenRows().Contains(row)) return columns;
   const auto used = sheet_->UsedBlock();
-  standalone::CellReader reader(sheet_->Text(), highlight_.Folded());
+  cells::CellReader reader(sheet_->Text(), highlight_.Folded());
   const int32_t last = std::min(highlight_.Area().last_column, used.last_column);
   for (int32_t column = std::max(highlight_.Area().first_column, used.first_column); column <= last;
        ++column) {

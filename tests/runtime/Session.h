@@ -1,6 +1,7 @@
 // A runtime object over a small sheet, composed as every host composes it.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,8 +32,11 @@ struct Session : SampleHost, TestLibrary {
 
   // "found", or the error text.
   std::string Search(std::u16string_view text) {
+    if (BeforeSearch) BeforeSearch();
     std::u16string error = u"untouched";
-    return runtime.Search(text, error) ? "found" : ToUtf8(error);
+    const auto result = runtime.Search(text, error) ? "found" : ToUtf8(error);
+    if (AfterSearch) AfterSearch();
+    return result;
   }
   // From now on the host finds and hides no rows in bulk.
   void FindCellByCell() {
@@ -50,6 +54,7 @@ struct Session : SampleHost, TestLibrary {
     sheet->Range(range)->AutoFilter(arguments);
   }
 
+  std::function<void()> BeforeSearch, AfterSearch;  // where the runtime searches another host
   CellByCell cell_by_cell;
   Ref<host::Application> host = application;  // as the runtime sees it
   clsVTRLKRuntime runtime;
