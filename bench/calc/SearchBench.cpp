@@ -6,6 +6,7 @@
 #include <com/sun/star/awt/Toolkit.hpp>
 #include <com/sun/star/awt/XReschedule.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/sheet/FilterFieldType.hpp>
 #include <com/sun/star/sheet/FilterOperator2.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XSheetFilterDescriptor3.hpp>
@@ -107,7 +108,7 @@ void FilterBy(const uno::Reference<XSheetFilterable>& range, int32_t columns, st
     field.Operator = com::sun::star::sheet::FilterOperator2::CONTAINS;
     field.Values.realloc(1);
     auto& value = field.Values.getArray()[0];
-    value.IsNumeric = false;
+    value.FilterType = com::sun::star::sheet::FilterFieldType::STRING;
     value.StringValue = calc::ToOffice(text);
   }
   descriptor->setFilterFields3(fields);

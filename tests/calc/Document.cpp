@@ -9,6 +9,7 @@
 #include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XDispatchProvider.hpp>
 #include <com/sun/star/frame/XStorable.hpp>
+#include <com/sun/star/sheet/FilterFieldType.hpp>
 #include <com/sun/star/sheet/FilterOperator2.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XDatabaseRange.hpp>
@@ -198,10 +199,13 @@ void CalcDocument::Filter(std::string_view address, int32_t column, std::u16stri
   if (column != 0) {
     auto& field = fields.getArray()[0];
     field.Field = column - 1;
-    field.Operator = com::sun::star::sheet::FilterOperator2::EQUAL;
+    const bool begins = criterion.ends_with(u'*');
+    if (begins) criterion.remove_suffix(1);
+    field.Operator = begins ? com::sun::star::sheet::FilterOperator2::BEGINS_WITH
+                            : com::sun::star::sheet::FilterOperator2::EQUAL;
     field.Values.realloc(1);
     auto& value = field.Values.getArray()[0];
-    value.IsNumeric = false;
+    value.FilterType = com::sun::star::sheet::FilterFieldType::STRING;
     value.StringValue = calc::ToOffice(criterion);
   }
   descriptor->setFilterFields3(fields);

@@ -1,10 +1,10 @@
 // Runs the tests where the office starts it, and ends the office.
 #include <gtest/gtest.h>
 
+#include <com/sun/star/awt/AsyncCallback.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/task/XJobExecutor.hpp>
-#include <com/sun/star/util/XModifiable.hpp>
-#include <cppuhelper/implbase1.hxx>
+#include <cppuhelper/implbase2.hxx>
 
 #include <cstdlib>
 #include <fstream>
@@ -17,7 +17,8 @@
 namespace rowlark::testing {
 namespace {
 
-class TestJob final : public cppu::WeakImplHelper1<com::sun::star::task::XJobExecutor> {
+class TestJob final
+    : public cppu::WeakImplHelper2<com::sun::star::task::XJobExecutor, com::sun::star::awt::XCallback> {
  public:
   explicit TestJob(const Context& context) : context_(context) {}
 
@@ -34,6 +35,11 @@ class TestJob final : public cppu::WeakImplHelper1<com::sun::star::task::XJobExe
     const int failed = RUN_ALL_TESTS();
     std::ofstream(std::getenv("ROWLARK_TEST_RESULT")) << failed;
     TheContext().clear();
+    com::sun::star::awt::AsyncCallback::create(context_)->addCallback(this, {});
+  }
+
+  // Ends the office, which does not end while it is still being started.
+  void SAL_CALL notify(const com::sun::star::uno::Any&) override {
     com::sun::star::frame::Desktop::create(context_)->terminate();
   }
 

@@ -1,7 +1,7 @@
 #include "host/calc/Workbook.h"
 
 #include <com/sun/star/beans/XPropertySet.hpp>
-#include <com/sun/star/container/XIndexAccess.hpp>
+#include <com/sun/star/container/XNamed.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
 #include <com/sun/star/frame/DispatchHelper.hpp>
 #include <com/sun/star/frame/XDispatchProvider.hpp>
@@ -179,11 +179,7 @@ Ref<Worksheet> Workbook::ActiveCells() const {
   return OrRefuse(kFails, [&]() -> Ref<Worksheet> {
     const auto active = view->getActiveSheet();
     const auto index = As<XCellRangeAddressable>(active)->getRangeAddress().Sheet;
-    std::erase_if(sheets_, [this](const auto& sheet) {
-      if (IndexOf(*sheet)) return false;
-      sheet->Close();
-      return true;
-    });
+    CheckSheets();
     const auto known =
         std::ranges::find_if(sheets_, [&](const auto& sheet) { return IsSameSheet(sheet->Sheet(), index); });
     if (known != sheets_.end()) return *known;
@@ -191,8 +187,28 @@ Ref<Worksheet> Workbook::ActiveCells() const {
   });
 }
 
-// The object of a sheet follows it when sheets are moved.
+// The object of a sheet follows it when sheets are moved, and stands for its neighbour when it is removed. So
+// one that has the name of a sheet that was there before is another one; a name that is new is another name.
+void Workbook::CheckSheets() const {
+  OrRefuse(kFails, [this] {
+    std::erase_if(sheets_, [this](const auto& sheet) {
+      auto name = FromOffice(As<com::sun::star::container::XNamed>(sheet->Sheet())->getName());
+      if (name == sheet->LastName()) return false;
+      if (std::ranges::find(names_, name) == names_.end()) {
+        sheet->SetLastName(std::move(name));
+        return false;
+      }
+      sheet->Close();
+      return true;
+    });
+    names_.clear();
+    for (const auto& name : document_->getSheets()->getElementNames()) names_.push_back(FromOffice(name));
+  });
+}
+
 std::optional<int16_t> Workbook::IndexOf(const Worksheet& sheet) const {
+  CheckSheets();
+  if (!sheet.Sheet().is()) return std::nullopt;
   return OrRefuse(kFails, [&] { return As<XCellRangeAddressable>(sheet.Sheet())->getRangeAddress().Sheet; });
 }
 

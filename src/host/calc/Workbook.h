@@ -54,6 +54,8 @@ class Workbook final : public host::Workbook {
 
   // Where a sheet stands among the document's, from 0; nothing when it has been removed.
   std::optional<int16_t> IndexOf(const Worksheet& sheet) const;
+  // Closes the sheets that have been removed.
+  void CheckSheets() const;
 
   // Grows whenever the user or a program has done something that can be taken back.
   uint64_t State() const { return state_; }
@@ -83,6 +85,7 @@ class Workbook final : public host::Workbook {
   uno::Reference<com::sun::star::frame::XModel> model_;
   uno::Reference<com::sun::star::document::XUndoManager> undo_;
   mutable std::vector<Ref<Worksheet>> sheets_;
+  mutable std::vector<std::u16string> names_;  // of the document's sheets, when they were checked
   rtl::Reference<BookListener> listener_;
   mutable uno::Reference<com::sun::star::frame::XController> listened_;  // for its selection
   Event<host::Worksheet&, host::Range&> selection_change_;

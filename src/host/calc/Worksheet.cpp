@@ -106,11 +106,16 @@ Worksheet::Worksheet(Workbook& book, const uno::Reference<com::sun::star::sheet:
     : book_(&book), sheet_(sheet), text_(std::make_unique<SheetText>(sheet, [this] {
         if (book_ != nullptr && book_->Office().TextIsMissing) book_->Office().TextIsMissing();
       })) {
+  name_ = FromOffice(As<com::sun::star::container::XNamed>(sheet)->getName());
   const auto all = As<com::sun::star::sheet::XCellRangeAddressable>(sheet)->getRangeAddress();
   size_ = {std::min(all.EndRow + 1, cells::kMaxRow), std::min(all.EndColumn + 1, cells::kMaxColumn)};
 }
 
 Workbook& Worksheet::Book() const {
+  if (book_ != nullptr && std::exchange(checked_at_, book_->State()) != book_->State()) {
+    const Ref<Worksheet> held(const_cast<Worksheet*>(this));
+    book_->CheckSheets();
+  }
   if (book_ == nullptr) {
     throw host::Error(-2147417848, u"The object invoked has disconnected from its clients.");
   }

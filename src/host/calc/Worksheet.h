@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/calc/Office.h"
@@ -53,6 +54,9 @@ class Worksheet final : public cells::Sheet {
   const uno::Reference<com::sun::star::sheet::XSpreadsheet>& Sheet() const { return sheet_; }
   // Where it stands among the sheets, from 0; nothing when it has been removed.
   std::optional<int16_t> Index() const;
+  // Its name when the book looked last.
+  const std::u16string& LastName() const { return name_; }
+  void SetLastName(std::u16string name) { name_ = std::move(name); }
   // The user has done something, or a program.
   void SomethingWasDone() { text_->SomethingWasDone(); }
 
@@ -76,7 +80,9 @@ class Worksheet final : public cells::Sheet {
   cells::RowSet ReadHiddenRows() const;
   void Assign(std::span<const host::RowRun> runs, bool hidden);
 
-  Workbook* book_;
+  mutable Workbook* book_;
+  mutable std::optional<uint64_t> checked_at_;  // the state of the book in which it is known to be there
+  std::u16string name_;
   uno::Reference<com::sun::star::sheet::XSpreadsheet> sheet_;
   cells::SheetSize size_;
   std::unique_ptr<SheetText> text_;
