@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Sets up, builds and prints what a key costs in LibreOffice Calc beside its own standard filter over all columns, for
-# generated tables: medians of three runs on the machine named first, and how long messages had to wait.
+# generated tables: medians of three runs on the machine named first, in processor time of the office's main thread, and
+# how long messages had to wait.
 #   scripts/bench-calc.sh [ROWS...]
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,27 +1,330 @@
-// Calc behind the spreadsheet seam.
+// Calc behind the spreadsheet seam: documents, sheets and cells, what changes while a search may look, and
+// what stays in the user's list for undo.
 #include <gtest/gtest.h>
+
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/sheet/XSpreadsheets.hpp>
+#include <com/sun/star/table/XColumnRowRange.hpp>
+#include <com/sun/star/util/XModifiable.hpp>
+#include <com/sun/star/util/XProtectable.hpp>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "Document.h"
 #include "Session.h"
 #include "host/calc/Application.h"
+#include "host/calc/Query.h"
 
 namespace rowlark::testing {
 namespace {
 
-TEST(CalcHost, KnowsDocumentsAndSheets) {
-  const auto application = MakeRef<calc::Application>(TheContext());
+using calc::As;
+using com::sun::star::beans::XPropertySet;
+using com::sun::star::util::XProtectable;
+
+constexpr const char* kTable = "Name,City|a,x|b,y|c,x|d,y";
+
+// A runtime object that searches the document in front.
+struct CalcSession : TestLibrary {
+  CalcSession() : runtime(shared, forms) {
+    runtime.SetExcelApp(application);
+    runtime.SearchOptions->CompareMethod = CompareMode::Text;
+    runtime.SearchOptions->UseFilter = true;
+  }
+  CalcSession(const CalcSession&) = delete;
+  CalcSession& operator=(const CalcSession&) = delete;
+  ~CalcSession() { runtime.SetExcelApp(nullptr); }
+
+  std::string Search(std::u16string_view text) {
+    std::u16string error;
+    return runtime.Search(text, error) ? "found" : ToUtf8(error);
+  }
+  std::string ShowAll() {
+    std::u16string error;
+    return runtime.Unhide(false, error) ? "shown" : ToUtf8(error);
+  }
+  std::string ActiveCell() const { return SampleHost::Plain(*application->ActiveCell()); }
+
+  Ref<calc::Application> application = MakeRef<calc::Application>(TheContext());
+  clsVTRLKRuntime runtime;
+};
+
+TEST(CalcHost, FollowsSheetsUntilTheyAreRemoved) {
+  CalcSession session;
   CalcDocument document;
-  ASSERT_TRUE(application->ActiveWorkbook());
-  EXPECT_EQ(application->ActiveWorkbook(), application->ActiveWorkbook());
-  const auto sheet = application->ActiveSheet();
-  ASSERT_TRUE(sheet);
-  EXPECT_EQ(application->ActiveSheet(), sheet);
   document.Fill("a,b|c");
-  EXPECT_EQ(ToUtf8(sheet->UsedRange()->Address()), "$A$1:$B$2");
-  document.Select("B7");
-  EXPECT_EQ(SampleHost::Plain(*application->ActiveCell()), "B7");
-  document.Close();
+  const auto book = session.application->ActiveWorkbook();
+  const auto sheet = session.application->ActiveSheet();
+  EXPECT_EQ(session.application->ActiveWorkbook(), book);
+  EXPECT_EQ(session.application->ActiveSheet(), sheet);
+  EXPECT_EQ(sheet->Parent(), book);
+  EXPECT_EQ(SampleHost::Plain(*sheet->UsedRange()), "A1:B2");
+
+  document.AddSheet("Before", 0);
+  EXPECT_EQ(session.application->ActiveSheet(), sheet);
+  EXPECT_TRUE(ToUtf8(sheet->Cells(2, 1)->ExternalAddress()).ends_with("]Sheet1!$A$2"));
+  document.ActivateSheet(0);
+  EXPECT_NE(session.application->ActiveSheet(), sheet);
+  EXPECT_EQ(SampleHost::Plain(*session.application->ActiveSheet()->UsedRange()), "A1");
+  EXPECT_THROW(sheet->Cells(1, 1)->Activate(), host::Error);
+  document.RemoveSheet("Sheet1");
   EXPECT_THROW(sheet->Cells(1, 1), host::Error);
+
+  const auto before = session.application->ActiveSheet();
+  const auto cell = before->Cells(1, 1);
+  document.Close();
+  EXPECT_THROW(static_cast<void>(cell->Value()), host::Error);
+  EXPECT_THROW(cell->SetEntireRowHidden(true), host::Error);
+  EXPECT_THROW(static_cast<void>(book->Saved()), host::Error);
+  EXPECT_FALSE(session.application->ActiveWorkbook());
+}
+
+TEST(CalcHost, FindsWhatShows) {
+  CalcSession session;
+  CalcDocument document;
+  const char* const typed[] = {"1234.5",
+                               "=1/0",
+                               "=\"lon\" & \"don\"",
+                               "3/4/2024",
+                               "stra\xC3\x9F"
+                               "e",
+                               "'007",
+                               "=A1*2"};
+  for (int32_t row = 0; const auto* text : typed) document.Type(++row, 1, text);
+  const struct {
+    std::u16string_view text;
+    const char* visible;
+  } kCases[] = {
+      {u"1234.5", "1"},
+      {u"#DIV/0!", "2"},
+      {u"london", "3"},
+      {u"lon\" &", "1 2 3 4 5 6 7 8"},
+      {u"03/04", "4"},
+      {u"2024", "1 2 3 4 5 6 7 8"},
+      {u"STRASSE", "1 2 3 4 5 6 7 8"},
+      {u"stra?e", "5"},
+      {u"007", "6"},
+      {u"2469", "7"},
+  };
+  for (const auto& c : kCases) {
+    const bool found = std::string_view(c.visible).size() < 3;
+    EXPECT_EQ(session.Search(c.text), found || c.text == u"03/04" ? "found" : "Text not found")
+        << ToUtf8(c.text);
+    EXPECT_EQ(document.VisibleRows(8), found ? std::string(c.visible) + " 8" : c.visible) << ToUtf8(c.text);
+  }
+}
+
+// Whatever the change, and whoever made it.
+TEST(CalcHost, SearchesTheSheetAsItIsByNow) {
+  CalcSession session;
+  CalcDocument document;
+  document.Fill("one|two|three|four");
+  document.Type(5, 1, "=B9");
+  ASSERT_EQ(session.Search(u"two"), "found");
+  ASSERT_EQ(document.VisibleRows(6), "2 6");
+  const struct {
+    const char* name;
+    std::function<void()> change;
+    std::u16string_view text;
+    const char* visible;
+  } kSteps[] = {
+      {"by the user", [&] { document.Type(3, 1, "two too"); }, u"two", "2 3 6"},
+      {"by a program", [&] { document.SetText(4, 1, u"twofold"); }, u"two", "2 3 4 6"},
+      {"the result of a formula", [&] { document.Type(9, 2, "two"); }, u"two", "2 3 4 5"},
+      {"behind the cells in use", [&] { document.SetText(2000, 40, u"two"); }, u"two", "2 3 4 5"},
+      {"rows inserted",
+       [&] {
+         document.Sheet();
+         As<com::sun::star::table::XColumnRowRange>(document.Sheet())->getRows()->insertByIndex(2, 1);
+       },
+       u"two", "2 4 5 6"},
+      {"rows removed",
+       [&] { As<com::sun::star::table::XColumnRowRange>(document.Sheet())->getRows()->removeByIndex(0, 1); },
+       u"two", "1 3 4 5"},
+      {"undone", [&] { document.Dispatch(".uno:Undo"); }, u"two", "2 4 5 6"},
+      {"another number", [&] { document.Type(1, 3, "12.5"); }, u"12.5", "1"},
+      {"another format",
+       [&] {
+         document.Select("C1");
+         document.Dispatch(".uno:NumberFormatPercent");
+       },
+       u"1250", "1"},
+  };
+  for (const auto& step : kSteps) {
+    session.ShowAll();
+    step.change();
+    EXPECT_EQ(session.Search(step.text), "found") << step.name;
+    EXPECT_EQ(document.VisibleRows(6), step.visible) << step.name;
+  }
+}
+
+TEST(CalcHost, LeavesOneActionToUndo) {
+  CalcSession session;
+  CalcDocument document;
+  document.Fill(kTable);
+  document.SetHidden(3, true);
+  const auto before = document.UndoTitles();
+  const auto with_ours = [&] {
+    auto titles = before;
+    titles.insert(titles.begin(), "Rowlark");
+    return titles;
+  }();
+  for (const auto* text : {u"x", u"d", u"b", u"d"}) {
+    EXPECT_EQ(session.Search(text), "found");
+    EXPECT_EQ(document.UndoTitles(), with_ours);
+  }
+  EXPECT_EQ(document.VisibleRows(6), "5 6");
+  document.Dispatch(".uno:Undo");
+  EXPECT_EQ(document.VisibleRows(6), "1 2 4 5 6") << "as before the first search";
+  EXPECT_EQ(document.UndoTitles(), before);
+
+  EXPECT_EQ(session.Search(u"x"), "found");
+  document.Type(5, 3, "new");
+  const auto typed = document.UndoTitles();
+  EXPECT_EQ(session.Search(u"d"), "found");
+  EXPECT_EQ(document.UndoTitles().size(), typed.size() + 1) << "what the user did since stays";
+  EXPECT_EQ(session.Search(u"c"), "found");
+  EXPECT_EQ(document.UndoTitles().size(), typed.size() + 1);
+  document.Dispatch(".uno:Undo");
+  document.Dispatch(".uno:Undo");
+  EXPECT_EQ(document.Shown(5, 3), "");
+}
+
+TEST(CalcHost, ShowAllLeavesNothingBehind) {
+  CalcSession session;
+  CalcDocument document;
+  document.Fill(kTable);
+  const auto before = document.UndoTitles();
+  document.Select("B4");
+  EXPECT_EQ(session.Search(u"x"), "found");
+  EXPECT_EQ(session.ActiveCell(), "A2");
+  EXPECT_EQ(session.ShowAll(), "shown");
+  EXPECT_EQ(document.VisibleRows(6), "1 2 3 4 5 6");
+  EXPECT_EQ(document.UndoTitles(), before);
+}
+
+TEST(CalcHost, AppliesTheFilterAgain) {
+  CalcSession session;
+  CalcDocument document;
+  document.Fill("Name,City|c,x|b,y|a,x|d,y");
+  document.Filter("A1:B5", 2, u"x");
+  const auto before = document.UndoTitles();
+  EXPECT_EQ(document.VisibleRows(6), "1 2 4 6");
+  EXPECT_EQ(session.Search(u"a"), "found");
+  EXPECT_EQ(document.VisibleRows(6), "1 4 6");
+  EXPECT_EQ(document.UndoTitles().size(), before.size() + 1);
+  EXPECT_EQ(session.ShowAll(), "shown");
+  EXPECT_EQ(document.VisibleRows(6), "1 2 4 6");
+  EXPECT_EQ(document.Shown(2, 1), "c") << "nothing is sorted";
+  const auto filters = session.application->ActiveSheet()->AutoFilter();
+  EXPECT_EQ(filters->FiltersCount(), 2);
+  EXPECT_FALSE(filters->Filters(1)->On());
+  EXPECT_TRUE(filters->Filters(2)->On());
+}
+
+TEST(CalcHost, ChangesNothingThatIsProtected) {
+  CalcSession session;
+  CalcDocument document;
+  document.Fill(kTable);
+  document.SetHidden(3, true);
+  As<XProtectable>(document.Sheet())->protect({});
+  const auto sheet = session.application->ActiveSheet();
+  EXPECT_THROW(sheet->Cells(2, 1)->SetEntireRowHidden(true), host::Error);
+  EXPECT_THROW(sheet->Cells(2, 1)->SetValue(u"new"), host::Error);
+  EXPECT_TRUE(session.ShowAll().starts_with("Error #397"));
+  EXPECT_EQ(session.Search(u"d"), "found");
+  EXPECT_EQ(session.ActiveCell(), "A5");
+  EXPECT_EQ(document.VisibleRows(6), "1 2 4 5 6");
+  EXPECT_EQ(document.Shown(2, 1), "a");
+  As<XProtectable>(document.Sheet())->unprotect({});
+
+  const auto file = std::string(std::getenv("ROWLARK_TEST_FOLDER")) + "/read only.ods";
+  document.StoreAs(file);
+  document.Close();
+  CalcDocument locked("file://" + file, true);
+  const auto book = session.application->ActiveWorkbook();
+  EXPECT_TRUE(book->ReadOnly());
+  EXPECT_EQ(ToUtf8(book->Name()), "read only.ods");
+  EXPECT_EQ(session.Search(u"d"), "found");
+  EXPECT_EQ(locked.VisibleRows(6), "1 2 4 5 6");
+  EXPECT_THROW(session.application->ActiveSheet()->Cells(2, 1)->SetValue(u"new"), host::Error);
+}
+
+TEST(CalcHost, WritesWhatIsTyped) {
+  CalcSession session;
+  CalcDocument document;
+  const auto sheet = session.application->ActiveSheet();
+  for (const auto* text : {"3/4/2024", "12.5", "TRUE", "=1+1", "text", "", "1e3"}) {
+    document.Type(1, 1, text);
+    document.Select("B1");
+    sheet->Cells(1, 2)->SetValue(ToUtf16(text));
+    EXPECT_EQ(ToUtf8(sheet->Cells(1, 2)->Value()), document.Shown(1, 1)) << text;
+    document.Type(3, 1, text);
+    sheet->Cells(3, 2)->SetValue(ToUtf16(text));
+    EXPECT_EQ(document.Shown(3, 2), document.Shown(3, 1)) << text << ", into another cell";
+    document.Dispatch(".uno:Undo");
+    document.Dispatch(".uno:Undo");
+  }
+}
+
+TEST(CalcHost, TellsOfSelections) {
+  CalcSession session;
+  CalcDocument document;
+  std::vector<std::string> told;
+  const auto book = session.application->ActiveWorkbook();
+  const auto listening = book->OnSheetSelectionChange(
+      [&](host::Worksheet&, host::Range& target) { told.push_back(SampleHost::Plain(target)); });
+  document.Select("B2");
+  document.Select("B2:C4");
+  session.application->SetEnableEvents(false);
+  document.Select("A1");
+  session.application->SetEnableEvents(true);
+  document.Fill(kTable);
+  EXPECT_EQ(session.Search(u"x"), "found");
+  EXPECT_EQ(told, (std::vector<std::string>{"B2", "B2:C4"}));
+  document.Select("D5:E6");
+  EXPECT_EQ(SampleHost::Plain(*session.application->Selection()), "D5:E6");
+  EXPECT_EQ(told.back(), "D5:E6");
+}
+
+TEST(CalcHost, CollectsWhatChangesWhileTheScreenIsNotUpdated) {
+  CalcSession session;
+  CalcDocument document;
+  document.Fill(kTable);
+  document.Select("C9");
+  const auto sheet = session.application->ActiveSheet();
+  session.application->SetScreenUpdating(false);
+  sheet->Range(u"2:3")->SetEntireRowHidden(true);
+  sheet->Cells(4, 2)->Activate();
+  EXPECT_TRUE(sheet->Range(u"2:3")->EntireRowHidden());
+  EXPECT_EQ(session.ActiveCell(), "B4");
+  EXPECT_EQ(document.VisibleRows(5), "1 2 3 4 5");
+  session.application->SetScreenUpdating(true);
+  EXPECT_EQ(document.VisibleRows(5), "1 4 5");
+  EXPECT_EQ(session.ActiveCell(), "B4");
+  sheet->Range(u"5:5")->SetEntireRowHidden(true);
+  EXPECT_EQ(document.VisibleRows(5), "1 4");
+  EXPECT_EQ(session.ActiveCell(), "B4");
+}
+
+// The office may end in the middle of anything; a search then has hidden rows and nothing else.
+TEST(CalcHost, ASearchChangesNothingButHiddenRows) {
+  CalcSession session;
+  CalcDocument document;
+  document.Fill(kTable);
+  document.Type(6, 1, "=A2 & \"!\"");
+  As<com::sun::star::util::XModifiable>(document.Model)->setModified(false);
+  session.runtime.Items->DefaultItem->DontSaveChanges = true;
+  std::string before;
+  for (int32_t row = 1; row <= 6; ++row) before += document.Shown(row, 1) + document.Shown(row, 2);
+  EXPECT_EQ(session.Search(u"x"), "found");
+  EXPECT_EQ(session.ShowAll(), "shown");
+  std::string after;
+  for (int32_t row = 1; row <= 6; ++row) after += document.Shown(row, 1) + document.Shown(row, 2);
+  EXPECT_EQ(after, before);
+  EXPECT_TRUE(session.application->ActiveWorkbook()->Saved());
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "host/calc/SheetText.h"
 
+#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/sheet/FormulaResult.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
@@ -35,6 +36,8 @@ static_assert(cells::CellText::kBlockRows % kStripRows == 0);
 constexpr int32_t kCellsAtOnce = 2048;
 // Columns are watched in groups, since tables grow.
 constexpr int32_t kColumnGroup = 16;
+// A column of cells with different formats.
+constexpr int32_t kMixed = -1;
 // What moves strips (rows are inserted) is told to nobody by programs that keep no undo list.
 constexpr auto kLookAgain = std::chrono::milliseconds(100);
 
@@ -79,8 +82,7 @@ Block SheetText::Used() const {
 }
 
 void SheetText::Changed(std::size_t strip) {
-  ++changes_;
-  strips_[strip].missing = true;
+  strips_[strip].state = Strip::State::Missing;
   next_ = std::min(next_, strip);
   if (reading_ == strip) rows_read_ = 0;
   missing_();
@@ -121,13 +123,13 @@ void SheetText::Watch() {
   if (acted || now - looked_ > kLookAgain) {
     looked_ = now;
     if (HaveMoved()) Unwatch();
-    // What was done has changed no text that we know of, so it may have changed how texts show.
-    if (acted && changes_ == 0) {
-      for (auto& strip : strips_) strip.missing = true;
+    // What was done may have changed how numbers show, of which the office tells nothing.
+    if (acted) {
+      for (auto& strip : strips_) {
+        if (strip.state == Strip::State::Read) strip.state = Strip::State::Suspect;
+      }
       next_ = 0;
-      rows_read_ = 0;
     }
-    changes_ = 0;
   }
   const auto used = Used();
   const auto sheet = AddressOf(As<XCellRange>(sheet_));
@@ -149,19 +151,38 @@ void SheetText::Watch() {
 
 bool SheetText::Read(Clock::time_point end) {
   Watch();
-  for (;;) {
-    while (next_ < strips_.size() && !strips_[next_].missing) ++next_;
-    if (next_ == strips_.size()) return true;
-    if (Clock::now() >= end) return false;
-    ReadSome(next_);
+  for (; next_ < strips_.size(); ++next_) {
+    auto& strip = strips_[next_];
+    while (strip.state != Strip::State::Read) {
+      if (Clock::now() >= end) return false;
+      if (strip.state == Strip::State::Missing) {
+        ReadSome(strip);
+      } else {
+        const auto formats = FormatsOf(strip);
+        const bool known = formats == strip.formats && std::ranges::find(formats, kMixed) == formats.end();
+        strip.state = known ? Strip::State::Read : Strip::State::Missing;
+      }
+    }
   }
+  return true;
 }
 
-void SheetText::ReadSome(std::size_t index) {
+std::vector<int32_t> SheetText::FormatsOf(const Strip& strip) const {
+  std::vector<int32_t> formats(static_cast<std::size_t>(columns_), kMixed);
+  for (int32_t column = 0; column < columns_; ++column) {
+    const auto cells = strip.range->getCellRangeByPosition(column, 0, column, kStripRows - 1);
+    As<com::sun::star::beans::XPropertySet>(cells)->getPropertyValue("NumberFormat") >>=
+        formats[static_cast<std::size_t>(column)];
+  }
+  return formats;
+}
+
+void SheetText::ReadSome(Strip& strip) {
+  const auto index = static_cast<std::size_t>(&strip - strips_.data());
   if (std::exchange(reading_, index) != index) rows_read_ = 0;
   const int32_t first = rows_read_;
   const int32_t count = std::min(std::clamp(kCellsAtOnce / columns_, 1, kStripRows), kStripRows - first);
-  const auto range = strips_[index].range->getCellRangeByPosition(0, first, columns_ - 1, first + count - 1);
+  const auto range = strip.range->getCellRangeByPosition(0, first, columns_ - 1, first + count - 1);
   const auto data = As<com::sun::star::sheet::XCellRangeData>(range)->getDataArray();
   // Errors come as empty cells.
   const auto errors = As<com::sun::star::sheet::XCellRangesQuery>(range)
@@ -201,7 +222,8 @@ void SheetText::ReadSome(std::size_t index) {
   rows_read_ += count;
   if (rows_read_ < kStripRows) return;
   rows_read_ = 0;
-  strips_[index].missing = false;
+  strip.formats = FormatsOf(strip);
+  strip.state = Strip::State::Read;
 }
 
 }  // namespace rowlark::calc

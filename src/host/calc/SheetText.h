@@ -47,7 +47,12 @@ class SheetText {
   struct Strip {
     rtl::Reference<StripListener> listener;
     uno::Reference<com::sun::star::table::XCellRange> range;
-    bool missing = true;
+    enum class State {
+      Missing,
+      Suspect,
+      Read
+    } state = State::Missing;      // suspect: it may show otherwise by now
+    std::vector<int32_t> formats;  // of its columns, when it was read; kMixed where cells differ
   };
 
   // Sees to it that all cells in use are watched, each by the strip of its row.
@@ -55,20 +60,21 @@ class SheetText {
   void Unwatch();
   bool HaveMoved() const;
   void Changed(std::size_t strip);
+  // The formats of numbers, a column each.
+  std::vector<int32_t> FormatsOf(const Strip& strip) const;
   // Reads the next rows of a strip.
-  void ReadSome(std::size_t strip);
+  void ReadSome(Strip& strip);
 
   const uno::Reference<com::sun::star::sheet::XSpreadsheet> sheet_;
   const std::function<void()> missing_;
   cells::CellText text_;
   std::vector<Strip> strips_;
   int32_t columns_ = 0;         // that are watched
-  std::size_t next_ = 0;        // no strip before it is missing
+  std::size_t next_ = 0;        // all strips before it have been read
   std::size_t reading_ = 0;     // the strip of which some rows have been read
   int32_t rows_read_ = 0;       // of that strip
   uint64_t done_ = 0;           // by the user
   uint64_t seen_ = 0;           // of that
-  uint64_t changes_ = 0;        // of strips, since then
   Clock::time_point looked_{};  // whether strips have moved
 };
 

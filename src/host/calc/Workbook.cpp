@@ -328,8 +328,6 @@ void Workbook::HandOverRows(std::span<const Ref<Worksheet>> sheets) {
   const auto controller = Controller();
   const auto view = As<XSpreadsheetView>(controller);
   const auto supplier = As<XSelectionSupplier>(controller);
-  const auto frame = As<com::sun::star::frame::XDispatchProvider>(controller->getFrame());
-  const auto dispatcher = com::sun::star::frame::DispatchHelper::create(office_->Context);
   const auto active = view->getActiveSheet();
   const auto before = supplier->getSelection();
   const ScopeExit restore([&]() noexcept {
@@ -349,7 +347,7 @@ void Workbook::HandOverRows(std::span<const Ref<Worksheet>> sheets) {
     for (const auto run : runs) areas.push_back({run.first, 1, run.last, 1});
     supplier->select(MakeSelection(index, {}));
     supplier->select(MakeSelection(index, areas));
-    dispatcher->executeDispatch(frame, rtl::OUString::createFromAscii(command), rtl::OUString(), 0, {});
+    Execute(command, {});
   };
   for (const auto& sheet : sheets) {
     const auto difference = sheet->FindDifference();
@@ -361,6 +359,21 @@ void Workbook::HandOverRows(std::span<const Ref<Worksheet>> sheets) {
     });
     if (!sheet->FindDifference().IsEmpty()) Refuse(kRowsRefused);
   }
+}
+
+void Workbook::Execute(const char* command,
+                       const uno::Sequence<com::sun::star::beans::PropertyValue>& arguments) const {
+  const auto frame = As<com::sun::star::frame::XDispatchProvider>(Controller()->getFrame());
+  com::sun::star::frame::DispatchHelper::create(office_->Context)
+      ->executeDispatch(frame, rtl::OUString::createFromAscii(command), rtl::OUString(), 0, arguments);
+}
+
+void Workbook::Enter(std::u16string_view text) {
+  uno::Sequence<com::sun::star::beans::PropertyValue> arguments(1);
+  auto& argument = arguments.getArray()[0];
+  argument.Name = "StringName";
+  argument.Value <<= ToOffice(text);
+  Execute(".uno:EnterString", arguments);
 }
 
 bool Workbook::TakeBack() {

@@ -1,6 +1,7 @@
 // A spreadsheet document: its sheets, what is selected in it, its list of undo actions.
 #pragma once
 
+#include <com/sun/star/beans/PropertyValue.hpp>
 #include <com/sun/star/document/XUndoManager.hpp>
 #include <com/sun/star/frame/XController.hpp>
 #include <com/sun/star/frame/XModel.hpp>
@@ -57,6 +58,9 @@ class Workbook final : public host::Workbook {
   // Closes the sheets that have been removed.
   void CheckSheets() const;
 
+  // Types a text into the active cell.
+  void Enter(std::u16string_view text);
+
   // Grows whenever the user or a program has done something that can be taken back.
   uint64_t State() const { return state_; }
   void ReadAnew() { ++state_; }  // what is known of the document may be out of date
@@ -77,6 +81,8 @@ class Workbook final : public host::Workbook {
   void SelectionChanged();
   void Listen() const;
   void HandOverRows(std::span<const Ref<Worksheet>> sheets);
+  void Execute(const char* command,
+               const uno::Sequence<com::sun::star::beans::PropertyValue>& arguments) const;
   uno::Any MakeSelection(int16_t sheet, std::span<const Block> areas) const;
   void Select(Worksheet& sheet, std::span<const Block> areas);
 

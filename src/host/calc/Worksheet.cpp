@@ -311,7 +311,15 @@ void Worksheet::SetCell(int32_t row, int32_t column, std::u16string_view text) {
       cell->getPropertyValue("CellProtection") >>= protection;
       if (protection.IsLocked) Refuse(kCellRefused);
     }
-    cell->setPropertyValue("FormulaLocal", uno::Any(ToOffice(text)));
+    // As if typed, which also takes a format away that no longer fits, the office enters a text into the
+    // active cell alone.
+    auto& book = Book();
+    if (book.Office().ActiveBook().get() == &book && book.ActiveCells().get() == this &&
+        book.ActiveCell() == cells::Cell{row, column}) {
+      book.Enter(text);
+    } else {
+      cell->setPropertyValue("FormulaLocal", uno::Any(ToOffice(text)));
+    }
   });
 }
 
