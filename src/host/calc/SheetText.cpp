@@ -1,12 +1,14 @@
 #include "host/calc/SheetText.h"
 
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/container/XIndexAccess.hpp>
 #include <com/sun/star/sheet/FormulaResult.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XSheetCellCursor.hpp>
 #include <com/sun/star/sheet/XSheetCellRanges.hpp>
+#include <com/sun/star/sheet/XUniqueCellFormatRangesSupplier.hpp>
 #include <com/sun/star/sheet/XUsedAreaCursor.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include <com/sun/star/util/XModifyBroadcaster.hpp>
@@ -18,6 +20,7 @@
 
 #include "host/calc/Query.h"
 #include "host/calc/Strings.h"
+#include "util/Text.h"
 #include "util/Utf.h"
 
 namespace rowlark::calc {
@@ -36,8 +39,6 @@ static_assert(cells::CellText::kBlockRows % kStripRows == 0);
 constexpr int32_t kCellsAtOnce = 2048;
 // Columns are watched in groups, since tables grow.
 constexpr int32_t kColumnGroup = 16;
-// A column of cells with different formats.
-constexpr int32_t kMixed = -1;
 // What moves strips (rows are inserted) is told to nobody by programs that keep no undo list.
 constexpr auto kLookAgain = std::chrono::milliseconds(100);
 
@@ -158,21 +159,26 @@ bool SheetText::Read(Clock::time_point end) {
       if (strip.state == Strip::State::Missing) {
         ReadSome(strip);
       } else {
-        const auto formats = FormatsOf(strip);
-        const bool known = formats == strip.formats && std::ranges::find(formats, kMixed) == formats.end();
-        strip.state = known ? Strip::State::Read : Strip::State::Missing;
+        strip.state = FormatsOf(strip) == strip.formats ? Strip::State::Read : Strip::State::Missing;
       }
     }
   }
   return true;
 }
 
-std::vector<int32_t> SheetText::FormatsOf(const Strip& strip) const {
-  std::vector<int32_t> formats(static_cast<std::size_t>(columns_), kMixed);
-  for (int32_t column = 0; column < columns_; ++column) {
-    const auto cells = strip.range->getCellRangeByPosition(column, 0, column, kStripRows - 1);
-    As<com::sun::star::beans::XPropertySet>(cells)->getPropertyValue("NumberFormat") >>=
-        formats[static_cast<std::size_t>(column)];
+std::u16string SheetText::FormatsOf(const Strip& strip) {
+  std::u16string formats;
+  const auto alike =
+      As<com::sun::star::sheet::XUniqueCellFormatRangesSupplier>(strip.range)->getUniqueCellFormatRanges();
+  for (int32_t i = 0; i < alike->getCount(); ++i) {
+    const uno::Reference<com::sun::star::sheet::XSheetCellRanges> ranges(alike->getByIndex(i),
+                                                                         uno::UNO_QUERY_THROW);
+    int32_t format = 0;
+    As<com::sun::star::beans::XPropertySet>(ranges)->getPropertyValue("NumberFormat") >>= format;
+    formats.append(ToText(format))
+        .append(u" ")
+        .append(ViewOf(ranges->getRangeAddressesAsString()))
+        .append(u"\n");
   }
   return formats;
 }

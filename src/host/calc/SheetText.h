@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "host/cells/CellText.h"
@@ -51,8 +52,8 @@ class SheetText {
       Missing,
       Suspect,
       Read
-    } state = State::Missing;      // suspect: it may show otherwise by now
-    std::vector<int32_t> formats;  // of its columns, when it was read; kMixed where cells differ
+    } state = State::Missing;  // suspect: it may show otherwise by now
+    std::u16string formats;    // when it was read
   };
 
   // Sees to it that all cells in use are watched, each by the strip of its row.
@@ -60,8 +61,8 @@ class SheetText {
   void Unwatch();
   bool HaveMoved() const;
   void Changed(std::size_t strip);
-  // The formats of numbers, a column each.
-  std::vector<int32_t> FormatsOf(const Strip& strip) const;
+  // Which formats of numbers stand where.
+  static std::u16string FormatsOf(const Strip& strip);
   // Reads the next rows of a strip.
   void ReadSome(Strip& strip);
 
