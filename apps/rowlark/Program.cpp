@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "lang/Locales.h"
 #include "util/FileSystemPlatform.h"
 #include "util/Utf.h"
 #include "util/posix/Folders.h"
@@ -23,15 +24,10 @@ std::u16string FullName(const std::filesystem::path& path) {
 
 // As the environment names it: "de_AT.UTF-8" is German.
 std::u16string UserLanguage() {
-  constexpr std::pair<std::string_view, std::u16string_view> kLanguages[] = {
-      {"de", u"german"}, {"en", u"english"}, {"es", u"spanish"},
-      {"fr", u"french"}, {"pl", u"polish"},  {"ru", u"russian"}};
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
     const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
     if (value == nullptr || *value == 0) continue;
-    const auto language = std::string_view(value).substr(0, 2);
-    const auto known = std::ranges::find(kLanguages, language, [](const auto& pair) { return pair.first; });
-    return known == std::end(kLanguages) ? u"" : std::u16string(known->second);
+    return std::u16string(LanguageOfLocale(value));
   }
   return u"";
 }

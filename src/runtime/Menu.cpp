@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "runtime/Failure.h"
-#include "settings/Macros.h"
 #include "settings/Product.h"
 #include "util/Scope.h"
 
@@ -15,22 +14,6 @@ constexpr std::u16string_view kMenuItemID = u"MenuItemID";
 
 // All custom pop-ups of the host share one identifier, and not every user may store it; the tag tells ours.
 constexpr std::u16string_view kTag = u"VantrelRLK";
-
-struct Entry {
-  std::u16string_view key;
-  std::u16string_view caption;
-  Macro macro;
-  bool begin_group;
-};
-
-constexpr Entry kEntries[] = {
-    {u"Menu.Find", u"S&earch...", Macro::ShowSearch, false},
-    {u"Menu.Unhide", u"&Show All", Macro::Unhide, false},
-    {u"Menu.Preferences", u"&Options...", Macro::ShowOptions, true},
-    {u"Menu.Help", u"&Help...", Macro::CallHelp, true},
-    {u"Menu.TechSupport", u"&Technical Support", Macro::CallTechSupport, false},
-    {u"Menu.About", u"&About...", Macro::ShowAbout, true},
-};
 
 }  // namespace
 
@@ -58,7 +41,7 @@ void Menu::Create() {
     shared_.Registry.SetLong(host::Hive::LocalMachine, kProductKey, kMenuItemID, menu->Id());
     menu->SetCaption(language->GetText(u"Menu.Root", u"&Rowlark"));
     menu->SetBeginGroup(true);
-    for (const auto& entry : kEntries) {
+    for (const auto& entry : kMenuEntries) {
       const auto button = Require(menu->AddControl(host::msoControlButton));
       button->SetCaption(language->GetText(entry.key, entry.caption));
       button->SetOnAction(NameOf(entry.macro));

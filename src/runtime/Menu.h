@@ -1,9 +1,28 @@
 // The add-in's menu on the host's "Worksheet Menu Bar".
 #pragma once
 
+#include <string_view>
+
+#include "settings/Macros.h"
 #include "settings/SharedState.h"
 
 namespace rowlark {
+
+struct MenuEntry {
+  std::u16string_view key;  // of its text
+  std::u16string_view caption;
+  Macro macro;
+  bool begin_group;
+};
+
+inline constexpr MenuEntry kMenuEntries[] = {
+    {u"Menu.Find", u"S&earch...", Macro::ShowSearch, false},
+    {u"Menu.Unhide", u"&Show All", Macro::Unhide, false},
+    {u"Menu.Preferences", u"&Options...", Macro::ShowOptions, true},
+    {u"Menu.Help", u"&Help...", Macro::CallHelp, true},
+    {u"Menu.TechSupport", u"&Technical Support", Macro::CallTechSupport, false},
+    {u"Menu.About", u"&About...", Macro::ShowAbout, true},
+};
 
 // The host's operations may call back, and what they call destroy the runtime object: whoever calls the menu
 // holds it.
