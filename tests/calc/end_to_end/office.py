@@ -1,0 +1,231 @@
+"""Drives Calc with the extension on the screen as a user does, with keys and mouse of the X server, and looks into it from
+outside, by UNO: at documents, and at windows as a screen reader sees them."""
+
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+sys.path.append("/usr/lib/python3/dist-packages")
+import uno  # noqa: E402
+from com.sun.star.accessibility import AccessibleRole, AccessibleStateType  # noqa: E402
+from com.sun.star.beans import PropertyValue  # noqa: E402
+
+ROOT = pathlib.Path(__file__).resolve().parents[3]
+BUILD = pathlib.Path(sys.argv.pop(1)).resolve()  # of the preset calc
+CUSTOMERS = ROOT / "examples" / "customers.csv"
+CSV = "Text - txt - csv (StarCalc)"
+DEADLINE = 30  # seconds that a state may take to come about on a busy machine
+
+
+def xdotool(*arguments):
+    return subprocess.run(["xdotool", *map(str, arguments)], check=True, capture_output=True, text=True).stdout
+
+
+def keys(*names):
+    xdotool("key", "--delay", 20, *names)
+
+
+def typed(text, delay=20):
+    xdotool("type", "--delay", delay, text)
+
+
+def option(name, value):
+    return PropertyValue(name, 0, value, uno.Enum("com.sun.star.beans.PropertyState", "DIRECT_VALUE"))
+
+
+class Failure(Exception):
+    """What is asked for is not there."""
+
+
+def wait_until(condition, what):
+    """The first true value that `condition` gives. What is looked at may go meanwhile."""
+    end = time.monotonic() + DEADLINE
+    while True:
+        problem = ""
+        try:
+            if value := condition():
+                return value
+        except Exception as failure:  # of UNO, whose exceptions have no common base
+            problem = f" ({type(failure).__name__}: {failure})"
+        if time.monotonic() > end:
+            raise AssertionError((what() if callable(what) else what) + problem)
+        time.sleep(0.05)
+
+
+class Element:
+    """A window, or something in it."""
+
+    def __init__(self, context):
+        self.context = context
+        self.name = context.getAccessibleName()
+        self.role = context.getAccessibleRole()
+
+    def has(self, state):
+        return self.context.getAccessibleStateSet().contains(state)
+
+    @property
+    def showing(self):
+        return self.has(AccessibleStateType.SHOWING)
+
+    @property
+    def focused(self):
+        return self.has(AccessibleStateType.FOCUSED)
+
+    @property
+    def checked(self):
+        return self.has(AccessibleStateType.CHECKED)
+
+    @property
+    def text(self):
+        return self.context.getText()
+
+    def elements(self):
+        for i in range(self.context.getAccessibleChildCount()):
+            child = Element(self.context.getAccessibleChild(i).getAccessibleContext())
+            yield child
+            yield from child.elements()
+
+    def find(self, role, name=None):
+        """The first one that shows."""
+        for element in self.elements():
+            if element.role == role and (name is None or element.name == name) and element.showing:
+                return element
+        raise Failure(f"there is no {name or role} in {self.name}")
+
+    def edit(self):
+        """The box that is edited. One of several lines is told as what scrolls, without its text."""
+        for element in self.elements():
+            if element.role in (AccessibleRole.TEXT, AccessibleRole.SCROLL_PANE) and element.showing:
+                return element
+        raise Failure(f"there is no box in {self.name}")
+
+    def click(self):
+        place, size = self.context.getLocationOnScreen(), self.context.getSize()
+        xdotool("mousemove", place.X + size.Width // 2, place.Y + size.Height // 2, "click", 1)
+
+
+class CalcTest(unittest.TestCase):
+    """Each test has an office of its own, on a new profile."""
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.folder, True)
+        self.process = None
+        self.addCleanup(self.stop)
+        self.start()
+
+    def start(self):
+        pipe = f"rowlark{os.getpid()}-{self._testMethodName}"
+        environment = os.environ | {
+            "XDG_CONFIG_HOME": str(self.folder / "config"),
+            "SAL_USE_VCLPLUGIN": "gen",
+            "LC_ALL": "C.UTF-8",
+            "ROWLARK_TRACE": str(BUILD / f"trace-{self._testMethodName}"),
+        }
+        self.process = subprocess.Popen(
+            ["soffice", "--norestore", "--nologo", "--nodefault", "--nolockcheck", f"--accept=pipe,name={pipe};urp",
+             f"-env:UserInstallation={(self.folder / 'profile').as_uri()}",
+             f"-env:BUNDLED_EXTENSIONS={(BUILD / 'extensions').as_uri()}"],
+            env=environment, start_new_session=True,
+        )
+        local = uno.getComponentContext()
+        resolver = local.ServiceManager.createInstanceWithContext("com.sun.star.bridge.UnoUrlResolver", local)
+        self.context = wait_until(
+            lambda: resolver.resolve(f"uno:pipe,name={pipe};urp;StarOffice.ComponentContext"), "the office does not start")
+        self.desktop = self.service("com.sun.star.frame.Desktop")
+        self.toolkit = self.service("com.sun.star.awt.Toolkit")
+
+    def service(self, name):
+        return self.context.ServiceManager.createInstanceWithContext(name, self.context)
+
+    def stop(self):
+        """The office must end by itself."""
+        if self.process is None:
+            return
+        process, self.process = self.process, None
+        result = self._outcome.result
+        failed = any(test is self for test, _ in result.errors + result.failures)
+        if failed:
+            subprocess.run(["import", "-window", "root", BUILD / f"end_to_end-{self._testMethodName}.png"])
+        try:
+            self.terminate(process)
+        except Exception:
+            os.killpg(process.pid, signal.SIGKILL)
+            process.wait()
+            if not failed:
+                raise
+
+    def terminate(self, process):
+        components = self.desktop.Components.createEnumeration()
+        while components.hasMoreElements():
+            components.nextElement().setModified(False)
+        try:
+            self.desktop.terminate()
+        except Exception:  # the connection ends with the office
+            pass
+        self.assertEqual(process.wait(DEADLINE), 0)
+
+    # Documents.
+    def open(self, name="customers.csv"):
+        """A copy of the example of that name, in front."""
+        path = self.folder / name
+        shutil.copy(CUSTOMERS, path)
+        options = [option("FilterName", CSV), option("FilterOptions", "44,34,76,1")]
+        document = self.desktop.loadComponentFromURL(path.as_uri(), "_blank", 0, tuple(options))
+        self.activate(document)
+        return document
+
+    def activate(self, document):
+        title = document.Title + " — LibreOffice Calc|" + document.Title + " - LibreOffice Calc"
+        window = wait_until(lambda: xdotool("search", "--onlyvisible", "--name", title).split()[-1], "there is no window")
+        xdotool("windowactivate", "--sync", window)
+        wait_until(lambda: self.desktop.getCurrentComponent().Title == document.Title, f"{title} is not in front")
+
+    @staticmethod
+    def sheet(document):
+        return document.CurrentController.ActiveSheet
+
+    def visible_rows(self, document, last):
+        """Those of the first rows of the sheet that are on the screen."""
+        cells = self.sheet(document).getCellRangeByPosition(0, 0, 0, last - 1).queryVisibleCells()
+        return [row + 1 for area in cells.RangeAddresses for row in range(area.StartRow, area.EndRow + 1)]
+
+    def expect_rows(self, document, rows, last):
+        wait_until(lambda: self.visible_rows(document, last) == rows,
+                   lambda: f"the rows {str(self.visible_rows(document, last))[:90]} are visible instead of {str(rows)[:90]}")
+
+    @staticmethod
+    def active_cell(document):
+        """Its column and row, from 1."""
+        data = document.CurrentController.ViewData.split(";")
+        index = int(data[1])
+        column, row = data[3 + index].replace("+", "/").split("/")[:2]
+        return int(column) + 1, int(row) + 1
+
+    # Windows.
+    def windows(self):
+        for i in range(self.toolkit.getTopWindowCount()):
+            window = self.toolkit.getTopWindow(i)
+            if window is not None and window.isVisible():
+                yield Element(window.getAccessibleContext())
+
+    def find_window(self, title):
+        for window in self.windows():
+            if window.name.startswith(title):
+                return window
+        raise Failure(f"there is no window {title}")
+
+    def window(self, title):
+        return wait_until(lambda: self.find_window(title), f"there is no window {title}")
+
+    def wait_until_gone(self, title):
+        wait_until(lambda: not [w for w in self.windows() if w.name.startswith(title)], f"{title} is still there")
+
+    def element(self, title, role, name=None):
+        return wait_until(lambda: self.window(title).find(role, name), f"there is no {name or role} in {title}")
