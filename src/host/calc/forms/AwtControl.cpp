@@ -1,5 +1,8 @@
 #include "host/calc/forms/AwtControl.h"
 
+#include <com/sun/star/accessibility/AccessibleRole.hpp>
+#include <com/sun/star/accessibility/AccessibleStateType.hpp>
+#include <com/sun/star/accessibility/XAccessible.hpp>
 #include <com/sun/star/awt/XActionListener.hpp>
 #include <com/sun/star/awt/XButton.hpp>
 #include <com/sun/star/awt/XCheckBox.hpp>
@@ -18,6 +21,7 @@
 
 #include <algorithm>
 
+#include "controls/Keys.h"
 #include "util/Scope.h"
 
 namespace rowlark::calc {
@@ -209,6 +213,23 @@ void AwtControl::Place(const Properties& properties, const controls::Rect& bound
   Put(properties, "PositionY", static_cast<sal_Int32>(bounds.top));
   Put(properties, "Width", static_cast<sal_Int32>(bounds.width));
   Put(properties, "Height", static_cast<sal_Int32>(bounds.height));
+}
+
+// Only those who help people to see are told whether it is open.
+bool AwtControl::IsForOpenList(int32_t key) const {
+  constexpr int32_t kPageUp = 33;
+  constexpr int32_t kKeys[] = {
+      controls::kKeyReturn, controls::kKeyEscape, controls::kKeyUp, controls::kKeyDown, kPageUp, kPageUp + 1};
+  const Reference<css::accessibility::XAccessible> accessible(control_, css::uno::UNO_QUERY);
+  if (std::ranges::count(kKeys, key) == 0 || !accessible.is()) return false;
+  const auto box = accessible->getAccessibleContext();
+  for (sal_Int32 i = 0; i < box->getAccessibleChildCount(); ++i) {
+    const auto child = box->getAccessibleChild(i)->getAccessibleContext();
+    if (child->getAccessibleRole() == css::accessibility::AccessibleRole::LIST) {
+      return child->getAccessibleStateSet()->contains(css::accessibility::AccessibleStateType::SHOWING);
+    }
+  }
+  return false;
 }
 
 void AwtControl::FocusChanged(bool has) {

@@ -89,6 +89,8 @@ class AwtControl {
   virtual void FocusMoved() {}
   // Tells the control what the window does not report by itself, before a handler looks at it.
   virtual void Report() {}
+  // A key means something to the control, whatever it means to the form.
+  virtual bool TakesKey(int32_t /*key*/) const { return false; }
   // Does what a key means to the control and its window knows nothing of; true for such a key.
   virtual bool UseKey(int32_t /*key*/, int32_t /*shift*/) { return false; }
 
@@ -124,6 +126,8 @@ class AwtControl {
   // Where the tab order reaches it.
   virtual int Order() const { return 2 * model_.TabIndex + 2; }
   bool TabStop() const { return model_.TabStop; }
+  // Of a box with a list to open: a key for the list that is open.
+  bool IsForOpenList(int32_t key) const;
 
   controls::Control& model_;
   calc::Site& site_;

@@ -186,6 +186,7 @@ class AwtComboBox final : public AwtText {
     Put("LineCount", sal_Int16{12});
   }
   void Picked(int32_t index) override { box_.UserPicked(index); }
+  bool TakesKey(int32_t key) const override { return IsForOpenList(key); }
   bool UseKey(int32_t key, int32_t shift) override {
     if (shift != controls::kNoShift || (key != controls::kKeyDown && key != controls::kKeyUp)) return false;
     box_.UserPicked(box_.ListIndex() + (key == controls::kKeyDown ? 1 : -1));
@@ -222,15 +223,19 @@ class AwtListBox : public AwtControl {
   };
   void Fill(const std::vector<Entry>& entries) {
     const Reference<css::awt::XItemList> list(properties_, css::uno::UNO_QUERY_THROW);
-    list->removeAllItems();
+    // Entries that stay the same stay where they are: the list may be open.
+    while (list->getItemCount() > static_cast<sal_Int32>(entries.size())) {
+      list->removeItem(list->getItemCount() - 1);
+    }
     sal_Int32 position = 0;
     for (const auto& [text, picture] : entries) {
-      const auto image = site_.Desk->Picture(picture, true);
-      if (image.isEmpty()) {
-        list->insertItemText(position++, ToOffice(text));
-      } else {
-        list->insertItem(position++, ToOffice(text), image);
+      const auto label = ToOffice(text);
+      if (position == list->getItemCount()) {
+        list->insertItem(position, label, site_.Desk->Picture(picture, true));
+      } else if (list->getItemText(position) != label) {
+        list->setItemText(position, label);
       }
+      ++position;
     }
     Apply(Property::ListIndex);
   }
@@ -257,6 +262,7 @@ class AwtDropDownList final : public AwtListBox {
     Put("LineCount", sal_Int16{12});
   }
   void Picked(int32_t index) override { box_.UserPicked(index); }
+  bool TakesKey(int32_t key) const override { return IsForOpenList(key); }
 
  private:
   int32_t Selected() const override { return box_.ListIndex(); }

@@ -402,6 +402,7 @@ bool FormDialog::KeyPressed(int16_t code, int16_t modifiers, char16_t character)
   AwtControl* focused = FocusedControl();
   if (focused != nullptr) focused->Report();
   const int32_t key = VirtualKey(code);
+  if (focused != nullptr && focused->TakesKey(key)) return false;
   if (key != 0) {
     const int32_t left = form->UserKeyDown(key, shift);
     if (left == 0 || !form->Loaded()) return true;
