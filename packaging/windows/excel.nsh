@@ -155,12 +155,13 @@ Function SwitchOn
       ${If} $1 != "\"
         StrCpy $0 "$0\"
       ${EndIf}
-      ClearErrors
-      CreateDirectory "$0XLSTART"
-      CopyFiles /SILENT "$INSTDIR\${WORKBOOK}" "$0XLSTART\${WORKBOOK}"
-      ${IfNot} ${Errors}
-        WriteRegStr HKLM "${STARTUP_KEY}" "$0XLSTART\${WORKBOOK}" ""
-        StrCpy $ExcelFound 1
+      ${If} ${FileExists} "$0XLSTART\*.*" ; not of an Excel that has left its keys behind
+        ClearErrors
+        CopyFiles /SILENT "$INSTDIR\${WORKBOOK}" "$0XLSTART\${WORKBOOK}"
+        ${IfNot} ${Errors}
+          WriteRegStr HKLM "${STARTUP_KEY}" "$0XLSTART\${WORKBOOK}" ""
+          StrCpy $ExcelFound 1
+        ${EndIf}
       ${EndIf}
     ${EndIf}
   ${Next}

@@ -120,6 +120,8 @@ class InstallerTest(unittest.TestCase):
         cls.own = own_folder() / "AppData/Local/Programs/Vantrel Rowlark"
         cls.common = DRIVE / "Program Files/Vantrel Rowlark"
         unfinished.touch()
+        # Excel 2010, of which a set-up for everybody finds no folder.
+        set_value(r"HKLM\Software\Microsoft\Office\14.0\Excel\InstallRoot", "Path", "C:\\Office14\\")
         cls.folder = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory(dir=BUILD)))
         cls.setups = {}
         for version in "1.2.0", "1.10.0":
@@ -176,7 +178,6 @@ class InstallerTest(unittest.TestCase):
         options = office + r"\16.0\Excel\Options"
         set_value(options, "OPEN", '/R "solver.xlam"')
         set_value(options, "OPEN1", "%APPDATA%\\tools.xlam", "REG_EXPAND_SZ")
-        set_value(r"HKLM\Software\Microsoft\Office\14.0\Excel\InstallRoot", "Path", "C:\\Office14\\")
         # With this key the user's classes have a part for 32-bit programs here, as they have on Windows.
         wine("reg", "add", r"HKCU\Software\Classes\Wow6432Node", "/f", check=True)
         before = state()
@@ -193,11 +194,12 @@ class InstallerTest(unittest.TestCase):
         self.install("/Language=german", version="1.2.0")
         self.assertTrue((self.own / "dropped.txt").exists())
         set_value(options, "OPEN3", "later.xlam", "REG_EXPAND_SZ")
+        set_value(options, "OPEN4", "last.xlam")
         self.install()  # over the older version, in its language
         keys = self.expect_installed("HKCU", self.own)
         others = {name: before[options][name] for name in ("OPEN", "OPEN1")}
         later = 'str(2):"later.xlam"'
-        self.assertEqual(keys[options], {**others, "OPEN2": later, "OPEN3": entry})
+        self.assertEqual(keys[options], {**others, "OPEN2": later, "OPEN3": "last.xlam", "OPEN4": entry})
         for version in "14.0", "15.0":
             self.assertEqual(keys[rf"{office}\{version}\Excel\Options"]["OPEN"], entry)
 
@@ -231,7 +233,8 @@ class InstallerTest(unittest.TestCase):
         self.assertEqual(after.pop("HKCU\\" + PRODUCT), {"SearchFormPosSize": "1;2"})
         self.assertIn(str(configuration.relative_to(DRIVE)), after)
         self.install()
-        wine("reg", "delete", options, "/v", "OPEN2", "/f", check=True)
+        for name in "OPEN2", "OPEN3":
+            wine("reg", "delete", options, "/v", name, "/f", check=True)
         self.remove(self.own, "/RemoveSettings")
         self.expect_same(state(), before)
 
