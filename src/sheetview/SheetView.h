@@ -120,9 +120,9 @@ class SheetView {
   Metrics metrics_;
   int32_t width_ = 0;
   int32_t height_ = 0;
+  int32_t frozen_columns_ = 0;  // before those below, which begin behind them
   int32_t top_;
   int32_t left_;
-  int32_t frozen_columns_ = 0;
   std::map<int32_t, int32_t> own_widths_;
   mutable ColumnWidths widths_;  // of the text as it was at widths_version_
   mutable uint64_t widths_version_ = 0;
