@@ -23,7 +23,7 @@ if [ "${ROWLARK_MOUNTED:-}" != yes ]; then
       "$mirror"
     "${as_root[@]}" mv "$system.part" "$system"
   fi
-  cmake --preset win32 -B build/win32-tests -DBUILD_TESTING=ON \
+  cmake --preset win32 -B build/win32-tests -DBUILD_TESTING=ON -DPython3_EXECUTABLE=/usr/bin/python3 \
     -DCMAKE_CROSSCOMPILING_EMULATOR="$PWD/cmake/wine.sh;$PWD/build/win32-tests/wine" >/dev/null
   cmake --build build/win32-tests
   exec "${as_root[@]}" unshare --mount env ROWLARK_MOUNTED=yes "$PWD/scripts/test-win32.sh" "$system" "${@:2}"

@@ -68,14 +68,15 @@ class FormLibrary : public ::testing::Test {
     EXPECT_EQ(GetWindow(Form(), GW_OWNER), owner_);
     Pump(100);
   }
+  static void CALLBACK DoAction(HWND window, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(window, timer);
+    EXPECT_FALSE(IsWindowEnabled(window));
+    (*static_cast<const std::function<void()>*>(RemovePropW(window, L"action")))();
+  }
   // Shows the form that waits for its end, and does something meanwhile.
   void ShowAbout(const std::function<void()>& action) {
     SetPropW(owner_, L"action", const_cast<std::function<void()>*>(&action));
-    SetTimer(owner_, 1, 50, [](HWND window, UINT, UINT_PTR timer, DWORD) {
-      KillTimer(window, timer);
-      EXPECT_FALSE(IsWindowEnabled(window));
-      (*static_cast<const std::function<void()>*>(RemovePropW(window, L"action")))();
-    });
+    SetTimer(owner_, 1, 50, DoAction);
     _clsVTRLKRuntime* const runtime = runtime_.get();
     EXPECT_EQ(runtime->About(), S_OK);
     EXPECT_TRUE(IsWindowEnabled(owner_));

@@ -27,16 +27,21 @@ using testing::MemoryRegistry;
 using testing::RecordingHelp;
 using testing::SampleHost;
 
+BOOL CALLBACK ListWindow(HWND window, LPARAM list) {
+  reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
+  return TRUE;
+}
+
 std::vector<HWND> WindowsOfThread() {
   std::vector<HWND> windows;
-  ::EnumThreadWindows(
-      ::GetCurrentThreadId(),
-      [](HWND window, LPARAM list) -> BOOL {
-        reinterpret_cast<std::vector<HWND>*>(list)->push_back(window);
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&windows));
+  ::EnumThreadWindows(::GetCurrentThreadId(), ListWindow, reinterpret_cast<LPARAM>(&windows));
   return windows;
+}
+
+// A timer's procedure. With 32 bits those of the system have a calling convention that no lambda has.
+template <auto action>
+void CALLBACK OnTimer(HWND, UINT, UINT_PTR timer, DWORD) {
+  action(timer);
 }
 
 RECT Client(HWND window) {
@@ -222,7 +227,7 @@ TEST_F(FormWindows, LeadToTheHelp) {
 
   // A message of a failure waits for its user: the Help button, twice, F1 as the system reports it, then OK.
   runtime.Items->CfgFileName = u"\\\\.\\nowhere\\rowlark.cfg";
-  const auto timer = ::SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR, DWORD) {
+  constexpr auto answer = [](UINT_PTR) {
     const HWND box = ::FindWindowW(L"#32770", L"Vantrel Rowlark");
     if (box == nullptr) return;
     for (int i = 0; i < 2; ++i) ::SendMessageW(::GetDlgItem(box, IDHELP), BM_CLICK, 0, 0);
@@ -230,7 +235,8 @@ TEST_F(FormWindows, LeadToTheHelp) {
     info.cbSize = sizeof info;
     ::SendMessageW(::GetDlgItem(box, IDOK), WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
     ::SendMessageW(::GetDlgItem(box, IDOK), BM_CLICK, 0, 0);
-  });
+  };
+  const auto timer = ::SetTimer(nullptr, 0, 10, OnTimer<answer>);
   form->UserClosed();
   ::KillTimer(nullptr, timer);
   ASSERT_EQ(help.Calls.size(), 4u);
@@ -622,10 +628,11 @@ TEST_F(FormWindows, DisableTheOthersWhileModal) {
   };
   static const std::function<void()>* action = nullptr;  // a timer without a window is told nothing else
   action = &stop;
-  ::SetTimer(nullptr, 0, 50, [](HWND, UINT, UINT_PTR timer, DWORD) {
+  constexpr auto act = [](UINT_PTR timer) {
     ::KillTimer(nullptr, timer);
     (*action)();
-  });
+  };
+  ::SetTimer(nullptr, 0, 50, OnTimer<act>);
   runtime.About();
   EXPECT_TRUE(was_modal);
   EXPECT_TRUE(::IsWindowEnabled(host));
