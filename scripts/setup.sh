@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages of cmake/packages.txt that are missing; returns at once when none is.
-#   scripts/setup.sh PURPOSE...    of program, tests, windows, lint, benchmark, packages, calc, calc-tests
+#   scripts/setup.sh PURPOSE...    of program, tests, windows, lint, benchmark, packages, win32, calc, calc-tests
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -34,7 +34,8 @@ mount --rbind /dev "$system/dev"
 mkdir -p "$system$PWD"
 mount --bind "$PWD" "$system$PWD"
 inside() {
-  chroot "$system" env -i HOME=/root LC_ALL=C.UTF-8 PATH=/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin "$@"
+  chroot "$system" env -i HOME=/root LC_ALL=C.UTF-8 PYTHONDONTWRITEBYTECODE=1 \
+    PATH=/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin "$@"
 }
 
 # Programs of the system without a path are those of the loader's bitness.
