@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XSpreadsheets.hpp>
 #include <com/sun/star/table/XColumnRowRange.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 #include <com/sun/star/util/XProtectable.hpp>
 
 #include <cstdlib>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -158,6 +160,34 @@ TEST(CalcHost, SearchesTheSheetAsItIsByNow) {
     EXPECT_EQ(session.Search(step.text), "found") << step.name;
     EXPECT_EQ(document.VisibleRows(6), step.visible) << step.name;
   }
+}
+
+// In pieces, from the message loop; what changes is read again.
+TEST(CalcHost, ReadsAhead) {
+  CalcSession session;
+  CalcDocument document;
+  constexpr sal_Int32 kRows = 4000;
+  constexpr sal_Int32 kColumns = 8;
+  uno::Sequence<uno::Sequence<uno::Any>> numbers(kRows);
+  for (sal_Int32 row = 0; row < kRows; ++row) {
+    numbers.getArray()[row] = uno::Sequence<uno::Any>(kColumns);
+    for (sal_Int32 column = 0; column < kColumns; ++column) {
+      numbers.getArray()[row].getArray()[column] <<= 0.5 + row;
+    }
+  }
+  As<com::sun::star::sheet::XCellRangeData>(
+      document.Sheet()->getCellRangeByPosition(0, 0, kColumns - 1, kRows - 1))
+      ->setDataArray(numbers);
+  const auto sheet = session.application->ActiveSheet();
+  EXPECT_FALSE(sheet->Cells()->PrepareFind()) << "more than a piece";
+  session.application->StartReadingAhead();
+  WaitWhile([&] { return session.application->ReadsAhead(); });
+  EXPECT_TRUE(sheet->Cells()->PrepareFind());
+  document.SetText(3000, 2, u"late");
+  EXPECT_TRUE(session.application->ReadsAhead());
+  WaitWhile([&] { return session.application->ReadsAhead(); });
+  EXPECT_EQ(session.Search(u"late"), "found");
+  EXPECT_EQ(session.ActiveCell(), "A3000");
 }
 
 TEST(CalcHost, LeavesOneActionToUndo) {
@@ -325,6 +355,17 @@ TEST(CalcHost, ASearchChangesNothingButHiddenRows) {
   for (int32_t row = 1; row <= 6; ++row) after += document.Shown(row, 1) + document.Shown(row, 2);
   EXPECT_EQ(after, before);
   EXPECT_TRUE(session.application->ActiveWorkbook()->Saved());
+}
+
+// Searches until the office is killed (kill.py).
+TEST(CalcKill, DISABLED_SearchesForEver) {
+  const std::string folder = std::getenv("ROWLARK_TEST_FOLDER");
+  CalcSession session;
+  CalcDocument document("file://" + folder + "/table.csv");
+  for (int search = 0;; ++search) {
+    ASSERT_EQ(session.Search(search % 2 == 0 ? u"odd" : u"even"), "found");
+    if (search == 1) std::ofstream(folder + "/searching") << "yes";
+  }
 }
 
 }  // namespace

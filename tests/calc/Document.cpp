@@ -1,6 +1,7 @@
 #include "Document.h"
 
 #include <com/sun/star/awt/Toolkit.hpp>
+#include <com/sun/star/awt/XReschedule.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XIndexAccess.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
@@ -22,6 +23,8 @@
 #include <com/sun/star/util/XCloseable.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 #include <com/sun/star/view/XSelectionSupplier.hpp>
+
+#include <thread>
 
 #include "host/calc/Query.h"
 #include "host/calc/Strings.h"
@@ -52,6 +55,15 @@ PropertyValue Property(const char* name, const uno::Any& value) {
 Context& TheContext() {
   static Context context;
   return context;
+}
+
+void WaitWhile(const std::function<bool()>& condition) {
+  const uno::Reference<com::sun::star::awt::XReschedule> toolkit(
+      com::sun::star::awt::Toolkit::create(TheContext()), uno::UNO_QUERY_THROW);
+  while (condition()) {
+    toolkit->reschedule();
+    std::this_thread::yield();
+  }
 }
 
 CalcDocument::CalcDocument(std::string_view url, bool read_only) {

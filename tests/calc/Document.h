@@ -6,6 +6,7 @@
 #include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,6 +18,9 @@ namespace uno = com::sun::star::uno;
 using Context = uno::Reference<uno::XComponentContext>;
 // Of the office that the tests run in.
 Context& TheContext();
+
+// Handles messages of the office for as long as that holds.
+void WaitWhile(const std::function<bool()>& condition);
 
 class CalcDocument {
  public:

@@ -135,7 +135,7 @@ TEST_F(SheetViewTest, AreasAreAddedExtendedAndForgotten) {
   EXPECT_EQ(cursor_.At(), (Cell{2, 2}));
   cursor_.ExtendTo({3, 3});
   EXPECT_EQ(Selection(), u"$D$6:$D$7,$B$2:$C$3");
-  sheet_->Activate({{2, 3, 2, 3}});
+  sheet_->Activate(std::vector<Block>{{2, 3, 2, 3}});
   EXPECT_TRUE(cursor_.Follow()) << "another cell of the selection is active";
 }
 

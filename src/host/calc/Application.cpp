@@ -138,4 +138,6 @@ void Application::StartReadingAhead() {
   office_->TextIsMissing = [this] { ahead_->Wake(); };
 }
 
+bool Application::ReadsAhead() const { return ahead_ && !ahead_->Idle(); }
+
 }  // namespace rowlark::calc

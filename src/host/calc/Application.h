@@ -61,6 +61,7 @@ class Application final : public host::Application {
   // From now on the text of the sheet in front is read while the user does nothing, in pieces of some
   // milliseconds, so that a search finds it read.
   void StartReadingAhead();
+  bool ReadsAhead() const;  // there is some that has not been read
 
   // Ends what listens to documents, before the office goes; every operation fails from now on.
   void Stop() noexcept;

@@ -68,6 +68,11 @@ void ReadAhead::Wake() noexcept {
   wake_.notify_one();
 }
 
+bool ReadAhead::Idle() const noexcept {
+  const std::lock_guard guard(mutex_);
+  return state_ == State::Idle;
+}
+
 void ReadAhead::Wait() {
   std::unique_lock lock(mutex_);
   while (state_ != State::Ended) {

@@ -24,6 +24,7 @@ class ReadAhead {
 
   // There is something to read.
   void Wake() noexcept;
+  bool Idle() const noexcept;
 
  private:
   friend class AheadListener;
@@ -33,7 +34,7 @@ class ReadAhead {
 
   const std::shared_ptr<Office> office_;
   rtl::Reference<AheadListener> listener_;
-  std::mutex mutex_;
+  mutable std::mutex mutex_;
   std::condition_variable wake_;
   enum class State { Idle, Due, Posted, Ended } state_ = State::Due;  // guarded by mutex_
   std::thread thread_;
