@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Sets up, builds the extension and opens the example table in LibreOffice Calc with the search form, on a profile that is
-# thrown away. Without a display it runs on a virtual one and leaves a picture instead.
+# Sets up, builds the extension and opens a copy of the example table, or a table of yours, in LibreOffice Calc with the
+# search form, on a profile that is thrown away. Without a display it runs on a virtual one and leaves a picture instead.
 #   scripts/demo-calc.sh [TABLE]
 set -euo pipefail
-table=$(realpath "${1:-$(dirname "$0")/../examples/customers.csv}")
+tables=()
+[ $# -eq 0 ] || tables=("$(realpath "$1")")
 cd "$(dirname "$0")/.."
 scripts/setup.sh program calc
 
@@ -12,7 +13,7 @@ cmake --build --preset calc --target rowlark_calc
 if [ -z "${DISPLAY:-}" ]; then
   export ROWLARK_PICTURE=$PWD/build/calc/calc.png
   scripts/setup.sh calc-tests
-  cmake/xvfb.sh "$0" "$table"
+  cmake/xvfb.sh scripts/demo-calc.sh "${tables[@]}"
   echo "There is no display; a picture of Calc is $ROWLARK_PICTURE"
   exit
 fi
@@ -20,6 +21,8 @@ fi
 profile=$(mktemp -d)
 trap 'rm -rf "$profile"' EXIT
 export XDG_CONFIG_HOME=$profile/config
+cp examples/customers.csv "$profile"
+table=${tables[0]:-$profile/customers.csv}
 # A text file is read as UTF-8, with commas; anything else as what it is.
 filter=()
 [[ $table != *.csv ]] || filter=("--infilter=Text - txt - csv (StarCalc):44,34,76,1")
@@ -30,9 +33,9 @@ if [ -z "${ROWLARK_PICTURE:-}" ]; then
   exit
 fi
 
-# Opens the search form with its hotkey and searches.
-SAL_USE_VCLPLUGIN=gen "${office[@]}" &
-trap 'kill $! || true; wait $! || true; rm -rf "$profile"' EXIT
+# Opens the search form with its hotkey and searches. The office is a process of that script's, so all of them end.
+SAL_USE_VCLPLUGIN=gen setsid "${office[@]}" &
+trap 'kill -- -$! || true; wait $! || true; rm -rf "$profile"' EXIT
 window=$(timeout 120 xdotool search --sync --onlyvisible --name 'LibreOffice Calc$' | tail -n 1)
 xdotool windowactivate --sync "$window"
 until xdotool search --onlyvisible --name '^Search - ' >/dev/null; do
