@@ -10,8 +10,8 @@ namespace rowlark::calc {
 
 class CalcHelp final : public host::Help {
  public:
-  CalcHelp(Desk::Context office, std::u16string folder, Trace* trace)
-      : office_(std::move(office)), folder_(std::move(folder)), trace_(trace) {}
+  CalcHelp(const Desk::Context& office, std::u16string folder, Trace* trace)
+      : office_(office), folder_(std::move(folder)), trace_(trace) {}
 
   // The file names the language ("vt_rlk_de.chm"): its pages, or else the English ones. 1 when a page was
   // handed to the browser.

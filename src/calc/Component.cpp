@@ -56,7 +56,7 @@ class AddInService final
     : public cppu::WeakImplHelper5<css::task::XJob, css::task::XJobExecutor, css::frame::XTerminateListener,
                                    css::lang::XComponent, css::lang::XServiceInfo> {
  public:
-  explicit AddInService(Reference<css::uno::XComponentContext> office) : office_(std::move(office)) {}
+  explicit AddInService(const Desk::Context& office) : office_(office) {}
   // What is left of the add-in when the office goes stays: nothing that it stands on is sure to be there.
   ~AddInService() override { static_cast<void>(add_in_.release()); }
 

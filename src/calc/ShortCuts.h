@@ -19,7 +19,7 @@ std::optional<com::sun::star::awt::KeyEvent> KeyOf(std::u16string_view code);
 
 class ShortCuts {
  public:
-  explicit ShortCuts(Desk::Context office) : office_(std::move(office)) {}
+  explicit ShortCuts(const Desk::Context& office) : office_(office) {}
 
   // Has the key run the macro; without one, the key means again what it means to the office. Throws what the
   // office throws.

@@ -38,9 +38,9 @@ void OpenWithSystem(const Desk::Context& office, const rtl::OUString& uri) {
                                                            css::system::SystemShellExecuteFlags::URIS_ONLY);
 }
 
-CalcWindowSystem::CalcWindowSystem(Desk::Context office, std::u16string pictures, std::function<void()> idle,
-                                   Trace* trace)
-    : desk_(std::make_shared<Desk>(std::move(office), std::move(pictures), std::move(idle), trace)) {}
+CalcWindowSystem::CalcWindowSystem(const Desk::Context& office, std::u16string pictures,
+                                   std::function<void()> idle, Trace* trace)
+    : desk_(std::make_shared<Desk>(office, std::move(pictures), std::move(idle), trace)) {}
 
 CalcWindowSystem::~CalcWindowSystem() {
   while (!desk_->Windows.empty()) desk_->Windows.back()->Abandon();

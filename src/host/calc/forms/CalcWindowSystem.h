@@ -16,7 +16,8 @@ class CalcWindowSystem final : public host::WindowSystem {
   // On the office's main thread, as everything else. `pictures` is the folder with the drawings. `idle` is
   // called when the forms' messages under way have all been handled; it throws nothing, and may end the
   // window system.
-  CalcWindowSystem(Desk::Context office, std::u16string pictures, std::function<void()> idle, Trace* trace);
+  CalcWindowSystem(const Desk::Context& office, std::u16string pictures, std::function<void()> idle,
+                   Trace* trace);
   CalcWindowSystem(const CalcWindowSystem&) = delete;
   CalcWindowSystem& operator=(const CalcWindowSystem&) = delete;
   // Windows of forms that are still loaded go, and their forms hear nothing of it.

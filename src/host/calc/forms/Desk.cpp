@@ -47,8 +47,8 @@ Reference<css::awt::XWindowPeer> PeerOf(const Desk::Window& window) {
   return Reference<css::awt::XWindowPeer>(window, css::uno::UNO_QUERY);
 }
 
-Desk::Desk(Context context, std::u16string pictures, std::function<void()> idle, rowlark::Trace* trace)
-    : Office(std::move(context)),
+Desk::Desk(const Context& context, std::u16string pictures, std::function<void()> idle, rowlark::Trace* trace)
+    : Office(context),
       Trace(trace),
       Toolkit(css::awt::Toolkit::create(Office)),
       pictures_(std::move(pictures)),

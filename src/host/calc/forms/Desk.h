@@ -33,7 +33,7 @@ class Desk : public std::enable_shared_from_this<Desk> {
 
   // `pictures` is the folder of the drawings, with those for lists and buttons in "small" below it. `idle` is
   // called when the forms' messages under way have all been handled; it throws nothing.
-  Desk(Context context, std::u16string pictures, std::function<void()> idle, rowlark::Trace* trace);
+  Desk(const Context& context, std::u16string pictures, std::function<void()> idle, rowlark::Trace* trace);
   Desk(const Desk&) = delete;
   Desk& operator=(const Desk&) = delete;
 

@@ -14,6 +14,7 @@
 #include <cppuhelper/implbase4.hxx>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "controls/Button.h"
@@ -441,12 +442,12 @@ bool FormDialog::KeyReleased(int16_t code, int16_t modifiers) {
 
 int32_t FormDialog::Twips(int32_t pixels) const {
   const Reference<css::awt::XDevice> device(site_->Window->getPeer(), UNO_QUERY_THROW);
-  return static_cast<int32_t>(pixels * kTwipsPerMetre / device->getInfo().PixelPerMeterX + 0.5);
+  return static_cast<int32_t>(std::lround(pixels * kTwipsPerMetre / device->getInfo().PixelPerMeterX));
 }
 
 int32_t FormDialog::PixelsOf(int32_t twips) const {
   const Reference<css::awt::XDevice> device(site_->Window->getPeer(), UNO_QUERY_THROW);
-  return static_cast<int32_t>(twips * device->getInfo().PixelPerMeterX / kTwipsPerMetre + 0.5);
+  return static_cast<int32_t>(std::lround(twips * device->getInfo().PixelPerMeterX / kTwipsPerMetre));
 }
 
 css::awt::Size FormDialog::Pixels(controls::Size units) const {
