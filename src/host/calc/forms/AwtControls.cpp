@@ -196,6 +196,7 @@ class AwtComboBox final : public AwtText {
  private:
   void FillList() override {
     std::vector<std::u16string> entries;
+    entries.reserve(static_cast<std::size_t>(box_.ListCount()));
     for (int32_t i = 0; i < box_.ListCount(); ++i) entries.push_back(box_.List(i));
     Put("StringItemList", Texts(entries));
     Apply(Property::Text);
@@ -268,6 +269,7 @@ class AwtDropDownList final : public AwtListBox {
   int32_t Selected() const override { return box_.ListIndex(); }
   void FillList() override {
     std::vector<Entry> entries;
+    entries.reserve(static_cast<std::size_t>(box_.ListCount()));
     for (int32_t i = 0; i < box_.ListCount(); ++i) entries.push_back({box_.List(i), {}});
     Fill(entries);
   }
@@ -285,6 +287,7 @@ class AwtListView final : public AwtListBox {
   int32_t Selected() const override { return list_.Selected(); }
   void FillList() override {
     std::vector<Entry> entries;
+    entries.reserve(list_.Items().size());
     for (const auto& item : list_.Items()) entries.push_back({item.text, item.small_icon});
     Fill(entries);
   }
@@ -302,6 +305,7 @@ class AwtTreeView final : public AwtListBox {
   int32_t Selected() const override { return tree_.Selected(); }
   void FillList() override {
     std::vector<Entry> entries;
+    entries.reserve(tree_.Nodes().size());
     for (const auto& node : tree_.Nodes()) entries.push_back({node.text, node.key});
     Fill(entries);
   }

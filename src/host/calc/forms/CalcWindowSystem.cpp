@@ -18,7 +18,6 @@ namespace rowlark::calc {
 namespace {
 
 using css::uno::Reference;
-using css::uno::UNO_QUERY;
 using css::uno::UNO_QUERY_THROW;
 
 // The button pressed, one of MessageBoxResults. The box belongs to the form that is active, or else to the
