@@ -51,8 +51,8 @@ class CalcDocument {
   std::string VisibleRows(int32_t last) const;  // "1 2 5"
   std::vector<std::string> UndoTitles() const;
 
-  // Makes an AutoFilter on that block; with a criterion for its column (from 1) unless that is 0: a text, or the
-  // beginning of one ("B*").
+  // Makes an AutoFilter on that block; with a criterion for its column (from 1) unless that is 0: a text, or
+  // the beginning of one ("B*").
   void Filter(std::string_view address, int32_t column, std::u16string_view criterion);
 
   uno::Reference<com::sun::star::frame::XModel> Model;
