@@ -76,8 +76,11 @@ class Searching(AddIn):
     def test_keys_are_those_of_the_options(self):
         document = self.open()
         keys("alt+r", "o")
-        self.element("Options", AccessibleRole.LIST_ITEM, "Keyboard").click()
-        self.element("Options", AccessibleRole.CHECK_BOX, "Form 'Search'").click()
+        wait_until(lambda: self.window("Options").find(AccessibleRole.LIST).focused, "the pages have no focus")
+        keys("Down", "Down")
+        box = self.element("Options", AccessibleRole.CHECK_BOX, "Form 'Search'")
+        keys("Tab", "space")
+        wait_until(lambda: not box.checked, "the hotkey is still on")
         keys("Escape")
         self.wait_until_gone("Options")
         self.activate(document)
