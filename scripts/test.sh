@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Sets up and checks everything, and says what each part takes: lint of what changed last; the program as it is
-# released, searching the example and on a terminal; all tests for Linux under the address and undefined-behaviour
-# sanitizers; the fuzz targets; all tests for 64-bit Windows. Last, builds all but the tests for 32-bit Windows, which is
-# not run and so not optimised.
+# released, searching the example, on a terminal, and as it is packaged; all tests for Linux under the address and
+# undefined-behaviour sanitizers; the fuzz targets; all tests for 64-bit Windows, set-up included. Last, builds the library
+# for 32-bit Windows, which is not run and so not optimised. scripts/test-win32.sh and scripts/test-calc.sh do the rest.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/setup.sh program tests windows lint
+scripts/setup.sh program tests windows lint packages
 
 part() {
   local TIMEFORMAT="== $1: %0R s, of processors %0U s"

@@ -201,7 +201,7 @@ class Addin(unittest.TestCase):
         self.assertLessEqual(set(re.findall(r'(?:onLoad|getLabel|onAction)="(\w+)"', new)), set(subs))
         buttons = re.findall(r'<button id="(\w+)" tag="(.*?)\|(.*?)"', new)
         self.assertLessEqual({macro for macro, _, _ in buttons}, set(subs))
-        menu = (PROJECT / "src/runtime/Menu.cpp").read_text()
+        menu = (PROJECT / "src/runtime/Menu.h").read_text()
         entries = re.findall(r'\{u"(Menu\.\w+)", u"(.*?)", Macro::(\w+)', menu)
         self.assertEqual([(key, text.replace("&amp;", "&"), macro) for macro, key, text in buttons],
                          [(key, text, f"VantrelRLK_{macro}") for key, text, macro in entries])

@@ -18,7 +18,8 @@ class Desktop {
   // `focused`: the keyboard is not a form's.
   virtual void Draw(Canvas& canvas, const Rect& picture, const Rect& status, bool focused) = 0;
 
-  // Hears of every key before a form does. True when it has stopped what was under way and means nothing more.
+  // Hears of every key before a form does. True when it has stopped what was under way and means nothing
+  // more.
   virtual bool Interrupt(const KeyPress& press) = 0;
   // Moves about in the picture, also while a form waits for something to be selected there. False for any
   // other key.
