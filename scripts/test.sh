@@ -15,6 +15,7 @@ part() {
 release() {
   scripts/demo.sh </dev/null
   cmake --preset linux-release -DBUILD_TESTING=ON >/dev/null
+  cmake --build --preset linux-release --target rowlark_core rowlark_changelogs rowlark_manual
   ctest --preset linux-release
 }
 
