@@ -99,8 +99,8 @@ class Table(Session):
         self.assertEqual(self.start("--header", "no", "t.csv").press("name").wait("1 of 7 rows").text().count("cid"), 0)
 
     def test_looks_for_a_match_in_a_large_table_until_stopped(self):
-        self.file("large.csv", "n,text\n" + "".join(f"{i},a text for row {i}\n" for i in range(100_000)))
-        terminal = self.start("large.csv").wait("100000 of 100000 rows").press("none").wait("Text not found")
+        self.file("large.csv", "n,text\n" + "".join(f"{i},a text for row {i}\n" for i in range(600_000)))
+        terminal = self.start("large.csv", ESCDELAY="1").wait("600000 of 600000 rows").press("none").wait("Text not found")
         terminal.press("F3").wait(lambda t: "Looking: row" in t.output).press("Esc").wait_gone("Looking: row")
         self.assertEqual((terminal.text().count("Search -"), terminal.output.count("\a")), (1, 0))
         terminal.press("F3").wait(lambda t: t.output.count("\a") == 1)
