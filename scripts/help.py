@@ -1,7 +1,8 @@
-"""Makes the help in all its forms from the pages in docs/help: help.py OUTPUT_DIR [text]
+"""Makes the help in all its forms from the pages in docs/help: help.py OUTPUT_DIR [text|web]
 
 vt_rlk_LANGUAGE.chm for Windows, web/ for browsers, the man page rowlark.1, and text/vt_rlk_LANGUAGE.txt for the program
-in a terminal. With "text" only those, into OUTPUT_DIR itself, which takes nothing but this interpreter.
+in a terminal. With "text" or "web" only those, into OUTPUT_DIR itself, which takes nothing but this interpreter; pages
+that have a number are then there under it as well, for programs that ask by it.
 """
 
 import html
@@ -375,14 +376,21 @@ class Archive:
         return bytes(self.header) + bytes(self.tail) + directory + bytes(self.content)
 
 
-def main(output, only_text=False):
+def main(output, only=None):
     output = Path(output)
-    texts = output if only_text else output / "text"
-    texts.mkdir(parents=True, exist_ok=True)
     books = {language: read(language) for language in LANGUAGES}
+    if only == "web":
+        write_web(books, output)
+        for page in books["en"]:
+            if page.context:
+                for place in output, *(output / language for language in LANGUAGES if language != "en"):
+                    shutil.copyfile(place / f"{page.name}.html", place / f"{page.context}.html")
+        return
+    texts = output if only else output / "text"
+    texts.mkdir(parents=True, exist_ok=True)
     for language, pages in books.items():
         write_text(pages, texts / f"vt_rlk_{language}.txt")
-    if only_text:
+    if only:
         return
     for language, pages in books.items():
         write_chm(pages, output / f"vt_rlk_{language}.chm")
@@ -392,6 +400,6 @@ def main(output, only_text=False):
 
 
 if __name__ == "__main__":
-    if len(sys.argv) not in (2, 3) or sys.argv[2:] not in ([], ["text"]):
+    if len(sys.argv) not in (2, 3) or sys.argv[2:] not in ([], ["text"], ["web"]):
         raise SystemExit(__doc__)
-    main(sys.argv[1], len(sys.argv) == 3)
+    main(*sys.argv[1:])

@@ -8,7 +8,9 @@ library, whenever it is made: its files have the time that SOURCE_DATE_EPOCH nam
 import os
 import re
 import shutil
+import subprocess
 import sys
+import tempfile
 import time
 import zipfile
 from pathlib import Path
@@ -86,6 +88,10 @@ def content(library, version):
         files[name] = (HERE / name).read_bytes()
     for file in (ROOT / "languages").glob("*.lng"):
         files[f"languages/{file.name}"] = file.read_bytes()
+    with tempfile.TemporaryDirectory() as folder:
+        subprocess.run([sys.executable, ROOT / "scripts/help.py", f"{folder}/help", "web"], check=True)
+        for file in Path(folder).rglob("*.*"):
+            files[str(file.relative_to(folder))] = file.read_bytes()
     for file in (ROOT / "assets/icons").glob("*.svg"):
         drawing = file.read_bytes()
         files[f"icons/{file.name}"] = drawing

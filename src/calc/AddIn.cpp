@@ -59,6 +59,7 @@ AddIn::AddIn(const Desk::Context& office, const std::u16string& folder, std::fun
   application_->Keys = [this](std::u16string_view key, std::optional<std::u16string_view> macro) {
     short_cuts_.OnKey(key, macro);
   };
+  help_.LanguageFile = [this] { return runtime_.Language().HelpFile(); };
   runtime_.SetExcelApp(application_);
   runtime_.Init();
   evt_lang_ = runtime_.Language().NewLangLoaded().Connect(

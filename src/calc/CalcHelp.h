@@ -1,6 +1,7 @@
 // The help, as pages for the browser in the extension's folder.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "host/Help.h"
@@ -13,9 +14,12 @@ class CalcHelp final : public host::Help {
   CalcHelp(const Desk::Context& office, std::u16string folder, Trace* trace)
       : office_(office), folder_(std::move(folder)), trace_(trace) {}
 
-  // The file names the language ("vt_rlk_de.chm"): its pages, or else the English ones. 1 when a page was
-  // handed to the browser.
-  intptr_t HtmlHelp(std::u16string_view file, host::HelpCommand command, int32_t context) noexcept override;
+  // The help file that the chosen language names ("vt_rlk_de.chm"), if there is one or not: what it calls its
+  // language is the folder of that language's pages.
+  std::function<std::u16string()> LanguageFile;
+
+  // The pages of the chosen language, or else the English ones. 1 when one was handed to the browser.
+  intptr_t HtmlHelp(std::u16string_view, host::HelpCommand command, int32_t context) noexcept override;
 
  private:
   const Desk::Context office_;

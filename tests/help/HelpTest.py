@@ -103,6 +103,13 @@ class Help(unittest.TestCase):
             for quoted in re.findall('["„](.*?)["“]', "".join(heading.text for heading in headings)):
                 self.assertIn(quoted, known)
 
+    def test_web_pages_have_their_numbers_for_programs(self):
+        with tempfile.TemporaryDirectory() as folder:
+            subprocess.run([sys.executable, PROJECT / "scripts/help.py", folder, "web"], check=True)
+            for place in Path(folder), Path(folder) / "de":
+                self.assertEqual({place.joinpath(f"{number}.html").read_text() == place.joinpath(f"{name}.html").read_text()
+                                  for number, name in CONTEXTS.items() if number}, {True})
+
     def test_man_page_renders(self):
         page = self.made / "rowlark.1"
         groff = subprocess.run(["groff", "-man", "-Tutf8", "-ww", "-Kutf8", page], capture_output=True, text=True)
