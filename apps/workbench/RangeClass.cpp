@@ -118,9 +118,9 @@ void SetHidden(Call& call) {
 }
 
 void Select(Call& call) {
-  auto& sheet = RangeOf(call).Sheet();
-  if (call.Application().ActiveSheet().get() != &sheet) Fail(u"Select method of Range class failed");
-  sheet.Select(RangeOf(call).Address());
+  const auto sheet = call.Application().ActiveSheet();
+  if (sheet.get() != &RangeOf(call).Sheet()) Fail(u"Select method of Range class failed");
+  sheet->Select(RangeOf(call).Address());
   call.Return(true);
 }
 

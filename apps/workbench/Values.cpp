@@ -67,7 +67,7 @@ Variant ToValue(std::string_view cell) {
   return std::u16string_view(ToUtf16(cell));
 }
 
-Variant ToValues(const standalone::CellText& text, const Block& block) {
+Variant ToValues(const cells::CellText& text, const Block& block) {
   SAFEARRAYBOUND bounds[] = {{static_cast<ULONG>(block.Rows()), 1}, {static_cast<ULONG>(block.Columns()), 1}};
   Variant array = automation::NewArray(bounds);
   VARIANT* place = automation::Elements(array);
