@@ -118,9 +118,9 @@ void SetHidden(Call& call) {
 }
 
 void Select(Call& call) {
-  const auto sheet = call.Application().ActiveSheet();
-  if (sheet.get() != &RangeOf(call).Sheet()) Fail(u"Select method of Range class failed");
-  sheet->Select(RangeOf(call).Address());
+  auto& sheet = static_cast<standalone::Worksheet&>(RangeOf(call).Sheet());  // the only sheets there are
+  if (call.Application().ActiveSheet().get() != &sheet) Fail(u"Select method of Range class failed");
+  sheet.Select(RangeOf(call).Address());
   call.Return(true);
 }
 
