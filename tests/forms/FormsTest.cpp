@@ -89,7 +89,7 @@ TEST(Forms, OpenTheHelpAtTheirTopics) {
        std::initializer_list<Ref<controls::Form>>{desk.Search(), desk.Edit(), picker, options, about}) {
     EXPECT_EQ(form->UserKeyDown(controls::kKeyF1, controls::kShift), controls::kKeyF1);
     EXPECT_EQ(form->UserKeyDown(controls::kKeyF1, controls::kNoShift), 0);
-    asked += desk.help.Calls.back().substr(desk.help.Calls.back().rfind('/') + 1) + '|';
+    asked += desk.help.Calls.back().substr(desk.help.Calls.back().find_last_of("\\/") + 1) + '|';
   }
   EXPECT_EQ(asked,
             "vt_rlk_en.chm 15 1000|vt_rlk_en.chm 15 1010|vt_rlk_en.chm 15 1020|vt_rlk_en.chm 15 1030|"
