@@ -9,6 +9,7 @@ output=$(realpath "$1")
 cd "$(dirname "$0")/.."
 scripts/setup.sh windows packages
 
+export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
 parts=$PWD/build/installer
 stage=$parts/stage
 rm -rf "$parts"
@@ -25,6 +26,5 @@ scripts/addin.sh "$parts/addin"
 scripts/help.sh "$parts/help"
 install -m 644 -t "$stage" "$parts/addin/vt_rowlark.xlam" "$parts/help/"*.chm
 
-export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
 find "$stage" -exec touch -d "@$SOURCE_DATE_EPOCH" {} +
 packaging/windows/make-setup.sh "$stage" "$output/rowlark-$(scripts/version.sh)-setup.exe"
