@@ -11,6 +11,9 @@ namespace {
 constexpr std::size_t kPieceBytes = std::size_t{256} * 1024;
 // What a run of rows costs beside its text.
 constexpr std::size_t kRunBytes = 64;
+// As far as the end of a run is looked for: rows that nearly all matched are one run of the whole text, of
+// which a piece takes a little.
+constexpr int32_t kRunRows = 4096;
 
 bool SameColumns(const Block& a, const Block& b) {
   return a.first_column == b.first_column && a.last_column == b.last_column;
@@ -67,7 +70,12 @@ bool RowFinder::Next(const CellText& text, const RowSet* hidden, std::vector<int
   }
   const auto found = rows.begin() + before;
   if (found_) {
-    std::for_each(found, rows.end(), [this](int32_t row) { found_->rows.Assign(row, row, true); });
+    for (auto row = found; row != rows.end();) {
+      const auto first = row;
+      do ++row;
+      while (row != rows.end() && *row == *first + (row - first));
+      found_->rows.Assign(*first, *std::prev(row), true);
+    }
     found_->count += static_cast<int32_t>(rows.end() - found);
   }
   if (hidden != nullptr) {
@@ -93,6 +101,7 @@ RowRun RowFinder::NextRun(const CellText& text) const {
   if (!query_.pattern.IsEmpty()) last = std::min(last, text.Used() ? text.Used()->last_row : 0);
   if (!within_) return {row_, last};
   const int32_t first = within_->rows.Next(row_, last, true);
+  last = std::min(last, first + kRunRows);
   return {first, within_->rows.Next(first, last, false) - 1};
 }
 
