@@ -46,8 +46,7 @@ Highlight SearchMarks::MakeHighlight() const {
 void SearchMarks::evtRLRTM_Searching(bool searching) {
   if (searching) {
     search_began_ = steady_clock::now();
-    const auto form = program_.Forms().Search();
-    searched_ = form ? form->cboText.Text() : u"";
+    if (const auto form = program_.Forms().Search()) searched_ = form->cboText.Text();
     Forget();
     highlight_ = MakeHighlight();
   } else {

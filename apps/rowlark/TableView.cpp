@@ -88,7 +88,7 @@ bool TableView::Navigate(const terminal::KeyPress& press) {
 
 void TableView::GoTo(Cell cell) {
   view_.Cursor().MoveTo(cell);
-  if (view_.IsColumnHidden(cell.column)) view_.SetColumnWidth(cell.column, std::nullopt);
+  view_.ShowColumn(cell.column);
   Moved();
 }
 
@@ -113,6 +113,13 @@ void TableView::FreezeColumns() {
   view_.FreezeColumns(
       view_.FrozenColumns() > 0 ? 0 : view_.Cursor().At().column - view_.Bounds().first_column + 1);
   reveal_ = true;
+}
+
+void TableView::StandInFor(const TableView& before) {
+  at_end_ = before.at_end_;
+  view_.ShowLike(before.view_);
+  // The cell that the user is at, which is another one where columns have gone.
+  view_.ShowColumn(Sheet().ActiveCell().first_column);
 }
 
 void TableView::Moved() {

@@ -26,8 +26,8 @@ class TableView {
   // When the user has left the cursor in the last visible row, or where it began, it goes to what is that row
   // now; false when it is there.
   bool KeepToEnd();
-  // The sheet has been read anew, and the user is where the other view was left.
-  void StandInFor(const TableView& before) { at_end_ = before.at_end_; }
+  // The sheet has been read anew: it shows as the other view left it.
+  void StandInFor(const TableView& before);
   sheetview::Cell At() const { return view_.Cursor().At(); }
   void GoTo(sheetview::Cell cell);
   // So much wider; narrower below 0.

@@ -219,4 +219,11 @@ void SheetView::FreezeColumns(int32_t columns) {
   ScrollToColumn(left_);
 }
 
+void SheetView::ShowLike(const SheetView& other) {
+  own_widths_ = other.own_widths_;
+  FreezeColumns(other.frozen_columns_);
+  ScrollToRow(other.top_);
+  ScrollToColumn(other.left_);
+}
+
 }  // namespace rowlark::sheetview

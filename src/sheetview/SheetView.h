@@ -102,11 +102,17 @@ class SheetView {
   void SetColumnWidth(int32_t column, std::optional<int32_t> width);
   void ResetColumnWidths() { own_widths_.clear(); }
   bool IsColumnHidden(int32_t column) const;
+  // Gives a hidden column back the width that its text asks for.
+  void ShowColumn(int32_t column) {
+    if (IsColumnHidden(column)) SetColumnWidth(column, std::nullopt);
+  }
   // The next column that shows, `column` itself when there is none.
   int32_t StepColumn(int32_t column, int32_t step) const;
   // So many of the first columns show always.
   void FreezeColumns(int32_t columns);
   int32_t FrozenColumns() const { return frozen_columns_; }
+  // Scrolled like another view, with the columns that the user has set there.
+  void ShowLike(const SheetView& other);
 
  private:
   bool IsTable() const { return extent_ == Extent::Table; }

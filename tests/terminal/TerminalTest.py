@@ -356,6 +356,18 @@ class Life(Session):
             terminal.wait("│ A9 hal").press("C-g", "3", "Enter").wait("│ A3 bob")
             file.write("ida,Ulm,2\n")
             terminal.wait("  10│ ida").wait("│ A3 bob")
+        terminal.close()
+        # What the user has set and found stays, though the search form has gone.
+        self.file("t.csv", TABLE)
+        terminal = self.start().wait("6 of 6 rows").press("F10", "o").wait("Language info:")
+        row, column = terminal.find("[x] Show All after")
+        terminal.mouse(column, row).wait("[ ] Show All after").press("Tab", "Esc").wait_gone("Options ─")
+        terminal.press("Right", "M-h").wait_gone("city").press("köln").wait("3 of 6 rows").press("Esc").wait_gone("Search -")
+        for rows in "4 of 7 rows", "5 of 8 rows":
+            with (self.folder / "t.csv").open("a", encoding="utf-8") as file:
+                file.write("gil,Köln,1\n")
+            terminal.wait("changed on disk: F5").press("F5").wait(rows)
+        self.assertNotIn("city", terminal.text())
 
     def test_comes_back_after_a_stop(self):
         terminal = self.start().wait("6 of 6 rows")
