@@ -100,14 +100,14 @@ void CellCommands::Copy() {
   auto& view = tables_.View();
   auto block = view.Sheet().UsedBlock();
   if (chosen == 1) block.first_row = block.last_row = view.At().row;
-  if (chosen >= 0) Copy(block);
+  if (chosen >= 0) Copy({&block, 1});
 }
 
-void CellCommands::CopySelection() { Copy(tables_.View().Sheet().Selection().front()); }
+void CellCommands::CopySelection() { Copy(tables_.View().Sheet().Selection()); }
 
-void CellCommands::Copy(const Block& block) {
+void CellCommands::Copy(std::span<const Block> blocks) {
   constexpr std::size_t kMost = 1 << 20;  // bytes, more than most terminals take
-  if (const auto text = ClipboardText(tables_.View().Sheet(), block, kMost)) {
+  if (const auto text = ClipboardText(tables_.View().Sheet(), blocks, kMost)) {
     screen_.Copy(*text);
     status_.Tell(Text(u"Terminal.Copy.Done", u"Copied"));
   } else {

@@ -1,6 +1,7 @@
 // What the user does with the cells of the table that shows.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -46,7 +47,7 @@ class CellCommands {
   void Ask(std::u16string_view title, std::u16string_view text, CellEditor::EndHandler ended);
   void Repeat(Change change, const std::u16string& nothing);
   void GoTo(const std::u16string& place);
-  void Copy(const Block& block);
+  void Copy(std::span<const Block> blocks);
   void Tell(const host::Error& error) const;
 
   Program& program_;

@@ -1,7 +1,10 @@
 #include "Clipboard.h"
 
 #include <algorithm>
+#include <limits>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "host/cells/CellText.h"
 
@@ -15,22 +18,52 @@ std::string Quoted(std::string_view cell) {
   return quoted + '"';
 }
 
+bool Contains(std::span<const Block> blocks, int32_t row, int32_t column) {
+  return std::ranges::any_of(blocks, [&](const Block& block) { return block.Contains(row, column); });
+}
+
+// The first row of the blocks from a row on.
+int32_t RowFrom(std::span<const Block> blocks, int32_t row) {
+  int32_t next = std::numeric_limits<int32_t>::max();
+  for (const auto& block : blocks) {
+    if (row <= block.last_row) next = std::min(next, std::max(row, block.first_row));
+  }
+  return next;
+}
+
+// The columns of the blocks, ascending.
+std::vector<int32_t> ColumnsOf(std::span<const Block> blocks) {
+  std::vector<int32_t> columns;
+  for (const auto& block : blocks) {
+    for (int32_t column = block.first_column; column <= block.last_column; ++column) columns.push_back(column);
+  }
+  std::ranges::sort(columns);
+  const auto twice = std::ranges::unique(columns);
+  columns.erase(twice.begin(), twice.end());
+  return columns;
+}
+
 }  // namespace
 
-std::optional<std::string> ClipboardText(const standalone::Worksheet& sheet, Block block, std::size_t most) {
+std::optional<std::string> ClipboardText(const standalone::Worksheet& sheet, std::span<const Block> selected,
+                                         std::size_t most) {
   const auto used = sheet.UsedBlock();
-  block.last_row = std::min(block.last_row, used.last_row);
-  block.last_column = std::min(block.last_column, used.last_column);
-  std::string text;
+  std::vector<Block> blocks(selected.begin(), selected.end());
+  for (auto& block : blocks) {
+    block.last_row = std::min(block.last_row, used.last_row);
+    block.last_column = std::min(block.last_column, used.last_column);
+  }
+  const auto columns = ColumnsOf(blocks);
   const auto& hidden = sheet.HiddenRows();
-  const auto next = [&](int32_t row) { return hidden.Next(row, block.last_row, false); };
   cells::CellReader reader(sheet.Text(), false);
-  const int32_t first = next(block.first_row);
-  for (int32_t row = first; row <= block.last_row; row = next(row + 1)) {
-    if (row != first) text += '\n';
-    for (int32_t column = block.first_column; column <= block.last_column; ++column) {
-      if (column > block.first_column) text += '\t';
-      text += Quoted(reader.Cell(row, column));
+  std::string text;
+  bool is_first = true;
+  for (int32_t row = RowFrom(blocks, 1); row <= used.last_row; row = RowFrom(blocks, row + 1)) {
+    if (hidden.Contains(row)) continue;
+    if (!std::exchange(is_first, false)) text += '\n';
+    for (const int32_t column : columns) {
+      if (column != columns.front()) text += '\t';
+      if (Contains(blocks, row, column)) text += Quoted(reader.Cell(row, column));
     }
     if (text.size() >= most) return std::nullopt;
   }

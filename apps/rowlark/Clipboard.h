@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "host/Block.h"
@@ -11,8 +12,10 @@
 
 namespace rowlark {
 
-// Of a block the rows that show, as far as the sheet is in use; nothing where that takes `most` bytes or
+// The cells of blocks in the rows that show, as far as the sheet is in use. Blocks stand beside and below each
+// other as on the sheet, without the rows and columns between them. Nothing where that takes `most` bytes or
 // more.
-std::optional<std::string> ClipboardText(const standalone::Worksheet& sheet, Block block, std::size_t most);
+std::optional<std::string> ClipboardText(const standalone::Worksheet& sheet, std::span<const Block> blocks,
+                                         std::size_t most);
 
 }  // namespace rowlark

@@ -94,8 +94,16 @@ class Table(Session):
         terminal.press("C-g", "c9", "Enter").wait("│ C9 yy").press("C-g", "ZZ9", "Enter").wait("No such place: ZZ9")
         terminal.press("M-h").wait("│ D9 z").wait_gone("yyy").press("\x1b[1;3C").press("M-u").wait("yyy")
         terminal.press("M-f", "Home").wait("   9│   8  xx")
-        copied = terminal.press("M-c").wait("Visible rows").press("r").wait("Copied").output.split("\x1b]52;c;")[1]
-        self.assertEqual(base64.b64decode(copied.split("\a")[0]).decode(), f"8\t{'x' * 60}\t{'y' * 60}\tz")
+
+        def copied():
+            return base64.b64decode(terminal.output.split("\x1b]52;c;")[-1].split("\a")[0]).decode()
+
+        terminal.press("M-c").wait("Visible rows").press("r").wait("Copied")
+        self.assertEqual(copied(), f"8\t{'x' * 60}\t{'y' * 60}\tz")
+        # Blocks as they stand, but for what is between them.
+        terminal.press("C-g", "d3", "Enter").wait("│ D3").press("S-Down", "Insert", "C-g", "a4", "Enter").wait("│ A4")
+        terminal.press("\x1b[2;5~").wait("Copied")
+        self.assertEqual(copied(), "\ta koh\n3\ta koh")
         self.assertEqual(self.start("--header", "no", "t.csv").press("name").wait("1 of 7 rows").text().count("cid"), 0)
 
     def test_looks_for_a_match_in_a_large_table_until_stopped(self):
