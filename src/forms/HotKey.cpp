@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <optional>
+#include <utility>
 
 #include "controls/Keys.h"
 #include "settings/Macros.h"
@@ -27,10 +28,10 @@ void AppendPart(std::u16string& text, std::u16string_view part) {
   text += part;
 }
 
-// Where one key is refused, the other one must not suffer.
-void OnKey(host::Application& application, std::u16string_view key, std::optional<std::u16string_view> macro,
+// Where one key is refused, the other one must not suffer. False when it is.
+bool OnKey(host::Application& application, std::u16string_view key, std::optional<std::u16string_view> macro,
            Trace* trace) {
-  if (!key.empty()) Attempt(trace, [&] { application.OnKey(key, macro); });
+  return key.empty() || Attempt(trace, [&] { application.OnKey(key, macro); });
 }
 
 struct NamedKey {
@@ -95,9 +96,14 @@ HotKey CaptureHotKey(int32_t key, int32_t shift) {
   return captured;
 }
 
-void AssignHotKeys(host::Application& application, const HotKeys& keys, Trace* trace) {
-  OnKey(application, keys.search, NameOf(Macro::ShowSearch), trace);
-  OnKey(application, keys.show_all, NameOf(Macro::Unhide), trace);
+std::u16string AssignHotKeys(host::Application& application, const HotKeys& keys, Trace* trace) {
+  std::u16string refused;
+  for (const auto& [key, macro] :
+       {std::pair(&keys.search, Macro::ShowSearch), std::pair(&keys.show_all, Macro::Unhide)}) {
+    if (OnKey(application, *key, NameOf(macro), trace)) continue;
+    refused += (refused.empty() ? u"" : u", ") + HotKeyText(*key);
+  }
+  return refused;
 }
 
 void ReleaseHotKeys(host::Application& application, const HotKeys& keys, Trace* trace) {

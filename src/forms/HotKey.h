@@ -38,9 +38,10 @@ struct HotKeys {
   std::u16string show_all;
 };
 
-// Has the host run the macros at these keys, or lets the keys mean again what they mean to the host. A key
-// that it refuses is no hotkey.
-void AssignHotKeys(host::Application& application, const HotKeys& keys, Trace* trace);
+// Has the host run the macros at these keys. Returns those that it refuses, for the user to read, with commas
+// between; they are no hotkeys.
+std::u16string AssignHotKeys(host::Application& application, const HotKeys& keys, Trace* trace);
+// Lets the keys mean again what they mean to the host.
 void ReleaseHotKeys(host::Application& application, const HotKeys& keys, Trace* trace);
 
 }  // namespace rowlark

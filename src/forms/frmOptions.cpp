@@ -134,7 +134,13 @@ void frmOptions::RegisterHotKeys() {
   const HotKeys keys(Items());
   const auto host = Host();
   if (old_keys_) ReleaseHotKeys(*host, *old_keys_, shared_.Platform.Trace);
-  AssignHotKeys(*host, keys, shared_.Platform.Trace);
+  const auto refused = AssignHotKeys(*host, keys, shared_.Platform.Trace);
+  // A host that ends refuses everything, and nobody can choose anything any more.
+  if (refused.empty() || shared_.Terminating) return;
+  ShowFailure(shared_,
+              shared_.Language->GetText(
+                  u"Err.HotKey", u"Excel refuses the hotkey %1. Choose another one in the options.", refused),
+              HelpTopic::Troubleshooting);
 }
 
 void frmOptions::ApplyCaptions() {

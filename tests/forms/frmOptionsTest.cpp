@@ -15,6 +15,7 @@ using controls::kShift;
 using controls::PressKey;
 using testing::Desk;
 using testing::Type;
+using testing::WatchedHost;
 
 enum Page : int32_t { kCommonPage, kBooksPage, kKeyboardPage, kEditPage };
 
@@ -78,6 +79,24 @@ TEST(OptionsForm, CapturesHotkeysAndRegistersThemWhenItCloses) {
             (std::map<std::u16string, std::u16string>{{u"^+g", u"VantrelRLK_ShowSearch"}}));
   form = desk.Options(kKeyboardPage);
   EXPECT_FALSE(form->chk0_HotKeyUnhide.Value() || form->box0_HKU.Enabled());
+}
+
+TEST(OptionsForm, NamesTheHotkeysThatTheHostRefuses) {
+  Desk desk;
+  WatchedHost host;
+  int32_t assigned = 0;
+  host.Hear = [&](std::string_view operation) {
+    const bool refuses = operation == "Application.OnKey" && ++assigned > 2;  // what was in force is let go
+    if (refuses) throw host::Error(1004, u"Method 'OnKey' of object '_Application' failed");
+  };
+  desk.Start(host.Wrap(desk.application));
+  desk.Options()->UserClosed();
+  EXPECT_EQ(desk.windows.Messages,
+            std::vector<std::string>{"Vantrel Rowlark: Excel refuses the hotkey Ctrl + f, Ctrl + Shift + f. "
+                                     "Choose another one in the options. (16)"});
+  desk.Options();
+  desk.runtime->DoStop();  // which closes it
+  EXPECT_EQ(desk.windows.Messages.size(), 1U);
 }
 
 TEST(OptionsForm, ShowsOnePageAtATime) {
