@@ -35,7 +35,8 @@ int32_t RowFrom(std::span<const Block> blocks, int32_t row) {
 std::vector<int32_t> ColumnsOf(std::span<const Block> blocks) {
   std::vector<int32_t> columns;
   for (const auto& block : blocks) {
-    for (int32_t column = block.first_column; column <= block.last_column; ++column) columns.push_back(column);
+    for (int32_t column = block.first_column; column <= block.last_column; ++column)
+      columns.push_back(column);
   }
   std::ranges::sort(columns);
   const auto twice = std::ranges::unique(columns);

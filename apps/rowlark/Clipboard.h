@@ -12,9 +12,9 @@
 
 namespace rowlark {
 
-// The cells of blocks in the rows that show, as far as the sheet is in use. Blocks stand beside and below each
-// other as on the sheet, without the rows and columns between them. Nothing where that takes `most` bytes or
-// more.
+// The cells of blocks in the rows that show, as far as the sheet is in use. Blocks stand beside and below
+// each other as on the sheet, without the rows and columns between them. Nothing where that takes `most`
+// bytes or more.
 std::optional<std::string> ClipboardText(const standalone::Worksheet& sheet, std::span<const Block> blocks,
                                          std::size_t most);
 

@@ -26,6 +26,10 @@ struct Table {
       : document(program.OpenDocument(arguments.file, arguments.input)) {
     while (document->Step()) {
     }
+    if (const auto cut = document->CutTexts(); cut > 0) {
+      const auto told = program.Text(u"Terminal.Status.Cut", u"too long texts cut: %1", {ToText(cut)});
+      std::fprintf(stderr, "rowlark: %s: %s\n", arguments.file.c_str(), ToUtf8(told).c_str());
+    }
     if (!arguments.sheet.empty()) Activate(ToUtf16(arguments.sheet));
     sheet = &document->ActiveSheet();
     sheet->SetHeadRows(arguments.head_rows);

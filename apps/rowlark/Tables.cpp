@@ -337,6 +337,8 @@ std::vector<std::u16string> Tables::Notices() const {
     notices.push_back(
         Text(u"Terminal.Status.NotKept", u"changes are not kept: %1", {ToUtf16(failed.message())}));
   }
+  if (const auto cut = Active().CutTexts(); cut > 0)
+    notices.push_back(Text(u"Terminal.Status.Cut", u"too long texts cut: %1", {ToText(cut)}));
   if (seen_[active_].read_only) notices.push_back(Text(u"Terminal.Status.ReadOnly", u"read-only"));
   return notices;
 }

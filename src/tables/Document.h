@@ -76,6 +76,10 @@ class Document {
   // How much is loaded, 0 to 1; 0 while that can not be told (a pipe).
   double Fraction() const;
 
+  // How many texts of the file, so far, are longer than a cell holds: 32,767 characters of each have been
+  // read.
+  int32_t CutTexts() const { return loader_->CutTexts(); }
+
   const std::filesystem::path& Path() const noexcept { return path_; }
   const Ref<standalone::Workbook>& Workbook() const noexcept { return workbook_; }
   // In the order of the file; Workbook::ActivateSheet switches. Sheets of a workbook appear when it is read.

@@ -1,6 +1,7 @@
 // Fills the sheets of a workbook from a file, in steps.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -34,6 +35,8 @@ class Loader {
   virtual double Fraction() const = 0;
   // After a step that found nothing to load: what becomes readable when there is something.
   virtual std::optional<int> WaitsFor() const noexcept { return std::nullopt; }
+  // How many texts so far were longer than a cell holds and have been cut.
+  virtual int32_t CutTexts() const { return 0; }
   // Gives back what only loading needs; no step follows.
   virtual void Stop() noexcept {}
   // The text behind the one sheet, if that is CSV.

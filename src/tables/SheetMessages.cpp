@@ -9,6 +9,7 @@ namespace {
 enum Kind : char {
   kSheet,     // its name
   kRow,       // its number; of every cell the size, and the text
+  kCut,       // a text of the next row has been
   kProgress,  // how much has been read, in thousandths
   kText,      // a part of a text that is no workbook
   kEnd,
@@ -46,6 +47,8 @@ void SheetMessageWriter::Row(int32_t row, std::span<const std::string> cells) {
   for (const auto& cell : cells) (content += Bytes(cell.size())) += cell;
   Put(kRow, content);
 }
+
+void SheetMessageWriter::Cut() { Put(kCut, {}); }
 
 void SheetMessageWriter::Progress(double fraction) {
   Put(kProgress, Bytes(static_cast<std::size_t>(fraction * 1000)));
@@ -99,6 +102,7 @@ void SheetMessageReader::HandOn(char kind, std::string_view content, Sink& sink)
   if (kind == kError) throw std::runtime_error(std::string(content));
   if (kind == kSheet) sink.Sheet(content);
   if (kind == kText) sink.Text(content);
+  if (kind == kCut) sink.Cut();
   if (kind == kProgress) sink.Progress(TakeNumber(content) / 1000.0);
   if (kind != kRow) return;
   const auto row = static_cast<int32_t>(TakeNumber(content));

@@ -23,6 +23,7 @@ class SheetMessageWriter final : public SheetSink {
 
   void Sheet(std::string_view name) override;
   void Row(int32_t row, std::span<const std::string> cells) override;
+  void Cut() override;
   void Progress(double fraction) override;
   void Text(std::string_view bytes) override;
   // The last message: everything has been told, or the reason why there is no more.
@@ -47,6 +48,7 @@ class SheetMessageReader {
     virtual void Sheet(std::string_view name) = 0;
     // As SheetSink has it.
     virtual void Row(int32_t row, std::span<const std::string_view> cells) = 0;
+    virtual void Cut() = 0;
     virtual void Progress(double fraction) = 0;
     virtual void Text(std::string_view bytes) = 0;
   };

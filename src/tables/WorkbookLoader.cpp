@@ -58,6 +58,7 @@ class SheetFiller final : public SheetMessageReader::Sink {
   // Where the next messages go.
   void Fill(standalone::Workbook& workbook) { workbook_ = &workbook; }
   double Fraction() const { return fraction_; }
+  int32_t CutTexts() const { return cut_texts_; }
   // Called with every part of a text.
   std::function<void(std::string_view bytes)> OnText;
 
@@ -84,6 +85,7 @@ class SheetFiller final : public SheetMessageReader::Sink {
     sheet_->AppendRow(cells_);
   }
 
+  void Cut() override { ++cut_texts_; }
   void Progress(double fraction) override { fraction_ = fraction; }
   void Text(std::string_view bytes) override { OnText(bytes); }
 
@@ -92,6 +94,7 @@ class SheetFiller final : public SheetMessageReader::Sink {
   standalone::Workbook* workbook_ = nullptr;
   Ref<standalone::Worksheet> sheet_;
   double fraction_ = 0;
+  int32_t cut_texts_ = 0;
   std::vector<std::string_view> cells_;
   std::list<std::string> repaired_;
 };
@@ -145,6 +148,7 @@ class WorkbookLoader final : public Loader {
     return waits_ && !has_ended_ ? std::optional(process_.ReadEnd()) : std::nullopt;
   }
   double Fraction() const override { return filler_.Fraction(); }
+  int32_t CutTexts() const override { return filler_.CutTexts(); }
   CsvFile* Csv() noexcept override { return csv_ ? &*csv_ : nullptr; }
 
  private:

@@ -24,6 +24,7 @@ class Written final : public SheetSink {
     text += ' ' + std::to_string(row) + ':';
     for (std::size_t i = 0; i < cells.size(); ++i) (text += i == 0 ? "" : "|") += cells[i];
   }
+  void Cut() override { text += " cut"; }
   std::string text;
 };
 
@@ -79,8 +80,8 @@ TEST(WorkbookReader, ReadsOfficeOpenXml) {
   for (const auto& [rows, expected] : kCases) EXPECT_EQ(Xlsx(rows, strings, formats), expected) << rows;
   EXPECT_EQ(Read(Archive(XlsxParts({{"A &amp; B", "<row><c><v>1</v></c></row>"}, {"Zwei", ""}}))),
             "[A & B] 1:1[Zwei]");
-  // A cell holds 32,767 characters.
-  EXPECT_EQ(Xlsx("<row><c t='str'><v>" + std::string(40'000, 'x') + "</v></c></row>").size(), 6 + 32'767u);
+  // A cell holds 32,767 characters, and what is cut off is told.
+  EXPECT_EQ(Xlsx("<row><c t='str'><v>" + std::string(40'000, 'x') + "</v></c></row>").size(), 10 + 32'767u);
   // What stands in other namespaces, or in another place, is something else.
   auto parts = XlsxParts({{"S", "<row><c s='1'><v>0.5</v></c></row>"}}, {}, {"yyyy"});
   const auto insert = [&](std::string_view part, std::string_view before, const std::string& text) {

@@ -136,6 +136,8 @@ class Table(Session):
         terminal.press("F2").wait("─ A1 ─").press("!", "Enter").wait("Two *").press("C-q")
         terminal.wait("Save the changes in w.xml as w.Two.csv?").press("Enter").end()
         self.assertIn("Two!", (self.folder / "w.Two.csv").read_text(encoding="utf-8-sig"))
+        self.file("w.xml", (self.folder / "w.xml").read_text().replace(">Two<", ">" + "x" * 32768 + "<"))
+        self.start("w.xml").wait("│ too long texts cut: 1 │")
 
     def test_tells_its_keys_in_every_language(self):
         self.file("other.csv", "x\n1\n")

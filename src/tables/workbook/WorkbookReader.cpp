@@ -91,7 +91,7 @@ void ReadWorkbook(std::string_view bytes, SheetSink& sink) {
 
 void AppendToCell(std::string& text, std::string_view more) {
   constexpr std::size_t kMaxBytes = 3 * kMaxCellLength;  // at most, of a unit of UTF-16
-  if (text.size() < kMaxBytes) text += more;
+  if (text.size() <= kMaxBytes) text += more;
 }
 
 std::optional<double> CellNumber(std::string_view text) {
@@ -119,7 +119,9 @@ void RowBuilder::Put(std::size_t column, std::string_view text) {
   if (text.empty()) return;
   if (column == 0 || column > CsvFile::kMaxColumns) throw std::runtime_error("More than 16,384 columns");
   if (cells_.size() < column) cells_.resize(column);
-  cells_[column - 1] = CutToCell(text);
+  const auto held = CutToCell(text);
+  if (held.size() < text.size()) sink_.Cut();
+  cells_[column - 1] = held;
 }
 
 void RowBuilder::EndRow(std::size_t times) {

@@ -20,6 +20,8 @@ class SheetSink {
   virtual void Sheet(std::string_view name) = 0;
   // Rows count from 1; texts may hold malformed UTF-8.
   virtual void Row(int32_t row, std::span<const std::string> cells) = 0;
+  // A text of the next row is longer than a cell holds; the rest of it is left out.
+  virtual void Cut() {}
   // How much of all has been read, 0 to 1; now and then.
   virtual void Progress(double) {}
   // What was read is no workbook but a text: its next part, as it stands.
