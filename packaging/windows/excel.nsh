@@ -46,9 +46,9 @@ Function ${UN}Renumber
   System::Free $5
 FunctionEnd
 
-; Takes the add-in off the list in the key $R8. Those behind it move up.
+; Takes the add-ins with $R5 in their names off the list in the key $R8. Those behind them move up.
 Function ${UN}TakeOffList
-  StrCpy $R2 "" ; the next free number, from the add-in's on
+  StrCpy $R2 "" ; the next free number, from the first of them on
   ${For} $R3 0 ${LAST_ENTRY}
     StrCpy $R0 $R3
     Call ${UN}EntryName
@@ -57,7 +57,7 @@ Function ${UN}TakeOffList
       ${Continue}
     ${EndIf}
     ReadRegStr $0 HKCU $R8 $R1
-    System::Call 'shlwapi::StrStrIW(w r0, w "$INSTDIR\${WORKBOOK}") p .r0'
+    System::Call 'shlwapi::StrStrIW(w r0, w R5) p .r0'
     ${If} $0 P<> 0
       DeleteRegValue HKCU $R8 $R1
       ${If} $R2 == ""
@@ -71,12 +71,36 @@ Function ${UN}TakeOffList
   ${Next}
 FunctionEnd
 
-; Takes the add-in out of Excel $R9, which need not be there.
+; Takes the add-ins with $R5 in their names out of Excel $R9, which need not be there.
 Function ${UN}SwitchOffForUser
   StrCpy $R7 "Software\Microsoft\Office\$R9.0\Excel"
   StrCpy $R8 "$R7\Options"
   Call ${UN}TakeOffList
   DeleteRegValue HKCU "$R7\Add-in Manager" "$INSTDIR\${WORKBOOK}"
+FunctionEnd
+
+; Switches the add-in off in every Excel.
+Function ${UN}SwitchOff
+  ${If} $ForEverybody = 0
+    StrCpy $R5 "$INSTDIR\${WORKBOOK}"
+    ${For} $R9 ${FIRST_EXCEL} ${LAST_EXCEL}
+      Call ${UN}SwitchOffForUser
+      ; Where there has never been an Excel the keys are set-up's.
+      DeleteRegKey /ifempty HKCU $R8
+      DeleteRegKey /ifempty HKCU "$R7\Add-in Manager"
+      DeleteRegKey /ifempty HKCU $R7
+      DeleteRegKey /ifempty HKCU "Software\Microsoft\Office\$R9.0"
+    ${Next}
+  ${Else}
+    ${For} $R3 0 ${LAST_ENTRY}
+      EnumRegValue $0 HKLM "${STARTUP_KEY}" $R3
+      ${If} $0 == ""
+        ${Break}
+      ${EndIf}
+      Delete $0
+    ${Next}
+    DeleteRegKey HKLM "${STARTUP_KEY}"
+  ${EndIf}
 FunctionEnd
 
 ; $1 becomes 1 where a copy for everybody is open in an Excel.
@@ -127,10 +151,13 @@ FunctionEnd
   !insertmacro UseMainView
 !macroend
 
-; Switches the add-in on in every Excel; $ExcelFound tells whether there was one.
+; Switches the add-in on in every Excel; $ExcelFound tells whether there was one. A copy that the user has switched on
+; elsewhere goes off the list: Excel opens no two workbooks of one name.
 Function SwitchOn
   StrCpy $ExcelFound 0
+  StrCpy $R5 "${ANY_WORKBOOK}"
   ${For} $R9 ${FIRST_EXCEL} ${LAST_EXCEL}
+    Call SwitchOffForUser
     !insertmacro FindProgramFolder
     ${If} $ForEverybody = 0
       ${If} $0 == ""
@@ -138,7 +165,6 @@ Function SwitchOn
         EnumRegKey $0 HKCU "Software\Microsoft\Office\$R9.0\Excel" 0
       ${EndIf}
       ${If} $0 != ""
-        Call SwitchOffForUser
         ${For} $R3 0 ${LAST_ENTRY}
           StrCpy $R0 $R3
           Call EntryName
@@ -165,27 +191,4 @@ Function SwitchOn
       ${EndIf}
     ${EndIf}
   ${Next}
-FunctionEnd
-
-; Switches the add-in off in every Excel.
-Function un.SwitchOff
-  ${If} $ForEverybody = 0
-    ${For} $R9 ${FIRST_EXCEL} ${LAST_EXCEL}
-      Call un.SwitchOffForUser
-      ; Where there has never been an Excel the keys are set-up's.
-      DeleteRegKey /ifempty HKCU $R8
-      DeleteRegKey /ifempty HKCU "$R7\Add-in Manager"
-      DeleteRegKey /ifempty HKCU $R7
-      DeleteRegKey /ifempty HKCU "Software\Microsoft\Office\$R9.0"
-    ${Next}
-  ${Else}
-    ${For} $R3 0 ${LAST_ENTRY}
-      EnumRegValue $0 HKLM "${STARTUP_KEY}" $R3
-      ${If} $0 == ""
-        ${Break}
-      ${EndIf}
-      Delete $0
-    ${Next}
-    DeleteRegKey HKLM "${STARTUP_KEY}"
-  ${EndIf}
 FunctionEnd

@@ -24,6 +24,7 @@ SetOverwrite try ; what can not be written raises the error flag
 !define PUBLISHER "Vantrel"
 !define WEB_SITE "https://rowlark.example.com"
 !define WORKBOOK "vt_rowlark.xlam"
+!define ANY_WORKBOOK "vt_rowlark.xla" ; what the names of all versions have in common
 !define PRODUCT_KEY "SOFTWARE\Vantrel\Office Addins\Rowlark\1.0"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Vantrel Rowlark"
 !define CLASSES "Software\Classes"
@@ -182,7 +183,8 @@ UninstPage custom un.AskSettings un.SettingsAnswered
     !insertmacro ForEachFile TouchFile
     ${If} $ForEverybody = 1
       Call ${UN}TouchStartUpCopies
-    ${ElseIf} $Replacing <> 1
+    ${EndIf}
+    ${If} $Replacing <> 1
       FindWindow $0 "XLMAIN"
       ${If} $0 <> 0
         StrCpy $1 1
@@ -320,6 +322,39 @@ Function ScopeAnswered
   Call Prepare
 FunctionEnd
 
+; A key goes when nothing is left in it.
+!macro RemoveProductKeys ROOT
+  DeleteRegValue ${ROOT} "${PRODUCT_KEY}" "SetupLanguage"
+  DeleteRegValue ${ROOT} "${PRODUCT_KEY}" "HelpPath"
+  DeleteRegValue ${ROOT} "${PRODUCT_KEY}" "MenuItemID" ; the library's own, where it has the right to write
+  DeleteRegKey /ifempty ${ROOT} "${PRODUCT_KEY}"
+  DeleteRegKey /ifempty ${ROOT} "SOFTWARE\Vantrel\Office Addins\Rowlark"
+  DeleteRegKey /ifempty ${ROOT} "SOFTWARE\Vantrel\Office Addins"
+  DeleteRegKey /ifempty ${ROOT} "SOFTWARE\Vantrel"
+!macroend
+
+; Takes away all that set-up has brought, but for what switches the add-in on.
+!macro RemoveEverything
+  !insertmacro ForEachLibrary UnregisterLibrary
+  !insertmacro UnregisterName
+  ${If} $ForEverybody = 1
+    SetRegView 32
+    !insertmacro RemoveProductKeys SHCTX
+  ${EndIf}
+  !insertmacro UseMainView
+  !insertmacro RemoveProductKeys SHCTX
+  DeleteRegKey SHCTX "${UNINSTALL_KEY}"
+  !insertmacro ForEachFile RemoveFile
+  Delete "$INSTDIR\uninstall.exe"
+  RMDir "$INSTDIR\x64"
+  RMDir "$INSTDIR\x86"
+  RMDir "$INSTDIR"
+  ${If} $ForEverybody = 0
+    RMDir "$LOCALAPPDATA\Programs"
+    DeleteRegKey /ifempty HKCU "Software\Microsoft\Windows\CurrentVersion\Uninstall"
+  ${EndIf}
+!macroend
+
 !macro WriteSettings
   WriteRegStr SHCTX "${PRODUCT_KEY}" "SetupLanguage" "$(LanguageFile)"
   WriteRegStr SHCTX "${PRODUCT_KEY}" "HelpPath" "$INSTDIR\"
@@ -362,9 +397,9 @@ Section "-Rowlark" Rowlark
   !insertmacro UseMainView
   !insertmacro WriteSettings
   ${If} ${Errors}
-    ExecWait '"$INSTDIR\uninstall.exe" /S /Replace _?=$INSTDIR'
-    Delete "$INSTDIR\uninstall.exe"
-    RMDir "$INSTDIR"
+    ; The list of a user still has the older version, which is gone.
+    Call SwitchOff
+    !insertmacro RemoveEverything
     SetErrorLevel ${EXIT_ERROR}
     Abort "$(Failed)"
   ${EndIf}
@@ -435,27 +470,12 @@ Function un.SettingsAnswered
   ${NSD_GetState} $SettingsBox $RemoveSettings
 FunctionEnd
 
-; A key goes when nothing is left in it.
-!macro RemoveProductKeys ROOT
-  DeleteRegValue ${ROOT} "${PRODUCT_KEY}" "SetupLanguage"
-  DeleteRegValue ${ROOT} "${PRODUCT_KEY}" "HelpPath"
-  DeleteRegValue ${ROOT} "${PRODUCT_KEY}" "MenuItemID" ; the library's own, where it has the right to write
-  DeleteRegKey /ifempty ${ROOT} "${PRODUCT_KEY}"
-  DeleteRegKey /ifempty ${ROOT} "SOFTWARE\Vantrel\Office Addins\Rowlark"
-  DeleteRegKey /ifempty ${ROOT} "SOFTWARE\Vantrel\Office Addins"
-  DeleteRegKey /ifempty ${ROOT} "SOFTWARE\Vantrel"
-!macroend
-
 Section "Uninstall"
   !insertmacro WaitUntilFree "un."
   ${If} $ForEverybody = 1
   ${OrIf} $Replacing = 0
     Call un.SwitchOff
   ${EndIf}
-  !insertmacro ForEachLibrary UnregisterLibrary
-  !insertmacro UnregisterName
-  !insertmacro UseMainView
-
   ${If} $RemoveSettings = 1
     SetShellVarContext current
     Delete "$APPDATA\Vantrel\Rowlark\rowlark.cfg*" ; what is kept of a damaged one as well
@@ -464,24 +484,8 @@ Section "Uninstall"
     DeleteRegKey HKCU "${PRODUCT_KEY}"
     !insertmacro EnterScope
   ${EndIf}
-  !insertmacro RemoveProductKeys SHCTX
-  ${If} $ForEverybody = 1
-    SetRegView 32
-    !insertmacro RemoveProductKeys SHCTX
-    !insertmacro UseMainView
-  ${EndIf}
+  !insertmacro RemoveEverything
   ${If} $RemoveSettings = 1
     !insertmacro RemoveProductKeys HKCU
-  ${EndIf}
-
-  DeleteRegKey SHCTX "${UNINSTALL_KEY}"
-  !insertmacro ForEachFile RemoveFile
-  Delete "$INSTDIR\uninstall.exe"
-  RMDir "$INSTDIR\x64"
-  RMDir "$INSTDIR\x86"
-  RMDir "$INSTDIR"
-  ${If} $ForEverybody = 0
-    RMDir "$LOCALAPPDATA\Programs"
-    DeleteRegKey /ifempty HKCU "Software\Microsoft\Windows\CurrentVersion\Uninstall"
   ${EndIf}
 SectionEnd

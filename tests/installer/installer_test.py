@@ -127,8 +127,8 @@ class InstallerTest(unittest.TestCase):
         for version in "1.2.0", "1.10.0":
             contents = cls.folder / version
             stage(contents)
-            if version == "1.2.0":
-                (contents / "dropped.txt").write_text("only in the older version")
+            name = "dropped.txt" if version == "1.2.0" else "added.txt"
+            (contents / name).write_text("only in this version")
             cls.setups[version] = cls.folder / f"rowlark-{version}.exe"
             make = [ROOT / "packaging/windows/make-setup.sh", contents, cls.setups[version], version, TARGET]
             subprocess.run(make, check=True)
@@ -183,18 +183,20 @@ class InstallerTest(unittest.TestCase):
         before = state()
         entry = f'/R "{on_windows(self.own)}\\vt_rowlark.xlam"'
 
-        # What can not be written is no installation, and leaves nothing behind.
-        self.own.mkdir(parents=True)
-        stumbling_block = self.own / "x64"
-        stumbling_block.touch()
+        # What can not be written is no installation, and leaves nothing behind, of an older version either.
+        self.install(version="1.2.0")
+        self.assertTrue((self.own / "dropped.txt").exists())
+        stumbling_block = self.own / "added.txt"
+        stumbling_block.symlink_to("/no/such/folder/file")
         self.install(expect=FAILED)
         self.assertEqual(list(self.own.rglob("*")), [stumbling_block])
-        stumbling_block.unlink()
+        shutil.rmtree(self.own.parent)
+        self.expect_same(state(), before)
 
         self.install("/Language=german", version="1.2.0")
-        self.assertTrue((self.own / "dropped.txt").exists())
         set_value(options, "OPEN3", "later.xlam", "REG_EXPAND_SZ")
-        set_value(options, "OPEN4", "last.xlam")
+        set_value(options, "OPEN4", '/R "D:\\vt_rowlark.xla"')  # switched on by hand
+        set_value(options, "OPEN5", "last.xlam")
         self.install()  # over the older version, in its language
         keys = self.expect_installed("HKCU", self.own)
         others = {name: before[options][name] for name in ("OPEN", "OPEN1")}
@@ -242,9 +244,13 @@ class InstallerTest(unittest.TestCase):
         start_up = DRIVE / "Program Files/Office/XLSTART"
         start_up.mkdir(parents=True, exist_ok=True)
         set_value(r"HKLM\Software\Microsoft\Office\16.0\Excel\InstallRoot", "Path", on_windows(start_up.parent))
+        options = r"HKCU\Software\Microsoft\Office\16.0\Excel\Options"
+        set_value(options, "OPEN", '/R "solver.xlam"')
         before = state()
 
+        set_value(options, "OPEN1", '/R "D:\\vt_rowlark.xlam"')  # switched on by hand
         self.install("/AllUsers", "/Language=french", version="1.2.0")
+        self.assertEqual(registry()[options], {"OPEN": '/R "solver.xlam"'})
         self.install("/Language=polish")  # for everybody again
         keys = self.expect_installed("HKLM", self.common)
         self.assertTrue((start_up / "vt_rowlark.xlam").exists())
