@@ -9,7 +9,8 @@ output=$(realpath "$1")
 cd "$(dirname "$0")/.."
 scripts/setup.sh windows packages
 
-export SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
+SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
+export SOURCE_DATE_EPOCH
 parts=$PWD/build/installer
 stage=$parts/stage
 rm -rf "$parts"

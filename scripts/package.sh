@@ -7,7 +7,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh program windows packages calc
 umask 022
-export LC_ALL=C.UTF-8 TZ=UTC SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
+SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(git log -1 --format=%ct)}
+export LC_ALL=C.UTF-8 TZ=UTC SOURCE_DATE_EPOCH
 
 version=$(scripts/version.sh)
 packages=$PWD/build/packages

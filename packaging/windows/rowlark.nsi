@@ -176,7 +176,7 @@ UninstPage custom un.AskSettings un.SettingsAnswered
   Call ${UN}TouchFile
 !macroend
 
-; Asks until our files are free, and no Excel runs that would write its list of add-ins as it knows it when it ends.
+; Asks until our files are free, and no Excel runs: when it ends it would write its list of add-ins as it knows it.
 !macro WaitUntilFree UN
   ${Do}
     StrCpy $1 0

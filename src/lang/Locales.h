@@ -15,8 +15,8 @@ inline constexpr std::pair<std::string_view, std::u16string_view> kLanguages[] =
 
 // The base name for a locale ("de_AT.UTF-8", "de-AT"); empty where there is no such file.
 constexpr std::u16string_view LanguageOfLocale(std::string_view locale) {
-  const auto* const known =
-      std::ranges::find(kLanguages, locale.substr(0, 2), [](const auto& pair) { return pair.first; });
+  const auto code = locale.substr(0, locale.find_first_of("_-.@"));
+  const auto* const known = std::ranges::find(kLanguages, code, [](const auto& pair) { return pair.first; });
   return known == std::end(kLanguages) ? std::u16string_view() : known->second;
 }
 

@@ -137,6 +137,12 @@ class Help(unittest.TestCase):
             missing = everywhere if command else set()
             self.assertEqual(told[section], {name: text for name, text in real.items() if name not in missing})
 
+        # Other languages say it in their words.
+        for page in (PAGES / "en/command.html", PAGES / "de/command.html"):
+            named = set(re.findall(r"--[a-z-]+", page.read_text("utf-8")))
+            self.assertEqual(named, {option for options in told.values() for term in options for option in
+                                     re.findall(r"--[a-z-]+", term)}, page)
+
     def test_makes_the_same_bytes_again(self):
         files = [file for file in self.again.rglob("*") if file.is_file()]
         self.assertGreater(len(files), 2 * len(NAMES))
