@@ -39,8 +39,7 @@ std::vector<int32_t> ColumnsOf(std::span<const Block> blocks) {
       columns.push_back(column);
   }
   std::ranges::sort(columns);
-  const auto twice = std::ranges::unique(columns);
-  columns.erase(twice.begin(), twice.end());
+  columns.erase(std::unique(columns.begin(), columns.end()), columns.end());
   return columns;
 }
 
