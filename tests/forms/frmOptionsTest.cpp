@@ -55,7 +55,7 @@ TEST(OptionsForm, CapturesHotkeysAndRegistersThemWhenItCloses) {
         {106, kCtrl | kNoShift, u"Ctrl + \\", u"^\\"},
         {107, kAlt | kShift, u"Shift + Alt + {+}", u"+%{+}"},
         {186, kCtrl | kNoShift, u"Ctrl + ", u"+%{+}"},  // a key without a name
-        {27, kNoShift | kNoShift, u"", u"+%{+}"},
+        {27, kNoShift, u"", u"+%{+}"},
         {27, kCtrl | kNoShift, u"Ctrl + {ESCAPE}", u"^{ESCAPE}"},
         {'G', kCtrl | kShift, u"Ctrl + Shift + g", u"^+g"}}) {
     PressKey(*form, key, shift, u'x');
