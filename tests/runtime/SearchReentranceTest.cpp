@@ -6,7 +6,6 @@
 #include <functional>
 
 #include "Session.h"
-#include "host/Forwarding.h"
 
 namespace rowlark {
 namespace {
@@ -163,60 +162,36 @@ TEST(Reentrance, ListenersOfTheEventMaySearch) {
   }
 }
 
-// A host that calls back from inside an operation: the one of that name, or the one of that number.
-class CallingHost final : public host::Forwarding {
- public:
-  CallingHost(std::string_view operation, std::function<void()> call)
-      : operation_(operation), call_(std::move(call)) {}
-  CallingHost(int64_t number, std::function<void()> call) : number_(number), call_(std::move(call)) {}
-  void OnCall(std::string_view operation) override {
-    if ((--number_ == 0 || operation == operation_) && call_) std::exchange(call_, nullptr)();
-  }
-  bool Called() const { return !call_; }
-
- private:
-  std::string_view operation_;
-  int64_t number_ = 0;
-  std::function<void()> call_;
-};
-
+// A host may call back from inside an operation.
 TEST(Reentrance, ACallFromInsideAHostOperationIsRefused) {
-  for (const auto* const operation : {"Range.Find", "Range.FindRows", "RowSearch.Next"}) {
+  for (const std::string_view operation : {"Range.Find", "Range.FindRows", "RowSearch.Next"}) {
     Session session(kTable);
-    if (operation == std::string_view("Range.Find")) session.FindCellByCell();
-    std::u16string error = u"untouched";
-    bool nested = true;
-    CallingHost calling(operation, [&] { nested = session.runtime.Search(u"bob", error); });
-    session.runtime.SetExcelApp(calling.Wrap(session.host));
+    if (operation == "Range.Find") session.FindCellByCell();
+    std::string nested;
+    session.Watch([&](std::string_view called) {
+      if (called == operation && nested.empty()) nested = session.Search(u"bob");
+    });
     EXPECT_EQ(session.Search(u"ann"), "found");
-    EXPECT_FALSE(nested) << operation;
-    EXPECT_EQ(error, u"untouched");
-    session.runtime.SetExcelApp(nullptr);
+    EXPECT_EQ(nested, "untouched") << operation;
   }
 }
 
 TEST(Reentrance, ARowThatIsHiddenMeanwhileDoesNotCount) {
   Session session(kTable);
   session.runtime.SearchOptions->UseFilter = false;
-  CallingHost calling("Range.EntireRow.Hidden", [&] { session.sheet->SetHidden({2, 1, 2, 1}, true); });
-  session.runtime.SetExcelApp(calling.Wrap(Ref<host::Application>(session.application)));
+  session.Watch([&](std::string_view operation) {
+    if (operation == "Range.EntireRow.Hidden") session.sheet->SetHidden({2, 1, 2, 1}, true);
+  });
   EXPECT_EQ(session.Search(u"ann"), "Text not found");
-  session.runtime.SetExcelApp(nullptr);
 }
 
 TEST(Reentrance, ASupersededSearchHidesNothingMore) {
   AtEveryPoint([](Session& session, int64_t point) {
     int hidden = 0;  // blocks, by the first search
     bool asked = false;
-    class Watch final : public host::Forwarding {
-     public:
-      std::function<void(std::string_view)> Hear;
-      void OnCall(std::string_view operation) override { Hear(operation); }
-    } watch;
-    watch.Hear = [&](std::string_view operation) {
+    session.Watch([&](std::string_view operation) {
       hidden += asked && session.events == "T" && operation == "Worksheet.HideRows" ? 1 : 0;
-    };
-    session.runtime.SetExcelApp(watch.Wrap(session.host));
+    });
     Script(session, [&](int64_t pass) {
       if (pass != point) return;
       asked = true;
@@ -230,7 +205,7 @@ TEST(Reentrance, ASupersededSearchHidesNothingMore) {
     if (session.VisibleRows(8) != "1 2 3 4 5 6 7 8") {
       EXPECT_TRUE(session.runtime.Items->RowsIsGrouped);
     }
-    session.runtime.SetExcelApp(nullptr);
+    session.watched.Hear = nullptr;
   });
 }
 
@@ -320,7 +295,11 @@ TEST(Reentrance, TheHostOrTheRuntimeMayGoInsideOfAnOperationOfTheHost) {
       for (int64_t number = 1; called; ++number) {
         Mortal mortal;
         mortal.runtime->Items->DefaultItem->DontSaveChanges = true;
-        CallingHost calling(number, [&] { end(mortal); });
+        int64_t left = number;
+        testing::WatchedHost calling;
+        calling.Hear = [&](std::string_view) {
+          if (--left == 0) end(mortal);
+        };
         mortal.Connect(calling.Wrap(Ref<host::Application>(mortal.host.application)));
         std::u16string error;
         try {
@@ -329,30 +308,17 @@ TEST(Reentrance, TheHostOrTheRuntimeMayGoInsideOfAnOperationOfTheHost) {
         }
         EXPECT_TRUE(mortal.host.application->ScreenUpdating() && mortal.host.application->EnableEvents())
             << number;
-        called = calling.Called();
+        called = left <= 0;
         if (mortal.runtime) mortal.runtime->SetExcelApp(nullptr);
       }
     }
   }
 }
 
-// A host that does not take flags.
-class StubbornHost final : public host::Forwarding {
- public:
-  bool Refuses = false;
-  void OnCall(std::string_view operation) override {
-    if (!operation.ends_with('=') || !operation.starts_with("Application.")) return;
-    if (Refuses) throw host::Error(1004, u"The host is busy");
-  }
-};
-
 TEST(Reentrance, FlagsThatTheHostWouldNotTakeBackAreGivenBackLater) {
   const std::function<void(Session&)> kOccasions[] = {
       [](Session& s) { s.Search(u"ann"); },
-      [](Session& s) {
-        std::u16string error;
-        s.runtime.Unhide(false, error);
-      },
+      [](Session& s) { s.ShowAll(); },
       [](Session& s) { s.runtime.StopSearch(); },
       [](Session& s) { s.runtime.Wait([passes = 0]() mutable { return ++passes < 2; }); },
       [](Session& s) { s.runtime.DoStop(); },
@@ -364,21 +330,23 @@ TEST(Reentrance, FlagsThatTheHostWouldNotTakeBackAreGivenBackLater) {
         SCOPED_TRACE("occasion " + std::to_string(i));
         session.application->SetEnableEvents(user);
         session.application->SetEnableAnimations(!user);
-        StubbornHost stubborn;
-        const auto host = stubborn.Wrap(session.host);
-        session.runtime.SetExcelApp(host);
-        Script(session, [&](int64_t pass) { stubborn.Refuses |= pass == point; });
+        bool refuses = false;
+        session.Watch([&](std::string_view operation) {
+          if (!refuses || !operation.ends_with('=') || !operation.starts_with("Application.")) return;
+          throw host::Error(1004, u"The host is busy");
+        });
+        Script(session, [&](int64_t pass) { refuses |= pass == point; });
         session.Search(u"ann");
         EXPECT_FALSE(session.application->EnableEvents());
         EXPECT_FALSE(session.application->EnableAnimations());
         session.Search(u"ann");  // which does not take them for the user's
         session.pump.OnPass = nullptr;
-        stubborn.Refuses = false;
+        refuses = false;
         kOccasions[i](session);
         EXPECT_TRUE(session.application->ScreenUpdating());
         EXPECT_EQ(session.application->EnableEvents(), user);
         EXPECT_EQ(session.application->EnableAnimations(), !user);
-        session.runtime.SetExcelApp(nullptr);
+        session.watched.Hear = nullptr;
         session.application->SetEnableEvents(true);
         session.application->SetEnableAnimations(true);
       });

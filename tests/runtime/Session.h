@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "FaultyHost.h"
 #include "Library.h"
 #include "Sheet.h"
-#include "host/Forwarding.h"
 #include "runtime/clsVTRLKRuntime.h"
 
 namespace rowlark::testing {
@@ -29,6 +29,7 @@ struct Session : SampleHost, TestLibrary {
     runtime.SearchOptions->UseFilter = true;
     searching = runtime.SearchingEvent().Connect([this](bool& on) { events += on ? 'T' : 'F'; });
   }
+  ~Session() { watched.Hear = nullptr; }
 
   // "found", or the error text.
   std::string Search(std::u16string_view text) {
@@ -37,6 +38,17 @@ struct Session : SampleHost, TestLibrary {
     const auto result = runtime.Search(text, error) ? "found" : ToUtf8(error);
     if (AfterSearch) AfterSearch();
     return result;
+  }
+  // "shown", or the error text.
+  std::string ShowAll() {
+    std::u16string error = u"untouched";
+    const bool shown = runtime.Unhide(false, error);
+    return (shown ? "shown" : "") + ToUtf8(error);
+  }
+  // From now on every operation of the host is told of before it is done.
+  void Watch(std::function<void(std::string_view operation)> hear) {
+    watched.Hear = std::move(hear);
+    runtime.SetExcelApp(watched.Wrap(host));
   }
   // From now on the host finds and hides no rows in bulk.
   void FindCellByCell() {
@@ -56,6 +68,7 @@ struct Session : SampleHost, TestLibrary {
 
   std::function<void()> BeforeSearch, AfterSearch;  // where the runtime searches another host
   CellByCell cell_by_cell;
+  WatchedHost watched;
   Ref<host::Application> host = application;  // as the runtime sees it
   clsVTRLKRuntime runtime;
   std::string events;  // of Searching: T at the start, F at the end

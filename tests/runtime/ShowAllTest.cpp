@@ -2,33 +2,31 @@
 #include <gtest/gtest.h>
 
 #include "Session.h"
-#include "host/Forwarding.h"
 
 namespace rowlark {
 namespace {
 
 using testing::Session;
 
-constexpr const char* kTable = "Name,City|a,x|b,y|c,x|d,y|e,z";
+constexpr const char* kCities = "Name,City|a,x|b,y|c,x|d,y|e,z";
 
 TEST(Unhide, ShowsEveryRowThatNoFilterHides) {
-  Session plain(kTable);
+  Session plain(kCities);
   plain.sheet->Range(u"2:4")->SetEntireRowHidden(true);
-  std::u16string error;
-  EXPECT_TRUE(plain.runtime.Unhide(false, error));
+  EXPECT_EQ(plain.ShowAll(), "shown");
   EXPECT_EQ(plain.VisibleRows(6), "1 2 3 4 5 6");
 
-  Session filtered(kTable);
+  Session filtered(kCities);
   filtered.Filter(u"A1:B6", 2, u"<>z");
   filtered.Filter(u"A1:B6", 1, u"<>a");
   filtered.sheet->Range(u"3:5")->SetEntireRowHidden(true);
-  EXPECT_TRUE(filtered.runtime.Unhide(false, error));
+  EXPECT_EQ(filtered.ShowAll(), "shown");
   EXPECT_EQ(filtered.VisibleRows(6), "1 3 4 5");
 
-  Session idle(kTable);
+  Session idle(kCities);
   idle.sheet->Range(u"A1:B6")->AutoFilter({.Field = 1});
   idle.sheet->Range(u"2:4")->SetEntireRowHidden(true);
-  EXPECT_TRUE(idle.runtime.Unhide(false, error));
+  EXPECT_EQ(idle.ShowAll(), "shown");
   EXPECT_EQ(idle.VisibleRows(6), "1 2 3 4 5 6");
 }
 
@@ -61,8 +59,7 @@ TEST(Unhide, ShowsTheRowsAroundAFilterToo) {
     session.sheet->Range(u"A3:A6")->AutoFilter(c.arguments);
     if (c.hidden) session.sheet->Range(u"1:8")->SetEntireRowHidden(true);
     session.sheet->Protect(c.protection);
-    std::u16string error;
-    EXPECT_EQ(session.runtime.Unhide(false, error), c.done) << c.name;
+    EXPECT_EQ(session.ShowAll() == "shown", c.done) << c.name;
     EXPECT_EQ(session.VisibleRows(8), c.visible) << c.name;
   }
 }
@@ -90,72 +87,48 @@ TEST(Unhide, AppliesEveryKindOfFilterAgain) {
     EXPECT_EQ(session.VisibleRows(6), c.visible) << c.name;
     session.sheet->Range(u"1:6")->SetEntireRowHidden(true);
     session.sheet->Range(u"1:1")->SetEntireRowHidden(false);
-    std::u16string error;
-    EXPECT_TRUE(session.runtime.Unhide(false, error)) << c.name;
+    EXPECT_EQ(session.ShowAll(), "shown") << c.name;
     EXPECT_EQ(session.VisibleRows(6), c.visible) << c.name;
   }
 }
 
 // Lists of values can hold groups of dates, which their criteria do not tell.
 TEST(Unhide, LeavesTheCriteriaOfListsAlone) {
-  class Watch final : public host::Forwarding {
-   public:
-    bool Criteria = false;
-    int32_t Error = 0;  // of ApplyFilter
-    void OnCall(std::string_view operation) override {
-      Criteria |= operation == "Range.AutoFilter";
-      if (operation == "AutoFilter.ApplyFilter" && Error != 0) throw host::Error(Error, u"No");
-    }
-  };
   const struct {
-    int32_t error;
+    int32_t error;  // of ApplyFilter
     bool criteria, done;
   } kCases[] = {{0, false, true}, {438, true, true}, {1004, false, false}};
   for (const auto& c : kCases) {
-    Session session(kTable);
+    Session session(kCities);
     const std::vector<std::u16string> list{u"x"};
     session.sheet->Range(u"A1:B6")->AutoFilter(
         {.Field = 2, .Criteria1 = list, .Operator = host::xlFilterValues});
     session.sheet->Range(u"2:6")->SetEntireRowHidden(true);
-    Watch watch;
-    watch.Error = c.error;
-    session.runtime.SetExcelApp(watch.Wrap(Ref<host::Application>(session.application)));
-    std::u16string error;
-    EXPECT_EQ(session.runtime.Unhide(false, error), c.done) << c.error;
-    EXPECT_EQ(watch.Criteria, c.criteria) << c.error;
+    bool criteria = false;
+    session.Watch([&](std::string_view operation) {
+      criteria |= operation == "Range.AutoFilter";
+      if (operation == "AutoFilter.ApplyFilter" && c.error != 0) throw host::Error(c.error, u"No");
+    });
+    EXPECT_EQ(session.ShowAll() == "shown", c.done) << c.error;
+    EXPECT_EQ(criteria, c.criteria) << c.error;
     EXPECT_EQ(session.VisibleRows(6), c.done ? "1 2 4" : "1") << c.error;
-    session.runtime.SetExcelApp(nullptr);
   }
 }
 
-// A host that has no criteria for a filter, as Excel has none for colours, or does not take them.
-class StubbornHost final : public host::Forwarding {
- public:
-  explicit StubbornHost(std::string_view refused, std::string_view refused_too = "")
-      : refused_(refused), refused_too_(refused_too) {}
-  void OnCall(std::string_view operation) override {
-    if (operation == refused_ || operation == refused_too_) throw host::Error(1004, u"No such thing");
-  }
-
- private:
-  std::string_view refused_, refused_too_;
-};
-
+// A host may have no criteria for a filter, as Excel has none for colours, or not take them.
 TEST(Unhide, AppliesTheFilterAsAWholeWhereItsCriteriaDoNotServe) {
   for (const auto* refused : {"Filter.Criteria1", "Range.AutoFilter"}) {
     for (const auto* refused_too : {"", "AutoFilter.ApplyFilter"}) {
-      Session session(kTable);
+      Session session(kCities);
       session.Filter(u"A1:B6", 2, u"x");
       session.sheet->Range(u"2:6")->SetEntireRowHidden(true);
-      StubbornHost stubborn(refused, refused_too);
-      session.runtime.SetExcelApp(stubborn.Wrap(Ref<host::Application>(session.application)));
-      std::u16string error;
+      session.Watch([&](std::string_view operation) {
+        if (operation == refused || operation == refused_too) throw host::Error(1004, u"No such thing");
+      });
       const bool possible = *refused_too == '\0';
-      EXPECT_EQ(session.runtime.Unhide(false, error), possible);
+      EXPECT_EQ(session.ShowAll(), possible ? "shown" : "Error #397: Can't show/hide rows False");
       EXPECT_EQ(session.VisibleRows(6), possible ? "1 2 4" : "1");
-      EXPECT_EQ(ToUtf8(error), possible ? "" : "Error #397: Can't show/hide rows False");
       EXPECT_TRUE(session.FlagsRestored());
-      session.runtime.SetExcelApp(nullptr);
     }
   }
 }
@@ -177,9 +150,7 @@ TEST(Unhide, GoesWhereTheProfileSays) {
     session.Profile().SetStartCol(c.start_column);
     session.Profile().SelectCol = c.select_column;
     session.runtime.Items->RowsIsGrouped = true;
-    std::u16string error = u"old";
-    EXPECT_TRUE(session.runtime.Unhide(false, error));
-    EXPECT_TRUE(error.empty());
+    EXPECT_EQ(session.ShowAll(), "shown");
     EXPECT_EQ(session.ActiveCell(), c.active_cell);
     EXPECT_FALSE(session.runtime.Items->RowsIsGrouped);
   }
@@ -187,28 +158,24 @@ TEST(Unhide, GoesWhereTheProfileSays) {
 
 TEST(Unhide, MarksTheWorkbookSavedWhereTheProfileSaysSo) {
   for (const bool keep : {false, true}) {
-    Session session(kTable);
+    Session session(kCities);
     session.sheet->Range(u"2:4")->SetEntireRowHidden(true);
     session.Profile().DontSaveChanges = keep;
-    std::u16string error;
-    EXPECT_TRUE(session.runtime.Unhide(false, error));
+    EXPECT_EQ(session.ShowAll(), "shown");
     EXPECT_EQ(session.book->Saved(), keep);
   }
 }
 
 TEST(Unhide, FailsInWords) {
-  Session session(kTable);
-  std::u16string error;
+  Session session(kCities);
   session.sheet->Protect({.contents = true});
-  EXPECT_FALSE(session.runtime.Unhide(false, error));
-  EXPECT_EQ(ToUtf8(error), "Error #397: Can't show/hide rows False");
+  EXPECT_EQ(session.ShowAll(), "Error #397: Can't show/hide rows False");
   EXPECT_TRUE(session.FlagsRestored());
   session.book->AddChartSheet();
-  EXPECT_FALSE(session.runtime.Unhide(false, error));
-  EXPECT_EQ(ToUtf8(error), "Error: Method 'ActiveCell' of object '_Application' failed");
+  EXPECT_EQ(session.ShowAll(), "Error: Method 'ActiveCell' of object '_Application' failed");
   EXPECT_TRUE(session.FlagsRestored());
   session.runtime.SetExcelApp(nullptr);
-  EXPECT_TRUE(session.runtime.Unhide(false, error));
+  EXPECT_EQ(session.ShowAll(), "shown");
 }
 
 }  // namespace
