@@ -7,7 +7,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 
 #include "TempFolder.h"
 #include "host/Error.h"
@@ -27,11 +26,6 @@ InputOptions Within(std::uint64_t memory) {
 
 using namespace std::string_literals;
 using Reason = SaveRefused::Reason;
-
-std::string Read(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 struct Opened : Document {
   explicit Opened(const std::filesystem::path& path, bool load = true)
@@ -112,7 +106,7 @@ TEST(Document, SavesNothingButWhatWasEdited) {
     for (const auto& [cell, text] : edits) document.Set(cell, text);
     EXPECT_EQ(document.IsModified(), before != after) << before;
     EXPECT_TRUE(document.Save({}));
-    EXPECT_EQ(Read(path), after) << before;
+    EXPECT_EQ(ReadBytes(path), after) << before;
     EXPECT_FALSE(document.IsModified());
     // What was saved is what is there, and can be saved again.
     Opened again(path);
@@ -131,25 +125,25 @@ TEST(Document, AsksBeforeItOverwritesOrConverts) {
   EXPECT_EQ(document.Refusal(), Reason::NotEncodable);
   EXPECT_EQ(document.message, path.string() + ": B1: 'ж' is no character of Windows-1252");
   EXPECT_EQ(document.Refusal({.path = folder.Write("other.csv", "x")}), Reason::FileExists);
-  EXPECT_EQ(Read(path), "M\xFCnchen,a\n");
+  EXPECT_EQ(ReadBytes(path), "M\xFCnchen,a\n");
   EXPECT_TRUE(document.IsModified());
   EXPECT_TRUE(document.Save({.as_utf8 = true}));
-  EXPECT_EQ(Read(path), "\xEF\xBB\xBFMünchen,жж\n");
+  EXPECT_EQ(ReadBytes(path), "\xEF\xBB\xBFMünchen,жж\n");
   document.Set(u"B1", u"ж");
   EXPECT_EQ(document.Refusal(), std::nullopt);  // it is UTF-8 by now
-  EXPECT_EQ(Read(path), "\xEF\xBB\xBFMünchen,ж\n");
+  EXPECT_EQ(ReadBytes(path), "\xEF\xBB\xBFMünchen,ж\n");
 
   // Written by another program: what is saved then is made of the cells alone.
   folder.Write("ansi.csv", "x");
   EXPECT_TRUE(document.ChangedOnDisk());
   EXPECT_EQ(document.Refusal(), Reason::FileChanged);
   EXPECT_TRUE(document.Save({.overwrite = true}));
-  EXPECT_EQ(Read(path), "\xEF\xBB\xBFMünchen,ж\n");
+  EXPECT_EQ(ReadBytes(path), "\xEF\xBB\xBFMünchen,ж\n");
   EXPECT_FALSE(document.ChangedOnDisk());
   std::filesystem::remove(path);
   EXPECT_EQ(document.Refusal(), Reason::FileChanged);
   EXPECT_EQ(document.Refusal({.overwrite = true}), std::nullopt);
-  EXPECT_EQ(Read(path), "\xEF\xBB\xBFMünchen,ж\n");
+  EXPECT_EQ(ReadBytes(path), "\xEF\xBB\xBFMünchen,ж\n");
 
   // What would be read as another encoding.
   Opened tricky(folder.Write("tricky.csv", "\xC3\xBC,\xFC\n"));
@@ -161,7 +155,7 @@ TEST(Document, AsksBeforeItOverwritesOrConverts) {
   stopped.Set(u"A1", u"b");
   EXPECT_FALSE(stopped.Save({}, [](double) { return false; }));
   EXPECT_TRUE(stopped.IsModified());
-  EXPECT_EQ(Read(stopped.Path()), "a\n");
+  EXPECT_EQ(ReadBytes(stopped.Path()), "a\n");
 }
 
 // The text in the encoding of that name.
@@ -201,13 +195,13 @@ TEST(Document, SavesWhatIsNoPlainTextBesideIt) {
   folder.Write("t.csv", "a;\"ж\"\r\nb;c");
   run("gzip -k t.csv && bzip2 -k t.csv && xz -k t.csv && zstd -q t.csv && rm t.csv");
   for (const auto* name : {"t.csv.gz", "t.csv.bz2", "t.csv.xz", "t.csv.zst"}) {
-    const auto compressed = Read(folder.Path() / name);
+    const auto compressed = ReadBytes(folder.Path() / name);
     Opened document(folder.Path() / name);
     document.Set(u"A2", u"x");
     EXPECT_EQ(document.SavePath(), folder.Path() / "t.csv");
     EXPECT_TRUE(document.Save({}));
-    EXPECT_EQ(Read(folder.Path() / "t.csv"), "a;\"ж\"\r\nx;c");
-    EXPECT_EQ(Read(folder.Path() / name), compressed);
+    EXPECT_EQ(ReadBytes(folder.Path() / "t.csv"), "a;\"ж\"\r\nx;c");
+    EXPECT_EQ(ReadBytes(folder.Path() / name), compressed);
     EXPECT_TRUE(document.Save({})) << "its own file by now";
     EXPECT_EQ(Opened(folder.Path() / name).Refusal(), Reason::FileExists);
     std::filesystem::remove(folder.Path() / "t.csv");
@@ -243,7 +237,7 @@ TEST(Document, SavesWhatIsNoPlainTextBesideIt) {
   while (!waiting.WaitsFor()) waiting.Step();
   waiting.Stop();
   EXPECT_TRUE(waiting.Save({.path = folder.Path() / "part.csv"}));
-  EXPECT_TRUE(Read(folder.Path() / "part.csv").starts_with("x,b\n"));
+  EXPECT_TRUE(ReadBytes(folder.Path() / "part.csv").starts_with("x,b\n"));
 }
 
 // Another program writes into the file that is open: its records are not those that were read any more, also
@@ -257,10 +251,10 @@ TEST(Document, SavesItsCellsWhereTheFileWasWrittenInto) {
   folder.Write("table.csv", std::string(rows.size() + 1, 'x'));
   document.Set(u"A1", u"first");
   EXPECT_TRUE(document.Save({.overwrite = true}));
-  EXPECT_TRUE(Read(path).starts_with("first,b\r\nsome,text\r\n"));
+  EXPECT_TRUE(ReadBytes(path).starts_with("first,b\r\nsome,text\r\n"));
   document.Set(u"A1", u"second");
   EXPECT_TRUE(document.Save({}));
-  EXPECT_TRUE(Read(path).starts_with("second,b\r\nsome,text\r\n"));
+  EXPECT_TRUE(ReadBytes(path).starts_with("second,b\r\nsome,text\r\n"));
 }
 
 TEST(Document, LoadsInStepsAndCanBeStopped) {
@@ -284,7 +278,7 @@ TEST(Document, LoadsInStepsAndCanBeStopped) {
   auto expected = rows + "\"last\",\xFC";
   expected.replace(expected.find("some text", expected.find("\n2,")), 9, "edited");
   expected.replace(expected.find("some text", expected.find("\n3,")), 9, "\xF6");
-  EXPECT_TRUE(Read(path) == expected);
+  EXPECT_TRUE(ReadBytes(path) == expected);
 
   // Read on, the first rows turn out to have been read in the wrong encoding; edits stay.
   Opened again(folder.Write("late.csv", "\xC3\xBC\nb\n" + rows + "\xFC"), false);
@@ -310,7 +304,7 @@ TEST(Document, OpensWorkbooksAndSavesThemAsCsv) {
   document.Set(u"B1", u"a,b");
   EXPECT_EQ(document.SavePath(), folder.Path() / "book.T_wo.csv");
   EXPECT_TRUE(document.Save({}));
-  EXPECT_EQ(Read(folder.Path() / "book.T_wo.csv"),
+  EXPECT_EQ(ReadBytes(folder.Path() / "book.T_wo.csv"),
             "\xEF\xBB\xBF"
             "2,\"a,b\"\r\n");
   EXPECT_EQ(std::filesystem::status(document.SavePath()).permissions(),
@@ -408,12 +402,12 @@ TEST(Document, UndoesAndRedoesExactly) {
   EXPECT_TRUE(document.Undo() && document.Undo() && !document.Undo());
   EXPECT_FALSE(document.IsModified());
   EXPECT_TRUE(document.Save({}));
-  EXPECT_EQ(Read(path), before);
+  EXPECT_EQ(ReadBytes(path), before);
   EXPECT_TRUE(document.Redo() && document.Redo() && document.IsModified());
   document.Set(u"A1", u"new");  // what was taken back is gone
   EXPECT_FALSE(document.Redo());
   EXPECT_TRUE(document.Save({}));
-  EXPECT_EQ(Read(path), "new,x\r\nc\r\n\r\n\r\n,,,y");
+  EXPECT_EQ(ReadBytes(path), "new,x\r\nc\r\n\r\n\r\n,,,y");
   // Now the saved text is the one without changes.
   EXPECT_TRUE(document.Undo() && document.IsModified());
   EXPECT_TRUE(document.Redo() && !document.IsModified());
@@ -442,13 +436,13 @@ TEST(Document, SavesElsewhereAndStaysThere) {
   EXPECT_TRUE(document.Save({.path = other}));
   EXPECT_FALSE(std::filesystem::exists(before));
   EXPECT_NE(document.KeptIn(), before);
-  EXPECT_TRUE(Read(path) == rows && Read(other) == "x" + rows.substr(1));
+  EXPECT_TRUE(ReadBytes(path) == rows && ReadBytes(other) == "x" + rows.substr(1));
   EXPECT_EQ(document.SavePath(), other);
   // What was read lies in the first file still.
   folder.Write("table.csv", std::string(rows.size() + 1, 'x'));
   document.Set(u"A1", u"y");
   EXPECT_TRUE(document.Save({}));
-  EXPECT_TRUE(Read(other).starts_with("y,b\nsome,text\n"));
+  EXPECT_TRUE(ReadBytes(other).starts_with("y,b\nsome,text\n"));
   folder.Write("other.csv", "");
   EXPECT_EQ(document.Refusal(), Reason::FileChanged);
 }
@@ -460,7 +454,7 @@ TEST(Document, KeepsEditsThatAreNotSaved) {
   const auto unfit = folder.Write("file", "") / "below";
   const auto fit = folder.Path() / "set\\ti\xFFngs" / "rowlark";
   const Folders folders = {unfit, fit};
-  const auto kept = [](const Opened& document) { return ParseRecovery(Read(document.KeptIn())); };
+  const auto kept = [](const Opened& document) { return ParseRecovery(ReadBytes(document.KeptIn())); };
   std::string bytes;
   {
     Opened document(path);
@@ -477,7 +471,7 @@ TEST(Document, KeepsEditsThatAreNotSaved) {
     document.Undo();
     EXPECT_EQ(kept(document).edits.back().text, u"");
     document.Undo();
-    EXPECT_EQ(Read(document.KeptIn()), "");  // nothing is to be kept
+    EXPECT_EQ(ReadBytes(document.KeptIn()), "");  // nothing is to be kept
     document.Redo();
     std::filesystem::remove(document.KeptIn());  // others clean up
     document.Redo();
@@ -492,7 +486,7 @@ TEST(Document, KeepsEditsThatAreNotSaved) {
     second.Set(u"A1", u"second");
     EXPECT_TRUE(second.Save({}));
     folder.Write(name, "a,b\nc,d\n");
-    bytes = Read(document.KeptIn());
+    bytes = ReadBytes(document.KeptIn());
   }
   Opened document(path);
   auto found = document.KeepEdits(folders);
@@ -504,7 +498,7 @@ TEST(Document, KeepsEditsThatAreNotSaved) {
   EXPECT_EQ(document.ActiveSheet().Range(u"A1")->Value(), u"Ω\r\n\xD800");
   EXPECT_EQ(document.Get(u"B2") + document.Get(u"C9"), "new");
   EXPECT_EQ(kept(document).edits.size(), 3u);  // here as well, and there until somebody removes it
-  EXPECT_EQ(Read(found.left[0].file.Path()), bytes);
+  EXPECT_EQ(ReadBytes(found.left[0].file.Path()), bytes);
   EXPECT_EQ(document.Recover({{u"other", 1, 1, u"x"}}), 1u);
   document.Discard();
   EXPECT_EQ(document.KeptIn(), "");
@@ -532,7 +526,7 @@ TEST(Document, KeepsEditsThatAreNotSaved) {
   EXPECT_EQ(kept(book).edits[0].sheet + kept(book).edits[0].text, u"Twotwo");
   book.Workbook()->ActivateSheet(book.Sheets()[1]);
   EXPECT_TRUE(book.Save({}));
-  EXPECT_EQ(Read(book.KeptIn()), "");
+  EXPECT_EQ(ReadBytes(book.KeptIn()), "");
 }
 
 }  // namespace
