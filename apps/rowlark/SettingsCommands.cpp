@@ -59,7 +59,7 @@ void RequireSaved(Program& program) {
 }
 
 // A cell on the sheet: what lies beyond its edges is at them.
-Ref<host::Range> Cell(int32_t row, int32_t column, Program& program) {
+Ref<host::Range> CellAt(int32_t row, int32_t column, Program& program) {
   return program.Host()->ActiveSheet()->Cells(std::min(row, cells::kMaxRow),
                                               std::min(column, cells::kMaxColumn));
 }
@@ -69,9 +69,9 @@ std::string Range(const clsVTRLKItem& item, Program& program) {
   if (item.StartRow() < 1) return "auto";
   const auto& block = item.Block();
   if (!block.IsClosed()) return "partly auto";
-  return ToUtf8(
-      PlainAddress(*program.Host()->ActiveSheet()->Range(*Cell(block.first_row, block.first_column, program),
-                                                         *Cell(block.last_row, block.last_column, program))));
+  return ToUtf8(PlainAddress(
+      *program.Host()->ActiveSheet()->Range(*CellAt(block.first_row, block.first_column, program),
+                                            *CellAt(block.last_row, block.last_column, program))));
 }
 
 std::string SearchedColumns(const clsVTRLKItem& item) {

@@ -83,8 +83,8 @@ std::u16string Tables::Name() const {
 }
 
 bool Tables::Load() {
-  constexpr auto kSlice = std::chrono::milliseconds(8);
-  const auto end = std::chrono::steady_clock::now() + kSlice;
+  constexpr auto kTurn = std::chrono::milliseconds(8);
+  const auto end = std::chrono::steady_clock::now() + kTurn;
   std::vector<int> waiting;
   while (Reloading() && reload_.document->LoadState() == Document::State::Loading) {
     try {

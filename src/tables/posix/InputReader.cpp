@@ -20,7 +20,7 @@ using std::string_view;
 
 constexpr std::size_t kChunk = 1 << 16;
 
-[[noreturn]] void ThrowLastError() {
+[[noreturn]] void ThrowSystemError() {
   throw std::runtime_error(std::error_code(errno, std::generic_category()).message());
 }
 
@@ -28,14 +28,14 @@ Chunks Opened(const std::filesystem::path& path, int descriptor) {
   const auto file = std::make_shared<Descriptor>();
   if (descriptor < 0) {
     file->reset(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
-    if (!*file) ThrowLastError();
+    if (!*file) ThrowSystemError();
     descriptor = **file;
   }
   return [file, descriptor] {
     std::string bytes(kChunk, '\0');
     ssize_t count = -1;
     while ((count = ::read(descriptor, bytes.data(), bytes.size())) < 0) {
-      if (errno != EINTR) ThrowLastError();
+      if (errno != EINTR) ThrowSystemError();
     }
     bytes.resize(static_cast<std::size_t>(count));
     return bytes;

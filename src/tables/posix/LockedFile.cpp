@@ -22,7 +22,7 @@ std::optional<std::size_t> SizeOf(int file, const std::filesystem::path& path) {
   return is_same ? std::optional(static_cast<std::size_t>(own.st_size)) : std::nullopt;
 }
 
-bool WriteAll(int file, std::string_view bytes) {
+bool WriteWhole(int file, std::string_view bytes) {
   while (!bytes.empty()) {
     const auto count = ::write(file, bytes.data(), bytes.size());
     if (count > 0) {
@@ -92,7 +92,7 @@ std::string LockedFile::Read() const {
 
 std::error_code LockedFile::Append(std::string_view bytes) {
   const bool is_first = size_ == 0;
-  if (!WriteAll(*file_, bytes) || ::fsync(*file_) != 0) {
+  if (!WriteWhole(*file_, bytes) || ::fsync(*file_) != 0) {
     const auto failed = LastError();
     // What came of it would stand before what is appended next.
     if (::ftruncate(*file_, static_cast<off_t>(size_)) != 0) return LastError();

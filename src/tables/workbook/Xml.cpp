@@ -45,7 +45,7 @@ void AssignName(std::string& name, std::string_view whole) {
 }
 
 // Code pages of one byte a character, which Expat wants as a table.
-int Encoding(void*, const XML_Char* name, XML_Encoding* encoding) noexcept {
+int UnknownEncoding(void*, const XML_Char* name, XML_Encoding* encoding) noexcept {
   const iconv_t conversion = ::iconv_open("UTF-32LE", name);
   // NOLINTNEXTLINE(performance-no-int-to-ptr): how iconv says that there is none
   if (conversion == reinterpret_cast<iconv_t>(-1)) return XML_STATUS_ERROR;
@@ -74,7 +74,7 @@ struct XmlParser::State {
     XML_SetUserData(parser.get(), this);
     XML_SetElementHandler(parser.get(), Start, End);
     XML_SetCharacterDataHandler(parser.get(), Characters);
-    XML_SetUnknownEncodingHandler(parser.get(), Encoding, nullptr);
+    XML_SetUnknownEncodingHandler(parser.get(), UnknownEncoding, nullptr);
   }
 
   void Parse(std::string_view piece, bool is_last) const {
