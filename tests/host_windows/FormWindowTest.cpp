@@ -84,6 +84,7 @@ bool PumpUntil(const std::function<bool()>& condition) {
 class FormWindows : public ::testing::Test {
  protected:
   FormWindows() {
+    ::SetCursorPos(0, 0);  // an open list selects what it finds under the mouse
     runtime.SetExcelApp(sheet.application);
     runtime.Init();
   }
