@@ -51,7 +51,7 @@ AddIn::AddIn(const Desk::Context& office, const std::u16string& folder, std::fun
     : pump_(office, trace_.get()),
       registry_(host::DefaultRegistryPaths()),
       help_(office, InFolder(folder, "help"), trace_.get()),
-      windows_(office, InFolder(folder, "icons"), std::move(idle), trace_.get()),
+      windows_(office, InFolder(folder, "icons"), std::move(idle), trace_),
       short_cuts_(office),
       application_(MakeRef<calc::Application>(office, trace_.get())),
       shared_(Platform{pump_, registry_, help_, windows_, files_, InFolder(folder, "languages"),
@@ -64,7 +64,7 @@ AddIn::AddIn(const Desk::Context& office, const std::u16string& folder, std::fun
   runtime_.Init();
   evt_lang_ = runtime_.Language().NewLangLoaded().Connect(
       [changed = std::move(captions_changed)](const std::u16string&) { changed(); });
-  application_->StartReadingAhead();
+  Attempt(trace_.get(), [this] { application_->StartReadingAhead(); });
   AssignHotKeys(*application_, HotKeys(*runtime_.Items), trace_.get());
 }
 
@@ -101,10 +101,11 @@ std::u16string AddIn::CaptionOf(Macro macro) {
   return {};
 }
 
+// Each of them ends, whatever becomes of the others.
 void AddIn::Stop() noexcept {
-  runtime_.DoStop();
+  Attempt(trace_.get(), [this] { runtime_.DoStop(); });
   application_->Stop();
-  windows_.Stop(pump_);
+  Attempt(trace_.get(), [this] { windows_.Stop(pump_); });
 }
 
 }  // namespace rowlark::calc

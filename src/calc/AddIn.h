@@ -21,7 +21,7 @@
 namespace rowlark::calc {
 
 class AddIn {
-  const std::unique_ptr<rowlark::Trace> trace_ = OpenTrace();
+  const std::shared_ptr<rowlark::Trace> trace_ = OpenTrace();
   CalcMessagePump pump_;
   host::FileRegistry registry_;
   CalcHelp help_;

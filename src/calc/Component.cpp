@@ -16,8 +16,11 @@
 #include <cppuhelper/weak.hxx>
 #include <rtl/ref.hxx>
 
+#include <algorithm>
 #include <chrono>
+#include <functional>
 #include <future>
+#include <iterator>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -60,31 +63,32 @@ class AddInService final
   // What is left of the add-in when the office goes stays: nothing that it stands on is sure to be there.
   ~AddInService() override { static_cast<void>(add_in_.release()); }
 
-  void Listen(const Reference<css::frame::XStatusListener>& listener, const css::util::URL& url) {
-    {
-      const std::lock_guard lock(mutex_);
-      listeners_.push_back({listener, url});
-    }
-    Later([self = rtl::Reference<AddInService>(this), listener, url] { self->Tell(listener, url); });
-  }
-  void Ignore(const Reference<css::frame::XStatusListener>& listener, const css::util::URL& url) {
-    const std::lock_guard lock(mutex_);
-    std::erase_if(listeners_, [&](const Listener& one) {
-      return one.listener == listener && one.url.Complete == url.Complete;
+  void Listen(const Reference<css::frame::XStatusListener>& listener, const css::util::URL& url) noexcept {
+    Attempt(nullptr, [&] {
+      {
+        const std::lock_guard lock(mutex_);
+        listeners_.push_back({listener, url});
+      }
+      Later([self = rtl::Reference<AddInService>(this), listener, url] { self->Tell(listener, url); });
     });
   }
+  void Ignore(const Reference<css::frame::XStatusListener>& listener, const css::util::URL& url) noexcept {
+    Forget([&](const Listener& one) { return one.listener == listener && one.url.Complete == url.Complete; });
+  }
 
-  void Run(Macro macro) {
-    Later([self = rtl::Reference<AddInService>(this), macro] {
-      if (self->add_in_)
-        self->add_in_->Post([self, macro] {
-          if (self->add_in_) self->add_in_->Run(macro);
-        });
+  void Run(Macro macro) noexcept {
+    Attempt(nullptr, [&] {
+      Later([self = rtl::Reference<AddInService>(this), macro] {
+        if (self->add_in_)
+          self->add_in_->Post([self, macro] {
+            if (self->add_in_) self->add_in_->Run(macro);
+          });
+      });
     });
   }
 
   css::uno::Any SAL_CALL execute(const css::uno::Sequence<css::beans::NamedValue>&) override {
-    Later([] {});
+    Attempt(nullptr, [this] { Later([] {}); });
     return {};
   }
   // What the office does for a URL such as "service:org.rowlark.AddIn?VantrelRLK_ShowSearch".
@@ -98,20 +102,30 @@ class AddInService final
     css::util::URL url;
   };
 
-  // On the main thread, with the add-in.
-  void Later(std::function<void()> work) noexcept {
+  // A listener that goes with that may call back, so nothing is locked then.
+  template <class Condition>
+  void Forget(Condition condition) noexcept {
     Attempt(nullptr, [&] {
-      PostToMainThread(office_, [self = rtl::Reference<AddInService>(this), work = std::move(work)] {
-        self->Begin();
-        work();
-      });
+      std::vector<Listener> gone;
+      const std::lock_guard lock(mutex_);
+      const auto last = std::stable_partition(listeners_.begin(), listeners_.end(), std::not_fn(condition));
+      gone.assign(std::move_iterator(last), std::move_iterator(listeners_.end()));
+      listeners_.erase(last, listeners_.end());
+    });
+  }
+
+  // On the main thread, with the add-in. Throws what the office throws.
+  void Later(std::function<void()> work) {
+    PostToMainThread(office_, [self = rtl::Reference<AddInService>(this), work = std::move(work)] {
+      self->Begin();
+      work();
     });
   }
 
   void Begin() {
     if (add_in_ || ended_) return;
+    if (thread_ == std::thread::id()) css::frame::Desktop::create(office_)->addTerminateListener(this);
     thread_ = std::this_thread::get_id();
-    css::frame::Desktop::create(office_)->addTerminateListener(this);
     add_in_ = std::make_unique<AddIn>(
         office_, Folder(), [this] { EndIfStopped(); }, [this] { TellAll(); });
     TellAll();
@@ -157,7 +171,7 @@ class AddInService final
       ended->get_future().wait_for(std::chrono::seconds(10));
     });
   }
-  void End() {
+  void End() noexcept {
     if (std::exchange(ended_, true) || !add_in_) return;
     {
       const auto working = add_in_->Working();
@@ -166,8 +180,7 @@ class AddInService final
     EndIfStopped();
   }
   void SAL_CALL disposing(const css::lang::EventObject& event) override {
-    const std::lock_guard lock(mutex_);
-    std::erase_if(listeners_, [&](const Listener& one) { return one.listener == event.Source; });
+    Forget([&](const Listener& one) { return one.listener == event.Source; });
   }
 
   void SAL_CALL dispose() override {}

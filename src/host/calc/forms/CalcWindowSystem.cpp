@@ -8,10 +8,12 @@
 #include <com/sun/star/system/SystemShellExecute.hpp>
 #include <com/sun/star/system/SystemShellExecuteFlags.hpp>
 
+#include <algorithm>
 #include <utility>
 
 #include "host/calc/Strings.h"
 #include "host/calc/forms/FormDialog.h"
+#include "util/Scope.h"
 #include "util/Text.h"
 
 namespace rowlark::calc {
@@ -22,11 +24,16 @@ using css::uno::UNO_QUERY_THROW;
 
 // The button pressed, one of MessageBoxResults. The box belongs to the form that is active, or else to the
 // document in front.
-sal_Int16 ShowBox(const Desk& desk, css::awt::MessageBoxType type, sal_Int32 buttons,
-                  std::u16string_view text, std::u16string_view title) {
-  const auto owner = desk.Active != nullptr ? desk.Active->Window() : desk.Owner(0);
+sal_Int16 ShowBox(Desk& desk, css::awt::MessageBoxType type, sal_Int32 buttons, std::u16string_view text,
+                  std::u16string_view title) {
+  const Ref<FormDialog> form(desk.Active);
+  const auto owner = form ? form->Window() : desk.Owner(0);
   const Reference<css::awt::XMessageBoxFactory> factory(desk.Toolkit, UNO_QUERY_THROW);
-  // While a form has the keyboard the box must have it instead.
+  // The toolkit reports no form as left for a box of its own, so keys would still go to the form.
+  desk.Active = nullptr;
+  const ScopeExit back([&]() noexcept {
+    if (std::ranges::find(desk.Windows, form.get()) != desk.Windows.end()) desk.Active = form.get();
+  });
   return factory->createMessageBox(PeerOf(owner), type, buttons, ToOffice(title), ToOffice(text))->execute();
 }
 
@@ -38,8 +45,8 @@ void OpenWithSystem(const Desk::Context& office, const rtl::OUString& uri) {
 }
 
 CalcWindowSystem::CalcWindowSystem(const Desk::Context& office, std::u16string pictures,
-                                   std::function<void()> idle, Trace* trace)
-    : desk_(std::make_shared<Desk>(office, std::move(pictures), std::move(idle), trace)) {}
+                                   std::function<void()> idle, std::shared_ptr<Trace> trace)
+    : desk_(std::make_shared<Desk>(office, std::move(pictures), std::move(idle), std::move(trace))) {}
 
 CalcWindowSystem::~CalcWindowSystem() {
   while (!desk_->Windows.empty()) desk_->Windows.back()->Abandon();

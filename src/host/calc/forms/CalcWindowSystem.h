@@ -17,7 +17,7 @@ class CalcWindowSystem final : public host::WindowSystem {
   // called when the forms' messages under way have all been handled; it throws nothing, and may end the
   // window system.
   CalcWindowSystem(const Desk::Context& office, std::u16string pictures, std::function<void()> idle,
-                   Trace* trace);
+                   std::shared_ptr<Trace> trace);
   CalcWindowSystem(const CalcWindowSystem&) = delete;
   CalcWindowSystem& operator=(const CalcWindowSystem&) = delete;
   // Windows of forms that are still loaded go, and their forms hear nothing of it.

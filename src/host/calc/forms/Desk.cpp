@@ -47,9 +47,10 @@ Reference<css::awt::XWindowPeer> PeerOf(const Desk::Window& window) {
   return Reference<css::awt::XWindowPeer>(window, css::uno::UNO_QUERY);
 }
 
-Desk::Desk(const Context& context, std::u16string pictures, std::function<void()> idle, rowlark::Trace* trace)
-    : Office(context),
-      Trace(trace),
+Desk::Desk(const Context& context, std::u16string pictures, std::function<void()> idle,
+           std::shared_ptr<rowlark::Trace> trace)
+    : trace_(std::move(trace)),
+      Office(context),
       Toolkit(css::awt::Toolkit::create(Office)),
       pictures_(std::move(pictures)),
       idle_(std::move(idle)) {}

@@ -27,18 +27,21 @@ class FormDialog;
 inline constexpr double kTwipsPerMetre = controls::kTwipsPerInch / 0.0254;
 
 class Desk : public std::enable_shared_from_this<Desk> {
+  const std::shared_ptr<rowlark::Trace> trace_;  // what was posted may come when nothing else is left
+
  public:
   using Context = com::sun::star::uno::Reference<com::sun::star::uno::XComponentContext>;
   using Window = com::sun::star::uno::Reference<com::sun::star::awt::XWindow>;
 
   // `pictures` is the folder of the drawings, with those for lists and buttons in "small" below it. `idle` is
   // called when the forms' messages under way have all been handled; it throws nothing.
-  Desk(const Context& context, std::u16string pictures, std::function<void()> idle, rowlark::Trace* trace);
+  Desk(const Context& context, std::u16string pictures, std::function<void()> idle,
+       std::shared_ptr<rowlark::Trace> trace);
   Desk(const Desk&) = delete;
   Desk& operator=(const Desk&) = delete;
 
   const Context Office;
-  rowlark::Trace* const Trace;
+  rowlark::Trace* const Trace = trace_.get();
   const com::sun::star::uno::Reference<com::sun::star::awt::XToolkit2> Toolkit;
   std::vector<FormDialog*> Windows;  // of forms that are loaded
   FormDialog* Active = nullptr;      // the one that is the active window

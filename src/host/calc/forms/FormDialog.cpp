@@ -275,7 +275,12 @@ void FormDialog::ChangeOwner() {
   const auto owner = desk_->Owner(form_->Owner());
   if (owner == owner_) return;
   TakeDown();
-  Build(owner);
+  try {
+    Build(owner);
+  } catch (...) {
+    form_->Unload();  // or nobody would ever see it again, and nobody open another
+    throw;
+  }
   LayOut();
   MoveWindow();
   if (form_->Visible()) Show();
