@@ -8,7 +8,6 @@
 #include <com/sun/star/system/SystemShellExecute.hpp>
 #include <com/sun/star/system/SystemShellExecuteFlags.hpp>
 
-#include <algorithm>
 #include <utility>
 
 #include "host/calc/Strings.h"
@@ -26,14 +25,9 @@ using css::uno::UNO_QUERY_THROW;
 // document in front.
 sal_Int16 ShowBox(Desk& desk, css::awt::MessageBoxType type, sal_Int32 buttons, std::u16string_view text,
                   std::u16string_view title) {
-  const Ref<FormDialog> form(desk.Active);
-  const auto owner = form ? form->Window() : desk.Owner(0);
+  const auto owner = desk.Active != nullptr ? desk.Active->Window() : desk.Owner(0);
   const Reference<css::awt::XMessageBoxFactory> factory(desk.Toolkit, UNO_QUERY_THROW);
-  // The toolkit reports no form as left for a box of its own, so keys would still go to the form.
-  desk.Active = nullptr;
-  const ScopeExit back([&]() noexcept {
-    if (std::ranges::find(desk.Windows, form.get()) != desk.Windows.end()) desk.Active = form.get();
-  });
+  const ScopedCount open(desk.Boxes);
   return factory->createMessageBox(PeerOf(owner), type, buttons, ToOffice(title), ToOffice(text))->execute();
 }
 

@@ -44,7 +44,8 @@ class Desk : public std::enable_shared_from_this<Desk> {
   rowlark::Trace* const Trace = trace_.get();
   const com::sun::star::uno::Reference<com::sun::star::awt::XToolkit2> Toolkit;
   std::vector<FormDialog*> Windows;  // of forms that are loaded
-  FormDialog* Active = nullptr;      // the one that is the active window
+  FormDialog* Active = nullptr;      // the one that is the active window, or has a message box that is
+  int Boxes = 0;                     // message boxes that are open: keys are theirs
   calc::Timers Timers;
 
   bool OnMainThread() const { return std::this_thread::get_id() == thread_; }

@@ -118,7 +118,9 @@ class DialogListener final
     return used;
   }
   // The handlers of all windows are asked for every key.
-  bool IsActive() const { return desk_->OnMainThread() && dialog_ != nullptr && desk_->Active == dialog_; }
+  bool IsActive() const {
+    return desk_->OnMainThread() && dialog_ != nullptr && desk_->Active == dialog_ && desk_->Boxes == 0;
+  }
 
   FormDialog* dialog_;
   const std::shared_ptr<Desk> desk_;
