@@ -316,7 +316,6 @@ void Workbook::HandOver() {
 // once only by way of an empty one: otherwise it tells the desktop's accessibility of each of them, for many
 // seconds.
 void Workbook::HandOverRows(std::span<const Ref<Worksheet>> sheets) {
-  const ScopedFlag acting(acting_);
   model_->lockControllers();
   const ScopeExit unlock([model = model_]() noexcept {
     try {
@@ -330,6 +329,10 @@ void Workbook::HandOverRows(std::span<const Ref<Worksheet>> sheets) {
   const auto supplier = As<XSelectionSupplier>(controller);
   const auto active = view->getActiveSheet();
   const auto before = supplier->getSelection();
+  // Enters a cell that is being edited, as an action of the user's own: hiding rows would make it a part of
+  // ours, to be taken back with it.
+  Execute(".uno:Deselect", {});
+  const ScopedFlag acting(acting_);
   const ScopeExit restore([&]() noexcept {
     try {
       supplier->select(MakeSelection(0, {}));

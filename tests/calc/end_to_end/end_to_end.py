@@ -66,12 +66,15 @@ class Searching(AddIn):
 
     def test_goes_to_the_found_cell(self):
         document = self.open()
+        typed("Key")  # into the first cell, which is still being edited when the search begins
         self.open_search()
         self.search(document, "K10484")
+        self.search(document, "K10485")
         keys("Return")
         self.wait_until_gone("Search - ")
         self.rows_are(document, ALL)
-        wait_until(lambda: self.active_cell(document) == (1, rows_with("K10484")[0]), "another cell is active")
+        wait_until(lambda: self.active_cell(document) == (1, rows_with("K10485")[0]), "another cell is active")
+        self.assertEqual(self.sheet(document).getCellByPosition(0, 0).String, "Key")
 
     def test_keys_are_those_of_the_options(self):
         document = self.open()
