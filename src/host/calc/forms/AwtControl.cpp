@@ -127,7 +127,8 @@ AwtControl* Site::Find(const controls::Control& control) const {
   return found == Controls.end() ? nullptr : found->get();
 }
 
-Reference<css::beans::XPropertySet> Site::Add(std::u16string_view name, std::string_view type, int order) {
+Reference<css::beans::XPropertySet> Site::Add(std::u16string_view name, std::string_view type,
+                                              int order) const {
   const auto service = "com.sun.star.awt.UnoControl" + std::string(type) + "Model";
   const Reference<css::beans::XPropertySet> properties(
       Factory->createInstance(rtl::OUString::createFromAscii(service.c_str())), css::uno::UNO_QUERY_THROW);

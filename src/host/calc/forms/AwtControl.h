@@ -46,7 +46,8 @@ struct Site : std::enable_shared_from_this<Site> {
   AwtControl* Find(const controls::Control& control) const;
   // Makes a control of the office, which stands in the tab order at that place.
   com::sun::star::uno::Reference<com::sun::star::beans::XPropertySet> Add(std::u16string_view name,
-                                                                          std::string_view type, int order);
+                                                                          std::string_view type,
+                                                                          int order) const;
   com::sun::star::uno::Reference<com::sun::star::awt::XControl> ControlOf(std::u16string_view name) const;
   void Dispose() noexcept;
 };

@@ -8,6 +8,7 @@
 #include <com/sun/star/awt/XTextComponent.hpp>
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 #include "controls/Button.h"
@@ -37,6 +38,11 @@ css::uno::Sequence<rtl::OUString> Texts(const std::vector<std::u16string>& texts
   css::uno::Sequence<rtl::OUString> list(static_cast<sal_Int32>(texts.size()));
   std::ranges::transform(texts, list.getArray(), [](const auto& text) { return ToOffice(text); });
   return list;
+}
+
+// Of a colour 0xRRGGBB as people see it, up to 255. Two are told apart from a difference of 125 on.
+int32_t Brightness(sal_Int32 colour) {
+  return ((colour >> 16 & 0xFF) * 299 + (colour >> 8 & 0xFF) * 587 + (colour & 0xFF) * 114) / 1000;
 }
 
 class AwtButton final : public AwtControl {
@@ -159,8 +165,12 @@ class AwtTextBox final : public AwtText {
     const Reference<css::awt::XStyleSettingsSupplier> supplier(control->getPeer(), css::uno::UNO_QUERY);
     if (!supplier.is()) return;
     const auto style = supplier->getStyleSettings();
-    Put("BackgroundColor", style->getHelpColor());
-    Put("TextColor", style->getHelpTextColor());
+    const auto background = style->getHelpColor();
+    const auto text = style->getHelpTextColor();
+    // Some themes draw tool tips with colours that they do not tell.
+    if (std::abs(Brightness(background) - Brightness(text)) < 125) return;
+    Put("BackgroundColor", background);
+    Put("TextColor", text);
   }
 
   void Apply(Property property) override {
