@@ -1,14 +1,9 @@
-// The kinds of controls.
+// Buttons, marks, labels, pictures and frames, and what makes controls of all kinds.
 #include <com/sun/star/awt/ImageAlign.hpp>
 #include <com/sun/star/awt/ImageScaleMode.hpp>
-#include <com/sun/star/awt/Selection.hpp>
 #include <com/sun/star/awt/XButton.hpp>
-#include <com/sun/star/awt/XItemList.hpp>
-#include <com/sun/star/awt/XStyleSettingsSupplier.hpp>
-#include <com/sun/star/awt/XTextComponent.hpp>
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 #include "controls/Button.h"
@@ -23,7 +18,7 @@
 #include "controls/TextBox.h"
 #include "controls/ToolBar.h"
 #include "controls/TreeView.h"
-#include "host/calc/forms/AwtControl.h"
+#include "host/calc/forms/AwtControls.h"
 #include "util/Scope.h"
 
 namespace rowlark::calc {
@@ -33,17 +28,6 @@ using controls::Property;
 using css::uno::Reference;
 
 constexpr sal_Int16 kNoBorder = 0;
-
-css::uno::Sequence<rtl::OUString> Texts(const std::vector<std::u16string>& texts) {
-  css::uno::Sequence<rtl::OUString> list(static_cast<sal_Int32>(texts.size()));
-  std::ranges::transform(texts, list.getArray(), [](const auto& text) { return ToOffice(text); });
-  return list;
-}
-
-// Of a colour 0xRRGGBB as people see it, up to 255. Two are told apart from a difference of 125 on.
-int32_t Brightness(sal_Int32 colour) {
-  return ((colour >> 16 & 0xFF) * 299 + (colour >> 8 & 0xFF) * 587 + (colour & 0xFF) * 114) / 1000;
-}
 
 class AwtButton final : public AwtControl {
  public:
@@ -98,229 +82,6 @@ class AwtMark final : public AwtControl {
   }
 
   Mark& mark_;
-};
-
-// What is edited.
-class AwtText : public AwtControl {
- public:
-  AwtText(controls::TextInput& model, calc::Site& site, std::string_view type)
-      : AwtControl(model, site, type), input_(model) {}
-
-  void Describe() override {
-    AwtControl::Describe();
-    Put("Tabstop", TabStop());
-    Put("ReadOnly", input_.ReadOnly);
-  }
-  void Typed() override {
-    const auto text = As<css::awt::XTextComponent>();
-    input_.UserTyped(ViewOf(text->getText()), text->getSelection().Max);
-  }
-  void Report() override {
-    if (input_.Text().find(u'\r') != std::u16string::npos) return;
-    const auto selection = As<css::awt::XTextComponent>()->getSelection();
-    input_.UserSelected(selection.Min, selection.Max);
-  }
-
- protected:
-  void Apply(Property property) override {
-    if (property == Property::Text) {
-      Put("Text", ToOffice(input_.Text()));
-    } else if (property == Property::Selection) {
-      if (!control_.is()) return;
-      As<css::awt::XTextComponent>()->setSelection({input_.Anchor(), input_.Caret()});
-    } else if (property != Property::Caption) {
-      AwtControl::Apply(property);
-    }
-  }
-
- private:
-  controls::TextInput& input_;
-};
-
-class AwtTextBox final : public AwtText {
- public:
-  AwtTextBox(controls::TextBox& model, calc::Site& site) : AwtText(model, site, "Edit"), box_(model) {}
-
-  void Describe() override {
-    AwtText::Describe();
-    Put("MultiLine", box_.MultiLine);
-    if (box_.MultiLine) Put("AutoVScroll", true);
-  }
-  void Clicked() override {
-    if (box_.CueFor != nullptr) box_.UserClicked();
-  }
-  void FocusMoved() override {
-    if (box_.CueFor != nullptr) Update(Property::Visible);
-  }
-
- private:
-  // What stands for another box lies above it.
-  int Order() const override {
-    return box_.CueFor != nullptr ? 2 * box_.CueFor->TabIndex + 1 : AwtText::Order();
-  }
-
-  void Attached(const Reference<css::awt::XControl>& control) override {
-    AwtText::Attached(control);
-    if (!box_.Alert) return;
-    const Reference<css::awt::XStyleSettingsSupplier> supplier(control->getPeer(), css::uno::UNO_QUERY);
-    if (!supplier.is()) return;
-    const auto style = supplier->getStyleSettings();
-    const auto background = style->getHelpColor();
-    const auto text = style->getHelpTextColor();
-    // Some themes draw tool tips with colours that they do not tell.
-    if (std::abs(Brightness(background) - Brightness(text)) < 125) return;
-    Put("BackgroundColor", background);
-    Put("TextColor", text);
-  }
-
-  void Apply(Property property) override {
-    if (property == Property::Visible && box_.CueFor != nullptr) {
-      const AwtControl* field = site_.Find(*box_.CueFor);
-      Put("EnableVisible", box_.Shown() && (field == nullptr || site_.Focused != field));
-    } else {
-      AwtText::Apply(property);
-    }
-  }
-
-  controls::TextBox& box_;
-};
-
-class AwtComboBox final : public AwtText {
- public:
-  AwtComboBox(controls::ComboBox& model, calc::Site& site) : AwtText(model, site, "ComboBox"), box_(model) {}
-
-  void Describe() override {
-    AwtText::Describe();
-    Put("Dropdown", true);
-    Put("Autocomplete", false);
-    Put("LineCount", sal_Int16{12});
-  }
-  void Picked(int32_t index) override { box_.UserPicked(index); }
-  bool TakesKey(int32_t key) const override { return IsForOpenList(key); }
-  bool UseKey(int32_t key, int32_t shift) override {
-    if (shift != controls::kNoShift || (key != controls::kKeyDown && key != controls::kKeyUp)) return false;
-    box_.UserPicked(box_.ListIndex() + (key == controls::kKeyDown ? 1 : -1));
-    return true;
-  }
-
- private:
-  void FillList() override {
-    std::vector<std::u16string> entries;
-    entries.reserve(static_cast<std::size_t>(box_.ListCount()));
-    for (int32_t i = 0; i < box_.ListCount(); ++i) entries.push_back(box_.List(i));
-    Put("StringItemList", Texts(entries));
-    Apply(Property::Text);
-    Apply(Property::Selection);
-  }
-
-  controls::ComboBox& box_;
-};
-
-// One entry of several is selected.
-class AwtListBox : public AwtControl {
- public:
-  AwtListBox(controls::Control& model, calc::Site& site) : AwtControl(model, site, "ListBox") {}
-
-  void Describe() override {
-    AwtControl::Describe();
-    Put("Tabstop", TabStop());
-    Put("MultiSelection", false);
-  }
-
- protected:
-  struct Entry {
-    std::u16string_view text;
-    std::u16string_view picture;
-  };
-  void Fill(const std::vector<Entry>& entries) {
-    const Reference<css::awt::XItemList> list(properties_, css::uno::UNO_QUERY_THROW);
-    // Entries that stay the same stay where they are: the list may be open.
-    while (list->getItemCount() > static_cast<sal_Int32>(entries.size())) {
-      list->removeItem(list->getItemCount() - 1);
-    }
-    sal_Int32 position = 0;
-    for (const auto& [text, picture] : entries) {
-      const auto label = ToOffice(text);
-      if (position == list->getItemCount()) {
-        list->insertItem(position, label, site_.Desk->Picture(picture, true));
-      } else if (list->getItemText(position) != label) {
-        list->setItemText(position, label);
-      }
-      ++position;
-    }
-    Apply(Property::ListIndex);
-  }
-  virtual int32_t Selected() const = 0;
-
-  void Apply(Property property) override {
-    if (property == Property::ListIndex) {
-      css::uno::Sequence<sal_Int16> selected(Selected() < 0 ? 0 : 1);
-      if (Selected() >= 0) selected.getArray()[0] = static_cast<sal_Int16>(Selected());
-      Put("SelectedItems", selected);
-    } else if (property != Property::Caption) {
-      AwtControl::Apply(property);
-    }
-  }
-};
-
-class AwtDropDownList final : public AwtListBox {
- public:
-  AwtDropDownList(controls::ComboBox& model, calc::Site& site) : AwtListBox(model, site), box_(model) {}
-
-  void Describe() override {
-    AwtListBox::Describe();
-    Put("Dropdown", true);
-    Put("LineCount", sal_Int16{12});
-  }
-  void Picked(int32_t index) override { box_.UserPicked(index); }
-  bool TakesKey(int32_t key) const override { return IsForOpenList(key); }
-
- private:
-  int32_t Selected() const override { return box_.ListIndex(); }
-  void FillList() override {
-    std::vector<Entry> entries;
-    entries.reserve(static_cast<std::size_t>(box_.ListCount()));
-    for (int32_t i = 0; i < box_.ListCount(); ++i) entries.push_back({box_.List(i), {}});
-    Fill(entries);
-  }
-
-  controls::ComboBox& box_;
-};
-
-class AwtListView final : public AwtListBox {
- public:
-  AwtListView(controls::ListView& model, calc::Site& site) : AwtListBox(model, site), list_(model) {}
-
-  void Picked(int32_t index) override { list_.UserPicked(index); }
-
- private:
-  int32_t Selected() const override { return list_.Selected(); }
-  void FillList() override {
-    std::vector<Entry> entries;
-    entries.reserve(list_.Items().size());
-    for (const auto& item : list_.Items()) entries.push_back({item.text, item.small_icon});
-    Fill(entries);
-  }
-
-  controls::ListView& list_;
-};
-
-class AwtTreeView final : public AwtListBox {
- public:
-  AwtTreeView(controls::TreeView& model, calc::Site& site) : AwtListBox(model, site), tree_(model) {}
-
-  void Picked(int32_t index) override { tree_.UserPicked(index); }
-
- private:
-  int32_t Selected() const override { return tree_.Selected(); }
-  void FillList() override {
-    std::vector<Entry> entries;
-    entries.reserve(tree_.Nodes().size());
-    for (const auto& node : tree_.Nodes()) entries.push_back({node.text, node.key});
-    Fill(entries);
-  }
-
-  controls::TreeView& tree_;
 };
 
 class AwtFrame final : public AwtControl {
@@ -452,19 +213,18 @@ class AwtFactory final : public controls::Visitor {
   void Visit(controls::Button& button) override { Make<AwtButton>(button); }
   void Visit(controls::CheckBox& box) override { Make<AwtMark<controls::CheckBox>>(box, "CheckBox"); }
   void Visit(controls::ComboBox& box) override {
-    if (box.DropDownList) return Make<AwtDropDownList>(box);
-    Make<AwtComboBox>(box);
+    Made = box.DropDownList ? MakeDropDownList(box, site_) : MakeComboBox(box, site_);
   }
   void Visit(controls::Frame& frame) override { Make<AwtFrame>(frame); }
   void Visit(controls::Image& image) override { Make<AwtImage>(image); }
   void Visit(controls::Label& label) override { Make<AwtLabel>(label); }
-  void Visit(controls::ListView& list) override { Make<AwtListView>(list); }
+  void Visit(controls::ListView& list) override { Made = MakeListView(list, site_); }
   void Visit(controls::OptionButton& button) override {
     Make<AwtMark<controls::OptionButton>>(button, "RadioButton");
   }
-  void Visit(controls::TextBox& box) override { Make<AwtTextBox>(box); }
+  void Visit(controls::TextBox& box) override { Made = MakeTextBox(box, site_); }
   void Visit(controls::ToolBar& bar) override { Make<AwtToolBar>(bar); }
-  void Visit(controls::TreeView& tree) override { Make<AwtTreeView>(tree); }
+  void Visit(controls::TreeView& tree) override { Made = MakeTreeView(tree, site_); }
 
  private:
   template <class Awt, class Model, class... Args>

@@ -2,22 +2,18 @@
 
 #include <com/sun/star/awt/PosSize.hpp>
 #include <com/sun/star/awt/XDevice.hpp>
-#include <com/sun/star/awt/XKeyHandler.hpp>
 #include <com/sun/star/awt/XLayoutConstrains.hpp>
-#include <com/sun/star/awt/XMouseListener.hpp>
 #include <com/sun/star/awt/XTopWindow.hpp>
-#include <com/sun/star/awt/XTopWindowListener.hpp>
 #include <com/sun/star/awt/XUnitConversion.hpp>
 #include <com/sun/star/awt/XWindow2.hpp>
-#include <com/sun/star/awt/XWindowListener.hpp>
 #include <com/sun/star/util/MeasureUnit.hpp>
-#include <cppuhelper/implbase4.hxx>
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "controls/Button.h"
+#include "host/calc/forms/DialogListener.h"
 #include "host/calc/forms/Keys.h"
 #include "util/Scope.h"
 
@@ -35,97 +31,6 @@ constexpr std::u16string_view kRuler = u"ruler";
 rtl::OUString Name(const char* ascii) { return rtl::OUString::createFromAscii(ascii); }
 
 }  // namespace
-
-// What the toolkit reports of a window of a form, and keys before any window sees them.
-class DialogListener final
-    : public cppu::WeakImplHelper4<css::awt::XTopWindowListener, css::awt::XWindowListener,
-                                   css::awt::XMouseListener, css::awt::XKeyHandler> {
- public:
-  DialogListener(FormDialog& dialog, std::shared_ptr<Desk> desk) : dialog_(&dialog), desk_(std::move(desk)) {}
-
-  void ListenTo(const Reference<css::awt::XControl>& control, const Desk::Window& owner) {
-    const Desk::Window window(control, UNO_QUERY_THROW);
-    owner_ = owner;
-    window->addWindowListener(this);
-    window->addMouseListener(this);
-    Reference<css::awt::XTopWindow>(control, UNO_QUERY_THROW)->addTopWindowListener(this);
-    if (owner.is()) owner->addEventListener(static_cast<css::awt::XWindowListener*>(this));
-    desk_->Toolkit->addKeyHandler(this);
-  }
-  void Abandon() noexcept {
-    if (std::exchange(dialog_, nullptr) == nullptr) return;
-    Attempt(desk_->Trace, [this] { desk_->Toolkit->removeKeyHandler(this); });
-    Attempt(desk_->Trace, [this] {
-      const auto owner = std::exchange(owner_, {});
-      if (owner.is()) owner->removeEventListener(static_cast<css::awt::XWindowListener*>(this));
-    });
-  }
-
- private:
-  template <class Action>
-  void Do(Action action) noexcept {
-    if (!desk_->OnMainThread()) {
-      return desk_->Post([self = rtl::Reference<DialogListener>(this), action] { self->Do(action); });
-    }
-    const Ref<FormDialog> dialog(dialog_);
-    if (!dialog) return;
-    const Ref<controls::Form> form(dialog->Form());
-    if (!form) return;
-    const Desk::Visit under_way(desk_);
-    Attempt(desk_->Trace, [&] { action(*dialog); });
-  }
-
-  void SAL_CALL disposing(const css::lang::EventObject& event) override {
-    if (event.Source == owner_) Do([](FormDialog& dialog) { dialog.OwnerGone(); });
-  }
-  void SAL_CALL windowOpened(const css::lang::EventObject&) override {}
-  void SAL_CALL windowClosing(const css::lang::EventObject&) override {
-    Do([](FormDialog& dialog) { dialog.Closing(); });
-  }
-  void SAL_CALL windowClosed(const css::lang::EventObject&) override {}
-  void SAL_CALL windowMinimized(const css::lang::EventObject&) override {}
-  void SAL_CALL windowNormalized(const css::lang::EventObject&) override {}
-  void SAL_CALL windowActivated(const css::lang::EventObject&) override {
-    Do([](FormDialog& dialog) { dialog.Activated(true); });
-  }
-  void SAL_CALL windowDeactivated(const css::lang::EventObject&) override {
-    Do([](FormDialog& dialog) { dialog.Activated(false); });
-  }
-  void SAL_CALL windowResized(const css::awt::WindowEvent&) override {
-    Do([](FormDialog& dialog) { dialog.Resized(); });
-  }
-  void SAL_CALL windowMoved(const css::awt::WindowEvent&) override {
-    Do([](FormDialog& dialog) { dialog.Moved(); });
-  }
-  void SAL_CALL windowShown(const css::lang::EventObject&) override {}
-  void SAL_CALL windowHidden(const css::lang::EventObject&) override {}
-  void SAL_CALL mousePressed(const css::awt::MouseEvent&) override {}
-  void SAL_CALL mouseReleased(const css::awt::MouseEvent&) override {
-    Do([](FormDialog& dialog) { dialog.Clicked(); });
-  }
-  void SAL_CALL mouseEntered(const css::awt::MouseEvent&) override {}
-  void SAL_CALL mouseExited(const css::awt::MouseEvent&) override {}
-  sal_Bool SAL_CALL keyPressed(const css::awt::KeyEvent& event) override {
-    if (!IsActive()) return false;
-    bool used = true;  // an error is no reason to let the office take it for its own
-    Do([&](FormDialog& dialog) { used = dialog.KeyPressed(event.KeyCode, event.Modifiers, event.KeyChar); });
-    return used;
-  }
-  sal_Bool SAL_CALL keyReleased(const css::awt::KeyEvent& event) override {
-    if (!IsActive()) return false;
-    bool used = true;
-    Do([&](FormDialog& dialog) { used = dialog.KeyReleased(event.KeyCode, event.Modifiers); });
-    return used;
-  }
-  // The handlers of all windows are asked for every key.
-  bool IsActive() const {
-    return desk_->OnMainThread() && dialog_ != nullptr && desk_->Active == dialog_ && desk_->Boxes == 0;
-  }
-
-  FormDialog* dialog_;
-  const std::shared_ptr<Desk> desk_;
-  Desk::Window owner_;
-};
 
 FormDialog::FormDialog(controls::Form& form, std::shared_ptr<Desk> desk)
     : desk_(std::move(desk)), form_(&form) {}
@@ -243,26 +148,17 @@ void FormDialog::Show(controls::Control& control, Property property) {
 void FormDialog::ChangedForm(Property property) {
   switch (property) {
     case Property::Caption:
-      SetTitle();
-      break;
+      return SetTitle();
     case Property::Visible:
-      if (form_->Visible()) {
-        Show();
-      } else {
-        Hide();
-      }
-      break;
+      return form_->Visible() ? Show() : Hide();
     case Property::Layout:
-      LayOut();
-      break;
+      return LayOut();
     case Property::Position:
-      MoveWindow();
-      break;
+      return MoveWindow();
     case Property::Owner:
-      ChangeOwner();
-      break;
+      return ChangeOwner();
     default:  // topmost: it lies above the window that owns it
-      break;
+      return;
   }
 }
 
