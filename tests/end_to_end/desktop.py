@@ -4,8 +4,10 @@ import pathlib
 import shutil
 import subprocess
 import sys
-import time
 import unittest
+
+import screen
+from screen import Failure, xdotool
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 BUILD = pathlib.Path(sys.argv.pop(1))  # with the programs for 64-bit Windows
@@ -21,15 +23,6 @@ def wine(*arguments):
 
 def windows_path(path):
     return "Z:" + str(path)
-
-
-def xdotool(*arguments):
-    # Without --sync for the mouse: it waits for a long time where the mouse is in its place already.
-    return subprocess.run(["xdotool", *map(str, arguments)], check=True, capture_output=True, text=True).stdout
-
-
-class Failure(Exception):
-    """What the probe answers to a request that can not be met."""
 
 
 class Window:
@@ -79,18 +72,8 @@ class Probe:
 
 
 def wait_until(condition, what):
-    """The first true value that `condition` gives; it may raise Failure meanwhile."""
-    end = time.monotonic() + DEADLINE
-    while True:
-        problem = ""
-        try:
-            if value := condition():
-                return value
-        except Failure as failure:
-            problem = f" ({failure})"
-        if time.monotonic() > end:
-            raise AssertionError(what() if callable(what) else what + problem)
-        time.sleep(0.02)
+    """The first true value that `condition` gives; the probe may refuse meanwhile."""
+    return screen.wait_until(condition, what, DEADLINE, Failure)
 
 
 class WorkbenchTest(unittest.TestCase):
@@ -127,18 +110,13 @@ class WorkbenchTest(unittest.TestCase):
         if self.workbench is None:
             return
         workbench, self.workbench = self.workbench, None
-        result = self._outcome.result
-        failed = any(test is self for test, _ in result.errors + result.failures)
-        if failed:
-            subprocess.run(["import", "-window", "root", BUILD / f"end_to_end-{self._testMethodName}.png"])
-        try:
+
+        def end():
             self.activate()
             self.keys("alt+F4")
             workbench.wait(DEADLINE)
-        except Exception:
-            workbench.kill()
-            if not failed:
-                raise
+
+        screen.end_program(self, BUILD, end, workbench.kill)
 
     # What the user does.
     def keys(self, *keys):

@@ -8,23 +8,22 @@ import signal
 import subprocess
 import sys
 import tempfile
-import time
+import threading
 import unittest
 
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[2] / "end_to_end"))
 sys.path.append("/usr/lib/python3/dist-packages")
+import screen  # noqa: E402
 import uno  # noqa: E402
 from com.sun.star.accessibility import AccessibleRole, AccessibleStateType  # noqa: E402
 from com.sun.star.beans import PropertyValue  # noqa: E402
+from screen import Failure, xdotool  # noqa: E402
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 BUILD = pathlib.Path(sys.argv.pop(1)).resolve()  # of the preset calc
 CUSTOMERS = ROOT / "examples" / "customers.csv"
 CSV = "Text - txt - csv (StarCalc)"
 DEADLINE = 30  # seconds that a state may take to come about on a busy machine
-
-
-def xdotool(*arguments):
-    return subprocess.run(["xdotool", *map(str, arguments)], check=True, capture_output=True, text=True).stdout
 
 
 def keys(*names):
@@ -39,23 +38,10 @@ def option(name, value):
     return PropertyValue(name, 0, value, uno.Enum("com.sun.star.beans.PropertyState", "DIRECT_VALUE"))
 
 
-class Failure(Exception):
-    """What is asked for is not there."""
-
-
 def wait_until(condition, what):
-    """The first true value that `condition` gives. What is looked at may go meanwhile."""
-    end = time.monotonic() + DEADLINE
-    while True:
-        problem = ""
-        try:
-            if value := condition():
-                return value
-        except Exception as failure:  # of UNO, whose exceptions have no common base
-            problem = f" ({type(failure).__name__}: {failure})"
-        if time.monotonic() > end:
-            raise AssertionError((what() if callable(what) else what) + problem)
-        time.sleep(0.05)
+    """The first true value that `condition` gives. What is looked at may go meanwhile; UNO's exceptions for that have no
+    base in common."""
+    return screen.wait_until(condition, what, DEADLINE, Exception)
 
 
 class Element:
@@ -111,13 +97,26 @@ class Element:
 
 
 class CalcTest(unittest.TestCase):
-    """Each test has an office of its own, on a new profile."""
+    """Each test has an office of its own, on a copy of a profile that has been used once: an office takes seconds to make
+    a new one."""
+
+    profile = None
 
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.folder, True)
         self.process = None
         self.addCleanup(self.stop)
+        if CalcTest.profile is None:
+            self.start()
+            self.open()
+            self.stop()
+            CalcTest.profile = tempfile.mkdtemp()
+            unittest.addModuleCleanup(shutil.rmtree, CalcTest.profile)
+            shutil.copytree(self.folder / "profile", CalcTest.profile, dirs_exist_ok=True)
+            shutil.rmtree(self.folder / "config", True)
+        else:
+            shutil.copytree(CalcTest.profile, self.folder / "profile")
         self.start()
 
     def start(self):
@@ -149,17 +148,15 @@ class CalcTest(unittest.TestCase):
         if self.process is None:
             return
         process, self.process = self.process, None
-        result = self._outcome.result
-        failed = any(test is self for test, _ in result.errors + result.failures)
-        if failed:
-            subprocess.run(["import", "-window", "root", BUILD / f"end_to_end-{self._testMethodName}.png"])
-        try:
-            self.terminate(process)
-        except Exception:
+
+        def kill():
             os.killpg(process.pid, signal.SIGKILL)
             process.wait()
-            if not failed:
-                raise
+
+        hangs = threading.Timer(2 * DEADLINE, kill)  # in a question, for one
+        hangs.start()
+        screen.end_program(self, BUILD, lambda: self.terminate(process), kill)
+        hangs.cancel()
 
     def terminate(self, process):
         components = self.desktop.Components.createEnumeration()
