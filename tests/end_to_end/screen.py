@@ -6,7 +6,8 @@ import time
 
 def xdotool(*arguments):
     # Without --sync for the mouse: it waits for a long time where the mouse is in its place already.
-    return subprocess.run(["xdotool", *map(str, arguments)], check=True, capture_output=True, text=True).stdout
+    command = ["xdotool", *map(str, arguments)]
+    return subprocess.run(command, check=True, capture_output=True, text=True, timeout=60).stdout
 
 
 class Failure(Exception):

@@ -180,9 +180,14 @@ class CalcTest(unittest.TestCase):
 
     def activate(self, document):
         title = document.Title + " — LibreOffice Calc|" + document.Title + " - LibreOffice Calc"
-        window = wait_until(lambda: xdotool("search", "--onlyvisible", "--name", title).split()[-1], "there is no window")
-        xdotool("windowactivate", "--sync", window)
-        wait_until(lambda: self.desktop.getCurrentComponent().Title == document.Title, f"{title} is not in front")
+
+        def in_front():
+            window = xdotool("search", "--onlyvisible", "--name", title).split()[-1]
+            xdotool("windowactivate", window)
+            return (xdotool("getactivewindow").strip() == window
+                    and self.desktop.getCurrentComponent().Title == document.Title)
+
+        wait_until(in_front, f"{title} is not in front")
 
     @staticmethod
     def sheet(document):
