@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
 #include <clocale>
 #include <cstdint>
@@ -136,7 +135,7 @@ std::string Base64(std::string_view bytes) {
 const char* Capability(const char* name) {
   const char* text = tigetstr(name);
   // For a name that it does not know the library returns -1.
-  return std::bit_cast<std::intptr_t>(text) == -1 ? nullptr : text;
+  return reinterpret_cast<std::intptr_t>(text) == -1 ? nullptr : text;
 }
 
 }  // namespace
