@@ -20,27 +20,16 @@ TEST(ExcelSearch, LeavesTheMatchingRowsVisible) {
       [](Session& session) { session.runtime.SetExcelApp(Excel(session.application).application); });
 }
 
-class RefusedCall final : public testing::Saboteur {
- public:
-  RefusedCall(Session& session, HRESULT result, int64_t call, bool persistent)
-      : excel_(session.application), call_(call) {
-    session.runtime.SetExcelApp(excel_.application);
-    excel_.StartCounting();
-    excel_.Refuse(persistent ? -1 : 1, result, static_cast<int32_t>(call) - 1);
-  }
-  std::string Failed() const override { return excel_.CallCount() >= call_ ? "refused" : ""; }
-  void Relent() override { excel_.Refuse(0, S_OK); }
-
- private:
-  mutable Excel excel_;
-  int64_t call_;
-};
-
 TEST(ExcelSearch, EndsInOrderWhicheverInvokeFails) {
   for (const HRESULT result : {RPC_E_CALL_REJECTED, kVbaIgnore, DISP_E_EXCEPTION, DISP_E_MEMBERNOTFOUND}) {
     SCOPED_TRACE(result);
-    const testing::Sabotage refuse = [result](Session& session, int64_t call, bool persistent) {
-      return std::make_unique<RefusedCall>(session, result, call, persistent);
+    const auto refuse = [result](Session& session, int64_t call, bool persistent) {
+      const auto excel = std::make_shared<Excel>(session.application);
+      session.runtime.SetExcelApp(excel->application);
+      excel->StartCounting();
+      excel->Refuse(persistent ? -1 : 1, result, static_cast<int32_t>(call) - 1);
+      return testing::Saboteur{[=] { return excel->CallCount() >= call ? "refused" : ""; },
+                               [=] { excel->Refuse(0, S_OK); }};
     };
     testing::ExpectSearchesToEndInOrder(refuse);
     testing::ExpectShowAllToEndInOrder(refuse);
@@ -135,11 +124,12 @@ TEST(ExcelSearch, CallsTheHostNoMoreThanItNeeds) {
   EXPECT_EQ(Sum(excel.Calls()), 15) << "to show all rows";
 }
 
-TEST(ExcelSearch, TellsThatTheHostIsBusyAtOnce) {
+TEST(ExcelSearch, TellsAtOnceThatTheHostIsBusyOrHasGone) {
   Session session("Name|ann");
   Excel excel(session.application);
   session.runtime.SetExcelApp(excel.application);
-  for (const HRESULT result : {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER, kVbaIgnore}) {
+  for (const HRESULT result :
+       {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER, kVbaIgnore, RPC_E_DISCONNECTED}) {
     excel.StartCounting();
     excel.Refuse(-1, result);
     EXPECT_TRUE(session.Search(u"ann").starts_with("Error: ")) << result;

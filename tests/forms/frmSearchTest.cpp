@@ -291,10 +291,7 @@ TEST(SearchForm, CaptionTellsWhatIsSearched) {
   };
   EXPECT_EQ(caption(), "Search - [entire sheet]");
   const auto item = desk.runtime->Items->DefaultItem->Clone(u"C:\\Data\\Book1.xls");
-  item->SetStartRow(2);
-  item->SetStartCol(1);
-  item->SetEndRow(9);
-  item->SetEndCol(2);
+  item->SetBlock({2, 1, 9, 2});
   desk.runtime->Items->Add(item);
   EXPECT_EQ(caption(), "Search - [A2:B9]");
   const auto options = desk.Options(1);

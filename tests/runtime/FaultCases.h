@@ -13,14 +13,12 @@
 namespace rowlark::testing {
 
 // Stands between a session's runtime and its sheet and fails a call, or that and all that follow.
-class Saboteur {
- public:
-  virtual ~Saboteur() = default;
-  virtual std::string Failed() const = 0;  // the call that failed; empty when none did
-  virtual void Relent() = 0;               // fails no call from now on
+struct Saboteur {
+  std::function<std::string()> Failed;  // the call that failed; empty when none did
+  std::function<void()> Relent;         // fails no call from now on
 };
 // `call` counts from 1.
-using Sabotage = std::function<std::unique_ptr<Saboteur>(Session& session, int64_t call, bool persistent)>;
+using Sabotage = std::function<Saboteur(Session& session, int64_t call, bool persistent)>;
 
 namespace fault_cases {
 
@@ -37,16 +35,16 @@ inline void FailEveryCall(const Sabotage& sabotage, const std::function<void(Ses
       std::u16string error = u"untouched";
       const bool done = run(session, error);
       const std::string where = "call " + std::to_string(n) + (persistent ? " and all that follow: " : ": ");
-      EXPECT_FALSE(session.runtime.Searching()) << where << saboteur->Failed();
-      EXPECT_EQ(session.events, events) << where << saboteur->Failed();
-      EXPECT_NE(error, u"untouched") << where << saboteur->Failed();
+      EXPECT_FALSE(session.runtime.Searching()) << where << saboteur.Failed();
+      EXPECT_EQ(session.events, events) << where << saboteur.Failed();
+      EXPECT_NE(error, u"untouched") << where << saboteur.Failed();
       if (done) {
-        EXPECT_EQ(error, u"") << where << saboteur->Failed();
+        EXPECT_EQ(error, u"") << where << saboteur.Failed();
       }
-      const auto failed = saboteur->Failed();
+      const auto failed = saboteur.Failed();
       // A host that refuses everything can only be put right later.
       if (persistent) {
-        saboteur->Relent();
+        saboteur.Relent();
         session.runtime.StopSearch();
       }
       EXPECT_TRUE(session.application->ScreenUpdating() && session.application->EnableEvents() &&

@@ -37,12 +37,7 @@ inline void AnyBehindTheTable(Session& s) {
   s.Profile().SetEndRow(100);
 }
 inline void GoTo(Session& s) { s.runtime.SearchOptions->UseFilter = false; }
-inline void Auto(Session& s) {
-  s.Profile().SetStartRow(-1);
-  s.Profile().SetStartCol(-1);
-  s.Profile().SetEndRow(-1);
-  s.Profile().SetEndCol(-1);
-}
+inline void Auto(Session& s) { s.Profile().SetBlock({-1, -1, -1, -1}); }
 
 }  // namespace search_cases
 
@@ -72,10 +67,7 @@ inline void ExpectSearchCases(const std::function<void(Session&)>& connect) {
        u"berlin", "found", "1 2 3 5 7 8", "A5"},
       {"a fixed block",
        [](Session& s) {
-         s.Profile().SetStartRow(2);
-         s.Profile().SetStartCol(2);
-         s.Profile().SetEndRow(4);
-         s.Profile().SetEndCol(2);
+         s.Profile().SetBlock({2, 2, 4, 2});
        },
        u"paris", "found", "1 3 5 6 7 8", "B3"},
       {"the row behind the used range is searched when the block reaches it",

@@ -9,20 +9,10 @@ namespace {
 
 using testing::Session;
 
-class ForwardingSaboteur final : public testing::Saboteur {
- public:
-  ForwardingSaboteur(Session& session, int64_t call, bool persistent) : faulty_(call, persistent) {
-    session.runtime.SetExcelApp(faulty_.Wrap(session.host));
-  }
-  std::string Failed() const override { return faulty_.Failed(); }
-  void Relent() override { faulty_.Rearm(0); }
-
- private:
-  testing::FaultyHost faulty_;
-};
-
-std::unique_ptr<testing::Saboteur> Sabotage(Session& session, int64_t call, bool persistent) {
-  return std::make_unique<ForwardingSaboteur>(session, call, persistent);
+testing::Saboteur Sabotage(Session& session, int64_t call, bool persistent) {
+  const auto faulty = std::make_shared<testing::FaultyHost>(call, persistent);
+  session.runtime.SetExcelApp(faulty->Wrap(session.host));
+  return {[=] { return faulty->Failed(); }, [=] { faulty->Rearm(0); }};
 }
 
 TEST(Faults, ASearchEndsInOrderWhicheverCallFails) {

@@ -19,10 +19,7 @@ using testing::Settings;
 // One of everything that a configuration holds.
 void FillExample(Settings& settings) {
   auto& item = *settings.items.DefaultItem;
-  item.SetStartCol(-1);
-  item.SetStartRow(-1);
-  item.SetEndCol(-1);
-  item.SetEndRow(-1);
+  item.SetBlock({-1, -1, -1, -1});
   auto sales = item.Clone(u"C:\\Data\\Sales.xls");
   sales->SearchCols = u"C";
   settings.items.Add(sales);

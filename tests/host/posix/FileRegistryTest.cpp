@@ -23,10 +23,7 @@ RegistryValue Number(uint8_t number) { return {RegistryType::Dword, {number, 0, 
 class FileRegistryTest : public ::testing::Test {
  protected:
   std::u16string Path(const char* name) const { return ToUtf16((folder_.Path() / name).string()); }
-  std::string Text(const char* name) const {
-    std::ifstream file(folder_.Path() / name, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
+  std::string Text(const char* name) const { return ReadBytes(folder_.Path() / name); }
 
   TempFolder folder_;
   FileRegistry file_{{Path("u/registry.json"), Path("m/registry.json")}};
