@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -101,12 +100,11 @@ TEST_F(CommandLine, PrintsJson) {
        R"({"found":false,"error":"Text not found","activeCell":"A1","visibleRows":[[1,6]],"searchRange":"A4:B5"})"}};
   for (const auto& [arguments, expected] : kCases) {
     const Outcome outcome = Run("search --print json " + arguments);
-    auto json = nlohmann::ordered_json::parse(outcome.output, nullptr, false);
-    ASSERT_TRUE(json.is_object()) << outcome.output << outcome.error;
-    EXPECT_GE(json.at("milliseconds").get<double>(), 0);
-    json.erase("milliseconds");
-    EXPECT_EQ(json.dump(), expected) << arguments;
-    EXPECT_EQ(outcome.status, json["found"] == true ? 0 : 1) << arguments;
+    const auto time = outcome.output.find(",\"milliseconds\":");
+    ASSERT_NE(time, std::string::npos) << outcome.output << outcome.error;
+    EXPECT_EQ(outcome.output.substr(0, time) + '}', expected) << arguments;
+    EXPECT_EQ(outcome.output.substr(outcome.output.find_first_not_of("0123456789.e-", time + 16)), "}\n");
+    EXPECT_EQ(outcome.status, expected.find("true") == expected.npos ? 1 : 0) << arguments;
   }
 }
 
