@@ -188,21 +188,6 @@ class Search(AddInTest):
         self.keys("ctrl+BackSpace")
         self.expect_text("lyon ")
 
-    def test_history(self):
-        for text in ("lyon", "praha"):
-            self.open_search()
-            self.search(text)
-            self.close_form()
-        self.open_search()
-        self.type("typed")
-        self.keys("Down")
-        self.expect_text("praha")
-        self.expect_rows(rows_with("praha"))
-        self.keys("Down")
-        self.expect_text("lyon")
-        self.keys("Up", "Up")
-        self.expect_text("typed")
-
     def test_going_to_a_match_and_editing(self):
         first, second = rows_with("praha")[:2]
         self.open_search()
@@ -261,23 +246,6 @@ class Search(AddInTest):
         self.wait_for_window("Search - ")
         self.assertEqual(len(self.find_windows("Search - ")), 1)
 
-    def test_position_is_remembered(self):
-        self.open_search()
-        xdotool("search", "--name", "^Search - ", "windowmove", "--sync", 611, 333)
-        moved = wait_until(lambda: self.moved("Search - ", 600), "the form has not moved")
-        self.close_form()
-        self.stop()
-        self.start()
-        self.open_search()
-        wait_until(lambda: self.place("Search - ") == moved, lambda: f"{self.place('Search - ')} is not {moved}")
-
-    def place(self, caption):
-        window = self.window(caption)
-        return window.left, window.top
-
-    def moved(self, caption, beyond):
-        return self.place(caption) if self.place(caption)[0] > beyond else None
-
     def test_forms_follow_the_minimised_window(self):
         self.open_search()
         self.search("germany")
@@ -290,27 +258,6 @@ class Search(AddInTest):
 
 
 class Options(AddInTest):
-    def test_searching_in_a_range_that_is_picked_on_the_sheet(self):
-        options = self.open_options(1)
-        address = self.pick_range(options)
-        self.press("Close", options)
-        self.wait_until_gone("Options")
-        self.keys("ctrl+f")
-        self.wait_for_window(f"Search - [{address}]")
-
-    def test_switches_take_effect(self):
-        options = self.open_options(0)
-        self.press("Show All after", options)
-        self.press("Auto detect", options)
-        self.press("Close", options)
-        self.wait_until_gone("Options")
-        self.keys("ctrl+Home", "Down")
-        self.open_search()
-        self.expect_text(CUSTOMERS[1][0])
-        self.search("germany")
-        self.close_form()
-        self.expect_rows(rows_with("germany"))
-
     def test_another_language(self):
         options = self.open_options(0)
         self.window(kind="ComboBox", inside=options).click()

@@ -29,9 +29,6 @@ try {
   runtime.SearchOptions.CompareMethod = 1;
   check("search", runtime.Search("GERMANY"), true);
   check("a row without a match", sheet.Range("A1").EntireRow.Hidden, true);
-  check("no match", runtime.Search("no such text"), false);
-  check("show all", runtime.Unhide(), true);
-  check("first row", sheet.Range("A1").EntireRow.Hidden, false);
 
   var items = runtime.Items;
   check("identity", items === runtime.Items, true);
@@ -45,8 +42,6 @@ try {
 
   check("no number", failure(function () { profile.StartRow = "five"; }) !== "none", true);
   check("unknown", failure(function () { runtime.NoSuchMember(); }).split(" ")[0], "438");
-  check("a foreign object", failure(function () { runtime.SearchOptions = app; }) !== "none", true);
-  check("an unknown mode", failure(function () { runtime.SearchOptions.SearchWords = 3; }) !== "none", true);
   runtime.ExcelApp = null;
   check("a host that was released", runtime.Search("germany"), false);
 } catch (error) {
@@ -54,4 +49,4 @@ try {
   WScript.Echo("FAILED with " + error.number + " " + error.description);
 }
 WScript.Echo(checks + " checks, " + failures + " failures");
-WScript.Quit(checks === 16 && failures === 0 ? 0 : 1);
+WScript.Quit(checks === 11 && failures === 0 ? 0 : 1);

@@ -5,9 +5,7 @@
 
 #include <atomic>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -125,10 +123,6 @@ class Server : public ::testing::Test {
     ComPtr<IConnectionPointContainer>::From(object)->FindConnectionPoint(events, point.Put());
     return point;
   }
-  std::string Traced() const {
-    std::ifstream file(trace_, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
 
   const TempFolder folder_;
   const std::filesystem::path trace_ = folder_.Path() / "trace.txt";
@@ -234,8 +228,9 @@ TEST_F(Server, RaisesEventsToEverySinkThatIsConnectedYet) {
   point->Unadvise(second.cookie);
   for (auto* sink : {&first, &second, &third}) EXPECT_FALSE(sink->Held());
   EXPECT_FALSE(Point(runtime_.get(), IID_IUnknown));
-  EXPECT_NE(Traced().find("CallSink (Events.cpp:"), std::string::npos);
-  EXPECT_NE(Traced().find("): error 0x80004005\n"), std::string::npos);
+  const auto trace = ReadBytes(trace_);
+  EXPECT_NE(trace.find("CallSink (Events.cpp:"), std::string::npos);
+  EXPECT_NE(trace.find("): error 0x80004005\n"), std::string::npos);
 }
 
 TEST_F(Server, HandsOutConnectionPointsWithAnIdentityOfTheirOwn) {
@@ -408,31 +403,6 @@ TEST_F(Server, LetsGoOfItselfInTheMiddleOfAnEvent) {
   EXPECT_TRUE(Search(u"ann"));
   EXPECT_EQ(sink.flags, "TF");
   EXPECT_EQ(point->Unadvise(sink.cookie), S_OK);
-}
-
-TEST_F(Server, TellsThatTheHostIsBusyAndThatItHasGone) {
-  constexpr HRESULT kVbaIgnore = static_cast<HRESULT>(0x800AC472);  // while a cell is being edited
-  const auto refuse = [&](int32_t count, HRESULT result) {
-    const Variant arguments[] = {int32_t{0}, int32_t{result}, count};
-    ASSERT_EQ(Call(host_.get(), L"RefuseCalls", {std::begin(arguments), std::end(arguments)}), S_OK);
-  };
-  ComPtr<_clsVTRLKLang> language;
-  runtime_->get_Language(language.Put());
-  language->put_LangFile(Bstr(u"german.lng").get());
-  for (const HRESULT result :
-       {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER, kVbaIgnore, RPC_E_DISCONNECTED}) {
-    Variant inner;
-    VARIANT reason;
-    reason.vt = VT_VARIANT | VT_BYREF;
-    reason.pvarVal = &inner;
-    refuse(-1, result);
-    EXPECT_FALSE(Search(u"ann", &reason));
-    ASSERT_EQ(inner.vt, VT_BSTR);
-    EXPECT_TRUE(automation::View(inner.bstrVal).starts_with(u"Fehler: "))
-        << ToUtf8(automation::View(inner.bstrVal));
-    refuse(0, S_OK);
-    EXPECT_TRUE(Search(u"ann"));
-  }
 }
 
 TEST_F(Server, IsTheSameObjectEachTimeAndOutlivesItsOwner) {

@@ -328,28 +328,6 @@ TEST_F(AutomationHost, TellsOfSelections) {
   EXPECT_FALSE(ComPtr<IConnectionPointContainer>::From(sheet.pdispVal));
 }
 
-TEST_F(AutomationHost, CountsAndRefusesCalls) {
-  const auto range = Range(u"A1:A5");
-  Put(application, u"CountCalls", {true});
-  auto found = Get(range, u"Find", {u"Anna"});
-  found = Get(range, u"FindNext", {found});
-  Put(Get(found, u"EntireRow"), u"Hidden", {true});
-  EXPECT_EQ(Text(Get(application, u"CallCount")), "4");
-  EXPECT_EQ(Text(Get(application, u"CallCount", {u"range.findnext"})), "1");
-  EXPECT_EQ(Text(Get(application, u"CallCounts")).substr(0, 26), "IDispatch.GetIDsOfNames 7\n");
-  EXPECT_NE(Text(Get(application, u"CallCounts")).find("\nRange.Hidden= 1\n"), std::string::npos);
-
-  Get(application, u"RefuseCalls", {2, static_cast<int32_t>(0x800AC472), 1});
-  for (const HRESULT expected :
-       {S_OK, static_cast<HRESULT>(0x800AC472), static_cast<HRESULT>(0x800AC472), S_OK}) {
-    EXPECT_EQ(Invoke(range.pdispVal, u"Row", kAny).code, expected);
-  }
-  Get(application, u"RefuseCalls", {-1});
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(Invoke(range.pdispVal, u"Row", kAny).code, RPC_E_CALL_REJECTED);
-  Get(application, u"RefuseCalls", {0});
-  EXPECT_EQ(Text(Get(range, u"Row")), "1");
-}
-
 TEST_F(AutomationHost, KeepsTheModelWhileAnObjectIsInUse) {
   auto lifetime = std::make_shared<int>();
   const std::weak_ptr<int> alive = lifetime;
