@@ -16,6 +16,7 @@ sys.path.append("/usr/lib/python3/dist-packages")
 import screen  # noqa: E402
 import uno  # noqa: E402
 from com.sun.star.accessibility import AccessibleRole, AccessibleStateType  # noqa: E402
+from com.sun.star.awt import Key, KeyEvent, KeyModifier  # noqa: E402
 from com.sun.star.beans import PropertyValue  # noqa: E402
 from screen import Failure, xdotool  # noqa: E402
 
@@ -170,13 +171,21 @@ class CalcTest(unittest.TestCase):
 
     # Documents.
     def open(self, name="customers.csv"):
-        """A copy of the example of that name, in front."""
+        """A copy of the example of that name, in front, with the add-in."""
         path = self.folder / name
         shutil.copy(CUSTOMERS, path)
         options = [option("FilterName", CSV), option("FilterOptions", "44,34,76,1")]
         document = self.desktop.loadComponentFromURL(path.as_uri(), "_blank", 0, tuple(options))
+        # The add-in begins some messages after the first document.
+        wait_until(lambda: self.command_of(Key.F, KeyModifier.MOD1).startswith("org.rowlark:"), "there is no add-in")
         self.activate(document)
         return document
+
+    def command_of(self, code, modifiers):
+        """What a key does in spreadsheets."""
+        managers = self.context.getValueByName("/singletons/com.sun.star.ui.theModuleUIConfigurationManagerSupplier")
+        keys = managers.getUIConfigurationManager("com.sun.star.sheet.SpreadsheetDocument").getShortCutManager()
+        return keys.getCommandByKeyEvent(KeyEvent(Modifiers=modifiers, KeyCode=code))
 
     def activate(self, document):
         title = document.Title + " — LibreOffice Calc|" + document.Title + " - LibreOffice Calc"
