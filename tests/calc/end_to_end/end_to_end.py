@@ -135,7 +135,7 @@ class Options(AddIn):
         self.element("Options", AccessibleRole.LIST_ITEM, "Excel workbooks").click()
         for answer in ("Escape", "Return"):  # keys of the box, not of the form below it
             self.press("Options", "Add")
-            self.window("Vantrel Rowlark")
+            self.active("Vantrel Rowlark")
             keys(answer)
             self.wait_until_gone("Vantrel Rowlark")
         self.element("Options", AccessibleRole.LIST_ITEM, "customers.csv").click()
@@ -144,11 +144,12 @@ class Options(AddIn):
         self.window("Range select")
         cells = self.sheet(document).getCellRangeByName("B2:C5")
         document.CurrentController.select(cells)
-        wait_until(lambda: self.window("Range select").edit().text == "B2:C5", "the selection does not show")
+        wait_until(lambda: self.active("Range select").edit().text == "B2:C5", "the selection does not show")
         keys("Return")
         self.wait_until_gone("Range select")
         wait_until(lambda: [e for e in self.window("Options").elements() if e.role == AccessibleRole.TEXT and e.showing and
                             e.text == "B2:C5"], "the range does not show")
+        self.active("Options")
         keys("Escape")
         self.wait_until_gone("Options")
 
@@ -195,7 +196,7 @@ class Documents(AddIn):
         self.open_search()
         self.search(document, "paris")
         keys("ctrl+e", "Return")
-        self.window("Edit mode")
+        self.active("Edit mode")
         keys("alt+F4")  # a form hears of it like any other window
         self.wait_until_gone("Edit mode")
         self.activate(document)

@@ -235,6 +235,11 @@ class CalcTest(unittest.TestCase):
     def window(self, title):
         return wait_until(lambda: self.find_window(title), f"there is no window {title}")
 
+    def active(self, title):
+        """That window, when it has the keyboard."""
+        return wait_until(lambda: any(e.focused for e in self.window(title).elements()) and self.window(title),
+                          f"{title} has not got the keyboard")
+
     def wait_until_gone(self, title):
         wait_until(lambda: not [w for w in self.windows() if w.name.startswith(title)], f"{title} is still there")
 
