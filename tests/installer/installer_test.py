@@ -172,6 +172,9 @@ class InstallerTest(unittest.TestCase):
             library, help_file = on_windows(folder / cpu) + "\\", on_windows(folder / "vt_rlk_en.chm")
             self.assertEqual(told.stdout.split("\n"), [library, language + ".lng", help_file, ""])
 
+    def test_brings_nothing_of_where_it_was_built(self):
+        self.assertNotIn(os.fsencode(ROOT), (BUILD / "vtrlk_runtime.dll").read_bytes())
+
     def test_for_one_user(self):
         office = r"HKCU\Software\Microsoft\Office"
         set_value(office + r"\15.0\Excel\Options", "FirstRun", "0")
