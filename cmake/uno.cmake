@@ -27,6 +27,7 @@ function(rowlark_component name file)
   add_library(${name} MODULE ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE rowlark_options rowlark_uno ${arg_DEPENDS})
   target_link_options(${name} PRIVATE -Wl,-z,defs)
+  rowlark_compiled(${name})
   set_target_properties(${name} PROPERTIES
-    PREFIX "" OUTPUT_NAME "${file}" SUFFIX ".uno.so" LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
+    DISABLE_PRECOMPILE_HEADERS ON PREFIX "" OUTPUT_NAME "${file}" SUFFIX ".uno.so" LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
 endfunction()
