@@ -151,13 +151,16 @@ class CalcTest(unittest.TestCase):
         process, self.process = self.process, None
 
         def kill():
-            os.killpg(process.pid, signal.SIGKILL)
+            if process.poll() is None:
+                os.killpg(process.pid, signal.SIGKILL)
             process.wait()
 
         hangs = threading.Timer(2 * DEADLINE, kill)  # in a question, for one
         hangs.start()
-        screen.end_program(self, BUILD, lambda: self.terminate(process), kill)
-        hangs.cancel()
+        try:
+            screen.end_program(self, BUILD, lambda: self.terminate(process), kill)
+        finally:
+            hangs.cancel()
 
     def terminate(self, process):
         components = self.desktop.Components.createEnumeration()
@@ -184,8 +187,8 @@ class CalcTest(unittest.TestCase):
     def command_of(self, code, modifiers):
         """What a key does in spreadsheets."""
         managers = self.context.getValueByName("/singletons/com.sun.star.ui.theModuleUIConfigurationManagerSupplier")
-        keys = managers.getUIConfigurationManager("com.sun.star.sheet.SpreadsheetDocument").getShortCutManager()
-        return keys.getCommandByKeyEvent(KeyEvent(Modifiers=modifiers, KeyCode=code))
+        manager = managers.getUIConfigurationManager("com.sun.star.sheet.SpreadsheetDocument")
+        return manager.getShortCutManager().getCommandByKeyEvent(KeyEvent(Modifiers=modifiers, KeyCode=code))
 
     def activate(self, document):
         title = document.Title + " — LibreOffice Calc|" + document.Title + " - LibreOffice Calc"
