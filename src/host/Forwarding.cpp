@@ -198,6 +198,9 @@ class ForwardingApplication final : public Forwarder<Application> {
   Ref<Range> Selection() const override { return Wrap(Call("Application.Selection").Selection()); }
   bool ScreenUpdating() const override { return Call("Application.ScreenUpdating").ScreenUpdating(); }
   void SetScreenUpdating(bool on) override { Call("Application.ScreenUpdating=").SetScreenUpdating(on); }
+  bool PrepareScreenUpdating() override {
+    return Call("Application.PrepareScreenUpdating").PrepareScreenUpdating();
+  }
   bool EnableEvents() const override { return Call("Application.EnableEvents").EnableEvents(); }
   void SetEnableEvents(bool on) override { Call("Application.EnableEvents=").SetEnableEvents(on); }
   bool EnableAnimations() const override { return Call("Application.EnableAnimations").EnableAnimations(); }

@@ -225,6 +225,9 @@ class Application : public RefCounted {
 
   virtual bool ScreenUpdating() const = 0;
   virtual void SetScreenUpdating(bool on) = 0;
+  // For a host that puts changes off while the screen is not updated: makes some milliseconds' worth of them;
+  // true when none is left. Switching the screen on makes those that are left, but may take long then.
+  virtual bool PrepareScreenUpdating() { return true; }
   virtual bool EnableEvents() const = 0;
   virtual void SetEnableEvents(bool on) = 0;
   virtual bool EnableAnimations() const = 0;

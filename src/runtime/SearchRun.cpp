@@ -128,6 +128,10 @@ Resumable SearchRun::Work() {
   try {
     const auto application = Require(shared_.ExcelApp);
     FlagScope screen(shared_.Flags, application, HostFlag::ScreenUpdating, true);
+    // Nobody is to see what a superseded search has come to.
+    const ScopeExit unseen([&]() noexcept {
+      if (superseded_) screen.Leave();
+    });
     FlagScope animations(shared_.Flags, application, HostFlag::EnableAnimations);
     FlagScope events(shared_.Flags, application, HostFlag::EnableEvents);
     const auto sheet = Require(application->ActiveSheet());
@@ -195,6 +199,10 @@ Resumable SearchRun::Work() {
         const host::RowRun rest{left.front().first, end_row_};
         left = {&rest, 1};
         if (!HideSome(*sheet, left)) co_return;
+      }
+      while (!application->PrepareScreenUpdating()) {
+        co_await stopped;
+        if (superseded_) co_return;
       }
       screen.GiveBack();
     }

@@ -39,7 +39,8 @@ class SearchRun {
   bool Done() const { return work_.Done(); }
 
   // Nobody will look at the rows: whatever the run still finds is of no interest to its caller, and it hides
-  // nothing more. The stop request has to be set as well.
+  // nothing more. The stop request has to be set as well. The screen stays switched off for whoever comes next;
+  // where nobody does, SharedState::GiveBackFlags has to be called.
   void Supersede() { superseded_ = true; }
 
   // When done.

@@ -13,7 +13,10 @@ OperationResult Searches::Search(const std::shared_ptr<clsVTRLKItems>& items,
   if (searching_) {
     given_up_ = false;
     if (!End(true)) return {Outcome::Refused, {}};
-    if (shared_.Terminating || abandoned_ || given_up_) return {Outcome::Stopped, {}};
+    if (shared_.Terminating || abandoned_ || given_up_) {
+      shared_.GiveBackFlags();
+      return {Outcome::Stopped, {}};
+    }
   }
   stop_request_ = false;
   SearchRun run(shared_, items, *options, stop_request_, text, rows_);
@@ -21,6 +24,7 @@ OperationResult Searches::Search(const std::shared_ptr<clsVTRLKItems>& items,
   searching_ = true;
   Raise(true);
   while (Advance(run)) PumpMessages(shared_);
+  shared_.GiveBackFlags();  // that a run has left to a search that never came
   return run.Result();
 }
 

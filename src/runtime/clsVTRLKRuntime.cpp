@@ -118,8 +118,8 @@ OperationResult clsVTRLKRuntime::ShowAllRows(bool called_from_search) {
   if (!called_from_search && !searches->End(true)) return {Outcome::Refused, {}};
   const auto application = shared.ExcelApp;
   if (!application) return {Outcome::Done, {}};
-  shared.GiveBackFlags();
   FlagScope screen(shared.Flags, application, HostFlag::ScreenUpdating, true);
+  shared.GiveBackFlags();
   OperationResult result;
   if (ShowAll(shared, *application, screen, *items, called_from_search, result.error) != Shown::Unknown) {
     result.outcome = Outcome::Done;

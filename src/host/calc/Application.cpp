@@ -93,6 +93,11 @@ void Application::SetScreenUpdating(bool on) {
   }
 }
 
+bool Application::PrepareScreenUpdating() {
+  const auto books = office_->Books;
+  return std::ranges::all_of(books, [](const auto& book) { return book->HandOverSome(); });
+}
+
 uno::Reference<com::sun::star::awt::XWindow> Application::Window() const {
   const auto book = office_->ActiveBook();
   if (!book) return {};

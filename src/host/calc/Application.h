@@ -36,6 +36,7 @@ class Application final : public host::Application {
   // While it is off, changes of hidden rows and of the active cell are collected; switching it on hands them
   // over.
   void SetScreenUpdating(bool on) override;
+  bool PrepareScreenUpdating() override;
   bool EnableEvents() const override { return office_->EnableEvents; }
   void SetEnableEvents(bool on) override { office_->EnableEvents = on; }
   bool EnableAnimations() const override { return office_->EnableAnimations; }

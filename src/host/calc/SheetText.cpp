@@ -83,6 +83,7 @@ Block SheetText::Used() const {
 }
 
 void SheetText::Changed(std::size_t strip) {
+  ++changes_;
   strips_[strip].state = Strip::State::Missing;
   next_ = std::min(next_, strip);
   if (reading_ == strip) rows_read_ = 0;
@@ -90,6 +91,7 @@ void SheetText::Changed(std::size_t strip) {
 }
 
 void SheetText::Unwatch() {
+  ++changes_;
   for (const auto& strip : strips_) {
     strip.listener->Abandon();
     try {
@@ -147,6 +149,7 @@ void SheetText::Watch() {
     strip.listener = new StripListener(*this, strips_.size());
     As<XModifyBroadcaster>(strip.range)->addModifyListener(strip.listener.get());
     strips_.push_back(std::move(strip));
+    ++changes_;
   }
 }
 

@@ -38,6 +38,8 @@ class SheetText {
 
   // The user has done something that the office tells nothing of but this: a number may have another format.
   void SomethingWasDone() { ++done_; }
+  // Grows when a cell that is watched may have changed, and with the cells that are watched.
+  uint64_t Changes() const { return changes_; }
 
   // The cells in use: A1 where there are none.
   Block Used() const;
@@ -70,12 +72,13 @@ class SheetText {
   const std::function<void()> missing_;
   cells::CellText text_;
   std::vector<Strip> strips_;
-  int32_t columns_ = 0;         // that are watched
-  std::size_t next_ = 0;        // all strips before it have been read
-  std::size_t reading_ = 0;     // the strip of which some rows have been read
-  int32_t rows_read_ = 0;       // of that strip
-  uint64_t done_ = 0;           // by the user
-  uint64_t seen_ = 0;           // of that
+  int32_t columns_ = 0;      // that are watched
+  std::size_t next_ = 0;     // all strips before it have been read
+  std::size_t reading_ = 0;  // the strip of which some rows have been read
+  int32_t rows_read_ = 0;    // of that strip
+  uint64_t done_ = 0;        // by the user
+  uint64_t seen_ = 0;        // of that
+  uint64_t changes_ = 0;
   Clock::time_point looked_{};  // whether strips have moved
 };
 

@@ -134,6 +134,7 @@ void Workbook::Closed() noexcept {
   for (const auto& sheet : sheets_) sheet->Close();
   sheets_.clear();
   pending_.reset();
+  action_.clear();
   listened_.clear();
   undo_.clear();
   model_.clear();
@@ -275,12 +276,17 @@ void Workbook::Activate(Worksheet& sheet, std::span<const Block> areas) {
   if (office_->ScreenUpdating) HandOver();
 }
 
-// A cell that is active already stays in its selection.
+// A cell that is active already stays in its selection, which is made anew where rows have changed: then the
+// window shows it.
 void Workbook::Select(Worksheet& sheet, std::span<const Block> areas) {
   const auto& first = areas.front();
-  const bool single = areas.size() == 1 && first.Rows() == 1 && first.Columns() == 1;
-  if (single && ActiveCell() == cells::Cell{first.first_row, first.first_column}) return;
   const auto supplier = As<XSelectionSupplier>(Controller());
+  const bool changed = std::exchange(rows_changed_, false);
+  const bool single = areas.size() == 1 && first.Rows() == 1 && first.Columns() == 1;
+  if (single && ActiveCell() == cells::Cell{first.first_row, first.first_column}) {
+    if (changed) supplier->select(supplier->getSelection());
+    return;
+  }
   const auto index = IndexOf(sheet);
   if (!index) Refuse(kFails);
   if (areas.size() > 1) {
@@ -292,76 +298,18 @@ void Workbook::Select(Worksheet& sheet, std::span<const Block> areas) {
 }
 
 void Workbook::HandOver() {
+  const Ref<Workbook> held(this);
   const auto pending = std::exchange(pending_, std::nullopt);
-  std::vector<Ref<Worksheet>> changed;
-  for (const auto& sheet : sheets_) {
-    if (sheet->IsPending()) changed.push_back(sheet);
+  while (!HandOverSome()) {
   }
-  const ScopeExit told([&changed]() noexcept {
-    for (const auto& sheet : changed) sheet->EndChange();
-  });
   OrRefuse(kRowsRefused, [&] {
-    std::erase_if(changed, [](const auto& sheet) {
-      if (!sheet->FindDifference().IsEmpty()) return false;
-      sheet->EndChange();
-      return true;
-    });
-    if (!changed.empty()) HandOverRows(changed);
     if (pending && pending->sheet == ActiveCells()) Select(*pending->sheet, pending->areas);
   });
 }
 
-// Rows are hidden through a selection, in one go however many blocks there are; block by block takes time
-// that grows with their square. From a selection of thousands of blocks the office goes to another one at
-// once only by way of an empty one: otherwise it tells the desktop's accessibility of each of them, for many
-// seconds.
-void Workbook::HandOverRows(std::span<const Ref<Worksheet>> sheets) {
-  model_->lockControllers();
-  const ScopeExit unlock([model = model_]() noexcept {
-    try {
-      model->unlockControllers();
-    } catch (const uno::Exception&) {
-      // The document has gone.
-    }
-  });
-  const auto controller = Controller();
-  const auto view = As<XSpreadsheetView>(controller);
-  const auto supplier = As<XSelectionSupplier>(controller);
-  const auto active = view->getActiveSheet();
-  const auto before = supplier->getSelection();
-  // Enters a cell that is being edited, as an action of the user's own: hiding rows would make it a part of
-  // ours, to be taken back with it.
-  Execute(".uno:Deselect", {});
-  const ScopedFlag acting(acting_);
-  const ScopeExit restore([&]() noexcept {
-    try {
-      supplier->select(MakeSelection(0, {}));
-      if (view->getActiveSheet() != active) view->setActiveSheet(active);
-      supplier->select(before);
-    } catch (const uno::Exception&) {
-      // The window has gone.
-    }
-  });
-  TakeBack();
-  const auto apply = [&](int16_t index, std::span<const host::RowRun> runs, const char* command) {
-    if (runs.empty()) return;
-    std::vector<Block> areas;
-    areas.reserve(runs.size());
-    for (const auto run : runs) areas.push_back({run.first, 1, run.last, 1});
-    supplier->select(MakeSelection(index, {}));
-    supplier->select(MakeSelection(index, areas));
-    Execute(command, {});
-  };
-  for (const auto& sheet : sheets) {
-    const auto difference = sheet->FindDifference();
-    const auto index = IndexOf(*sheet);
-    if (difference.IsEmpty() || !index) continue;
-    AsOneAction([&] {
-      apply(*index, difference.show, ".uno:ShowRow");
-      apply(*index, difference.hide, ".uno:HideRow");
-    });
-    if (!sheet->FindDifference().IsEmpty()) Refuse(kRowsRefused);
-  }
+bool Workbook::HandOverSome() {
+  const auto sheets = sheets_;
+  return std::ranges::all_of(sheets, [](const auto& sheet) { return sheet->HandOverSome(); });
 }
 
 void Workbook::Execute(const char* command,
@@ -379,38 +327,84 @@ void Workbook::Enter(std::u16string_view text) {
   Execute(".uno:EnterString", arguments);
 }
 
-bool Workbook::TakeBack() {
-  if (!std::exchange(ours_, false)) return false;
-  const ScopedFlag acting(acting_);
-  undo_->undo();
-  undo_->clearRedo();  // there is nothing but ours
+RowsAction& Workbook::ActionOn(Worksheet& sheet, const cells::RowSet& shown) {
+  const auto name = As<com::sun::star::container::XNamed>(sheet.Sheet())->getName();
+  if (!action_.is() || action_->SheetName() != name) {
+    action_ = new RowsAction(model_, sheet.Sheet(), sheet.Size().rows, ToOffice(office_->ActionTitle),
+                             office_->Trace);
+    action_->Before = shown;
+    const ScopedFlag acting(acting_);
+    ++state_;
+    if (undo_.is()) undo_->addUndoAction(action_.get());
+  }
+  return *action_;
+}
+
+void Workbook::RowsChanged(Worksheet& sheet, host::RowRun changed) {
+  rows_changed_ = true;
   ++state_;
-  return true;
+  const ScopedFlag acting(acting_);
+  if (action_.is()) {
+    // A document may keep no such list.
+    const bool listed = IsLast(action_->getTitle());
+    const bool back = FindRowChanges(action_->Before, action_->After, sheet.Size().rows).empty();
+    if (listed && back) {
+      undo_->undo();
+      undo_->clearRedo();  // there is nothing but ours
+    }
+    if (!listed || back) action_.clear();
+  }
+  if (undo_.is()) undo_->lock();
+  const ScopeExit unlock([undo = undo_]() noexcept {
+    try {
+      if (undo.is()) undo->unlock();
+    } catch (const uno::Exception&) {
+      // The office has done so.
+    }
+  });
+  TellOfRows(model_, sheet.Sheet(), changed);
+}
+
+bool Workbook::IsLast(const rtl::OUString& title) const {
+  return undo_.is() && undo_->isUndoPossible() && undo_->getCurrentUndoActionTitle() == title;
+}
+
+void Workbook::Do(const rtl::OUString& title, const std::function<void()>& action) {
+  ++state_;
+  if (!undo_.is()) return action();
+  undo_->enterUndoContext(title);
+  const ScopeExit leave([undo = undo_]() noexcept {
+    try {
+      undo->leaveUndoContext();
+    } catch (const uno::Exception&) {
+      // Somebody else has closed it.
+    }
+  });
+  action();
 }
 
 void Workbook::AsOneAction(const std::function<void()>& action) {
   const ScopedFlag acting(acting_);
-  ++state_;
-  if (!undo_.is()) return action();
-  const rtl::OUString title = ToOffice(office_->ActionTitle);
-  undo_->enterUndoContext(title);
-  {
-    const ScopeExit leave([this]() noexcept {
-      try {
-        undo_->leaveUndoContext();
-      } catch (const uno::Exception&) {
-        // Somebody else has closed it.
-      }
-    });
-    action();
-  }
-  ours_ = undo_->isUndoPossible() && undo_->getCurrentUndoActionTitle() == title;
+  action_.clear();
+  Do(ToOffice(office_->ActionTitle), action);
+}
+
+void Workbook::AndTakeBack(const std::function<void()>& action, const std::function<void()>& look) {
+  const ScopedFlag acting(acting_);
+  // What changes nothing leaves no action: the last one may be another one of ours.
+  const auto title = ToOffice(office_->ActionTitle + u" ?");
+  Do(title, action);
+  look();
+  if (!IsLast(title)) return;
+  undo_->undo();
+  undo_->clearRedo();
 }
 
 void Workbook::Done() {
   if (acting_) return;
   ++state_;
-  ours_ = false;
+  ++acts_;
+  action_.clear();
   for (const auto& sheet : sheets_) sheet->SomethingWasDone();
   if (office_->TextIsMissing) office_->TextIsMissing();
 }

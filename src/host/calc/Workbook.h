@@ -61,16 +61,23 @@ class Workbook final : public host::Workbook {
   // Types a text into the active cell.
   void Enter(std::u16string_view text);
 
-  // Grows whenever the user or a program has done something that can be taken back.
+  // Grows whenever the user or a program has done something that can be taken back, or we have.
   uint64_t State() const { return state_; }
-  void ReadAnew() { ++state_; }  // what is known of the document may be out of date
+  uint64_t Acts() const { return acts_; }  // without ours
+  void ReadAnew() { ++state_; }            // what is known of the document may be out of date
 
   // Hands over what waits for the screen to be updated.
   void HandOver();
-  // Takes back what our last action in the list for undo did, where that is still the last one of all.
-  bool TakeBack();
-  // Does something that becomes one such action.
+  bool HandOverSome();  // some of the rows; true when none are left
+  // Our action in the list for undo, which goes on as long as it is the last one and of that sheet; a new one
+  // begins with these hidden rows.
+  RowsAction& ActionOn(Worksheet& sheet, const cells::RowSet& shown);
+  // Rows of a sheet have been hidden and shown. An action that has come back to its beginning leaves the
+  // list.
+  void RowsChanged(Worksheet& sheet, host::RowRun changed);
+  // Does something that becomes one action in that list; or does it, looks and takes it back.
   void AsOneAction(const std::function<void()>& action);
+  void AndTakeBack(const std::function<void()>& action, const std::function<void()>& look);
 
   void Closed() noexcept;  // by the office
 
@@ -80,7 +87,8 @@ class Workbook final : public host::Workbook {
   void Done();  // something, by whomever
   void SelectionChanged();
   void Listen() const;
-  void HandOverRows(std::span<const Ref<Worksheet>> sheets);
+  void Do(const rtl::OUString& title, const std::function<void()>& action);
+  bool IsLast(const rtl::OUString& title) const;
   void Execute(const char* command,
                const uno::Sequence<com::sun::star::beans::PropertyValue>& arguments) const;
   uno::Any MakeSelection(int16_t sheet, std::span<const Block> areas) const;
@@ -102,8 +110,10 @@ class Workbook final : public host::Workbook {
   };
   std::optional<Pending> pending_;  // what is to become active
   uint64_t state_ = 0;
-  bool ours_ = false;    // the last action in the list for undo is one of ours
-  bool acting_ = false;  // what happens is our doing
+  uint64_t acts_ = 0;
+  rtl::Reference<RowsAction> action_;  // while it is the last one in the list for undo
+  bool rows_changed_ = false;          // since the window was shown where its cursor is
+  bool acting_ = false;                // what happens is our doing
 };
 
 }  // namespace rowlark::calc

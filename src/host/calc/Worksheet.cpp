@@ -21,6 +21,7 @@
 #include "host/calc/Query.h"
 #include "host/calc/Strings.h"
 #include "host/calc/Workbook.h"
+#include "util/Scope.h"
 
 namespace rowlark::calc {
 namespace {
@@ -35,8 +36,10 @@ constexpr std::u16string_view kCellRefused =
     u"The cell or chart you're trying to change is on a protected sheet.";
 constexpr std::u16string_view kFilterRefused = u"ApplyFilter method of AutoFilter class failed";
 
-// How long messages wait for text to be read.
+// How long messages wait for text to be read, and for rows to be hidden.
 constexpr auto kPiece = std::chrono::milliseconds(20);
+// That are hidden or shown in one go: some ten milliseconds where each of them holds something.
+constexpr int32_t kCellsAtOnce = 100'000;
 // An operator of ours: the criteria of the office's filters are not Excel's, and the filter is applied as a
 // whole.
 constexpr int32_t kOwnOperator = 100;
@@ -169,22 +172,11 @@ const cells::CellText& Worksheet::Text() const {
 
 cells::Finder& Worksheet::FinderOfHost() const { return Book().Office().Finder; }
 
-cells::RowSet Worksheet::ReadHiddenRows() const {
-  cells::RowSet hidden;
-  hidden.Assign(1, size_.rows, true);
-  const auto column = sheet_->getCellRangeByPosition(0, 0, 0, size_.rows - 1);
-  const auto visible = As<com::sun::star::sheet::XCellRangesQuery>(column)->queryVisibleCells();
-  for (const auto& area : visible->getRangeAddresses()) {
-    hidden.Assign(area.StartRow + 1, area.EndRow + 1, false);
-  }
-  return hidden;
-}
-
 // The office tells nobody that rows are hidden, but whoever does it adds to the list for undo.
 const cells::RowSet& Worksheet::HiddenRows() const {
   const auto state = Book().State();
   if (!pending_ && read_at_ != state) {
-    hidden_ = OrRefuse(kFails, [this] { return ReadHiddenRows(); });
+    hidden_ = OrRefuse(kFails, [this] { return ReadRows(); });
     read_at_ = state;
     ++layout_;
   }
@@ -224,20 +216,53 @@ void Worksheet::Assign(std::span<const host::RowRun> runs, bool hidden) {
   if (Book().Office().ScreenUpdating) Book().HandOver();
 }
 
-Worksheet::Difference Worksheet::FindDifference() {
-  if (read_at_ != Book().State()) {
-    shown_ = ReadHiddenRows();
-    read_at_ = Book().State();
-  }
-  Difference difference;
-  const auto collect = [this](const cells::RowSet& in, const cells::RowSet& out, auto& runs) {
-    in.ForEachRun(1, size_.rows, true, [&](host::RowRun run) {
-      out.ForEachRun(run.first, run.last, false, [&](host::RowRun part) { runs.push_back(part); });
+bool Worksheet::HandOverSome() {
+  if (!pending_ && !changed_) return true;
+  const Ref<Worksheet> held(this);
+  try {
+    RequireChangeable(kRowsRefused);
+    return OrRefuse(kRowsRefused, [this] {
+      // Messages have been processed since the last piece.
+      if (read_at_ != Book().State()) shown_ = ReadRows();
+      const auto changes = FindRowChanges(shown_, hidden_, size_.rows);
+      if (changes.empty()) {
+        EndChange();
+        return true;
+      }
+      MakeChanges(changes);
+      return false;
     });
-  };
-  collect(hidden_, shown_, difference.hide);
-  collect(shown_, hidden_, difference.show);
-  return difference;
+  } catch (const host::Error&) {
+    Attempt(Book().Office().Trace, [this] { EndChange(); });
+    throw;
+  }
+}
+
+void Worksheet::MakeChanges(std::span<const RowChange> changes) {
+  auto& action = Book().ActionOn(*this, shown_);
+  const ScopeExit known([this, &action]() noexcept {
+    action.After = shown_;
+    read_at_ = book_->State();
+  });
+  const int32_t rows_at_once = std::max(kCellsAtOnce / text_->Used().last_column, 1);
+  const auto end = SheetText::Clock::now() + kPiece;
+  for (const auto& change : changes) {
+    for (auto some = change; some.rows.first <= change.rows.last; some.rows.first = some.rows.last + 1) {
+      some.rows.last = std::min(change.rows.last, some.rows.first + rows_at_once - 1);
+      MakeRowChange(sheet_, some, action.Before, action.Unfiltered);
+      shown_.Assign(some.rows.first, some.rows.last, some.hide);
+      if (!changed_) changed_ = some.rows;
+      changed_ = {std::min(changed_->first, some.rows.first), std::max(changed_->last, some.rows.last)};
+      if (SheetText::Clock::now() >= end) return;
+    }
+  }
+}
+
+// Also where the office refuses, since it may have been told of some.
+void Worksheet::EndChange() {
+  pending_ = false;
+  read_at_.reset();
+  if (const auto changed = std::exchange(changed_, std::nullopt)) Book().RowsChanged(*this, *changed);
 }
 
 uno::Reference<XDatabaseRange> Worksheet::FilterRange() const {
@@ -279,26 +304,28 @@ void Worksheet::ApplyFilter() {
   const auto range = FilterRange();
   if (!range.is()) throw host::Error(91, u"Object variable or With block variable not set");
   OrRefuse(kFilterRefused, [&] {
-    const auto wanted = HiddenRows();
-    const bool pending = pending_;
+    auto wanted = HiddenRows();
+    const auto descriptor = range->getFilterDescriptor();
+    const auto fields = As<com::sun::star::sheet::XSheetFilterDescriptor3>(descriptor)->getFilterFields3();
+    const Filtered filtered{Book().Acts(), text_->Changes(), BlockOf(range->getDataArea()), fields};
     const auto cells = As<com::sun::star::sheet::XCellRangeReferrer>(range)->getReferredCells();
-    Book().TakeBack();
-    Book().AsOneAction(
-        [&] { As<com::sun::star::sheet::XSheetFilterable>(cells)->filter(range->getFilterDescriptor()); });
-    auto now = ReadHiddenRows();
-    read_at_ = Book().State();
-    ++layout_;
-    if (!pending) {
-      hidden_ = std::move(now);
+    const auto filter = [&] { As<com::sun::star::sheet::XSheetFilterable>(cells)->filter(descriptor); };
+    if (!pending_) {
+      Book().AsOneAction(filter);
       return;
     }
+    // The same filter lets the same rows through, as long as the cells are the same.
+    if (filtered_ != filtered) {
+      Book().AndTakeBack(filter, [this] { filtered_out_ = ReadRows(); });
+      filtered_ = filtered;
+    }
     // Outside of the filter's data what has been wanted before stays.
-    const auto area = BlockOf(range->getDataArea());
-    shown_ = now;
-    hidden_ = wanted;
-    hidden_.Assign(area.first_row + 1, area.last_row, false);
-    now.ForEachRun(area.first_row + 1, area.last_row, true,
-                   [this](host::RowRun run) { hidden_.Assign(run.first, run.last, true); });
+    const host::RowRun data{filtered.area.first_row + 1, filtered.area.last_row};
+    wanted.Assign(data.first, data.last, false);
+    filtered_out_.ForEachRun(data.first, data.last, true,
+                             [&](host::RowRun run) { wanted.Assign(run.first, run.last, true); });
+    hidden_ = std::move(wanted);
+    ++layout_;
   });
 }
 

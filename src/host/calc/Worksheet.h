@@ -1,6 +1,7 @@
 // A sheet of a spreadsheet document.
 #pragma once
 
+#include <com/sun/star/sheet/TableFilterField3.hpp>
 #include <com/sun/star/sheet/XDatabaseRange.hpp>
 #include <com/sun/star/sheet/XSpreadsheet.hpp>
 
@@ -13,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/calc/HiddenRows.h"
 #include "host/calc/Office.h"
 #include "host/calc/SheetText.h"
 #include "host/cells/Sheet.h"
@@ -60,24 +62,16 @@ class Worksheet final : public cells::Sheet {
   // The user has done something, or a program.
   void SomethingWasDone() { text_->SomethingWasDone(); }
 
-  // The rows that are to be hidden or shown and that the office has not been told of.
-  struct Difference {
-    std::vector<host::RowRun> hide;
-    std::vector<host::RowRun> show;
-    bool IsEmpty() const { return hide.empty() && show.empty(); }
-  };
-  bool IsPending() const { return pending_; }
-  Difference FindDifference();
-  // It has been told, or told in vain.
-  void EndChange() noexcept {
-    pending_ = false;
-    read_at_.reset();
-  }
+  // Tells the office of rows that are to be hidden or shown, some milliseconds long; true when it has been
+  // told of all. Throws when it refuses; then it is told of no more.
+  bool HandOverSome();
   void Close() noexcept;
 
  private:
   void RequireChangeable(std::u16string_view refusal) const;
-  cells::RowSet ReadHiddenRows() const;
+  cells::RowSet ReadRows() const { return ReadHiddenRows(sheet_, size_.rows); }
+  void MakeChanges(std::span<const RowChange> changes);
+  void EndChange();
   void Assign(std::span<const host::RowRun> runs, bool hidden);
 
   mutable Workbook* book_;
@@ -91,6 +85,18 @@ class Worksheet final : public cells::Sheet {
   mutable std::optional<uint64_t> read_at_;  // the state of the book that hidden_ was read in
   mutable uint64_t layout_ = 0;
   bool pending_ = false;
+  std::optional<host::RowRun> changed_;  // among these are the rows that the office has still to notice
+
+  // What the filter let through when it was applied last, and of what that was the result.
+  struct Filtered {
+    uint64_t done = 0;     // by the user and programs
+    uint64_t changes = 0;  // of the text
+    Block area;
+    uno::Sequence<com::sun::star::sheet::TableFilterField3> fields;
+    bool operator==(const Filtered&) const = default;
+  };
+  std::optional<Filtered> filtered_;
+  cells::RowSet filtered_out_;
 };
 
 }  // namespace rowlark::calc
