@@ -128,9 +128,9 @@ Resumable SearchRun::Work() {
   try {
     const auto application = Require(shared_.ExcelApp);
     FlagScope screen(shared_.Flags, application, HostFlag::ScreenUpdating, true);
-    // Nobody is to see what a superseded search has come to.
+    // Nobody is to see what this search has come to where another one goes on from there.
     const ScopeExit unseen([&]() noexcept {
-      if (superseded_) screen.Leave();
+      if (followed_ && shared_.ExcelApp == application) screen.Leave();
     });
     FlagScope animations(shared_.Flags, application, HostFlag::EnableAnimations);
     FlagScope events(shared_.Flags, application, HostFlag::EnableEvents);

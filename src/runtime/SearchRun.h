@@ -39,9 +39,12 @@ class SearchRun {
   bool Done() const { return work_.Done(); }
 
   // Nobody will look at the rows: whatever the run still finds is of no interest to its caller, and it hides
-  // nothing more. The stop request has to be set as well. The screen stays switched off for whoever comes next;
-  // where nobody does, SharedState::GiveBackFlags has to be called.
-  void Supersede() { superseded_ = true; }
+  // nothing more. The stop request has to be set as well. Where something else that changes the rows follows at
+  // once, the screen stays switched off for it.
+  void Supersede(bool followed) {
+    superseded_ = true;
+    followed_ = followed;
+  }
 
   // When done.
   OperationResult Result() const {
@@ -75,6 +78,7 @@ class SearchRun {
   std::u16string error_;
   bool on_stack_ = false;
   bool superseded_ = false;
+  bool followed_ = false;
   Resumable work_;
 };
 

@@ -24,7 +24,6 @@ OperationResult Searches::Search(const std::shared_ptr<clsVTRLKItems>& items,
   searching_ = true;
   Raise(true);
   while (Advance(run)) PumpMessages(shared_);
-  shared_.GiveBackFlags();  // that a run has left to a search that never came
   return run.Result();
 }
 
@@ -50,7 +49,7 @@ bool Searches::End(bool superseded) {
   if (!searching_) return true;
   // The host has called back from inside an operation; the run that called it can not go on before we return.
   if (run_->OnStack()) return false;
-  if (superseded) run_->Supersede();
+  if (superseded) run_->Supersede(!abandoned_);
   const bool waiting = std::exchange(entry_guard_, true);
   stop_request_ = true;
   while (searching_) {
@@ -85,7 +84,7 @@ void Searches::Abandon() {
   abandoned_ = true;
   if (End(true)) return;
   stop_request_ = true;
-  run_->Supersede();
+  run_->Supersede(false);
 }
 
 }  // namespace rowlark

@@ -222,6 +222,97 @@ TEST(CalcHost, LeavesOneActionToUndo) {
   EXPECT_EQ(document.Shown(5, 3), "");
 }
 
+// Rows are handed over in pieces, and messages are processed in between; the last one who asks gets what was
+// asked for, and the list for undo leads back to the beginning.
+TEST(CalcHost, EndsAsAskedWhateverHappensWhileRowsAreHidden) {
+  constexpr int32_t kRows = 20000;
+  const struct {
+    const char* name;
+    std::function<void(CalcSession&, CalcDocument&)> act;
+    const char* result;
+    const char* visible;  // of the first four rows
+    std::size_t actions;  // more to undo than before
+  } kCases[] = {
+      {"nothing", [](auto&, auto&) {}, "found", "1 3", 1},
+      {"another search", [](auto& session, auto&) { EXPECT_EQ(session.Search(u"even"), "found"); }, "", "2 4",
+       1},
+      {"a search that finds nothing",
+       [](auto& session, auto&) { EXPECT_EQ(session.Search(u"none"), "Text not found"); }, "", "1 2 3 4", 0},
+      {"Show All", [](auto& session, auto&) { EXPECT_EQ(session.ShowAll(), "shown"); }, "", "1 2 3 4", 0},
+      {"stopped", [](auto& session, auto&) { session.runtime.StopSearch(); }, "found", "1 3", 1},
+      {"undone", [](auto&, auto& document) { document.Dispatch(".uno:Undo"); }, "found", "1 3", 1},
+      {"a cell was typed", [](auto&, auto& document) { document.Type(1, 5, "new"); }, "found", "1 3", 3},
+      {"another sheet",
+       [](auto&, auto& document) {
+         document.AddSheet("Other", 1);
+         document.ActivateSheet(1);
+       },
+       "Error", "1 3", 3},
+      {"protected", [](auto&, auto& document) { As<XProtectable>(document.Sheet())->protect({}); }, "Error",
+       nullptr, 1},
+      {"closed", [](auto&, auto& document) { document.Close(); }, "Error", nullptr, 0},
+  };
+  for (const auto& c : kCases) {
+    SCOPED_TRACE(c.name);
+    CalcSession session;
+    CalcDocument document;
+    uno::Sequence<uno::Sequence<uno::Any>> texts(kRows);
+    for (sal_Int32 row = 0; row < kRows; ++row) {
+      texts.getArray()[row] = uno::Sequence<uno::Any>(1);
+      texts.getArray()[row].getArray()[0] <<= rtl::OUString::createFromAscii(row % 2 == 0 ? "odd" : "even");
+    }
+    As<com::sun::star::sheet::XCellRangeData>(document.Sheet()->getCellRangeByPosition(0, 0, 0, kRows - 1))
+        ->setDataArray(texts);
+    const auto before = document.UndoTitles().size();
+    bool acted = false;
+    session.pump.OnPass = [&](int64_t) {
+      if (acted || !document.Hidden(2) || document.Hidden(kRows)) return;
+      acted = true;
+      c.act(session, document);
+    };
+    const auto result = session.Search(u"odd");
+    EXPECT_TRUE(acted);
+    EXPECT_TRUE(result == c.result || (c.result == std::string_view("Error") && result.starts_with(c.result)))
+        << result;
+    EXPECT_TRUE(session.application->ScreenUpdating());
+    if (!document.Model.is()) continue;
+    document.ActivateSheet(0);
+    if (c.visible != nullptr) {
+      EXPECT_EQ(document.VisibleRows(4), c.visible);
+      EXPECT_EQ(document.Hidden(kRows - 1), document.Hidden(1));
+      EXPECT_EQ(document.Hidden(kRows), document.Hidden(2));
+      EXPECT_EQ(document.UndoTitles().size(), before + c.actions);
+    } else {
+      As<XProtectable>(document.Sheet())->unprotect({});
+    }
+    while (document.UndoTitles().size() > before) document.Dispatch(".uno:Undo");
+    EXPECT_EQ(document.VisibleRows(4), "1 2 3 4");
+    EXPECT_FALSE(document.Hidden(kRows));
+  }
+}
+
+// Filtered in place, without arrows: a search shows these rows, and formulas count them.
+TEST(CalcHost, ShowsWhatWasFilteredOutUntilItIsUndone) {
+  CalcSession session;
+  CalcDocument document;
+  document.Fill("1,x|1,y|1,x|1,y");
+  document.Type(1, 4, "=SUBTOTAL(3;A1:A4)");
+  document.FilterInPlace("A1:B4", 2, u"x");
+  ASSERT_EQ(document.VisibleRows(5), "1 3 5");
+  ASSERT_EQ(document.Shown(1, 4), "2");
+  EXPECT_EQ(session.Search(u"y"), "found");
+  EXPECT_EQ(document.VisibleRows(5), "2 4 5");
+  EXPECT_EQ(session.ShowAll(), "shown");
+  EXPECT_EQ(document.VisibleRows(5), "1 2 3 4 5");
+  EXPECT_EQ(document.Shown(1, 4), "4");
+  document.Dispatch(".uno:Undo");
+  EXPECT_EQ(document.VisibleRows(5), "1 3 5");
+  EXPECT_EQ(document.Shown(1, 4), "2");
+  document.Dispatch(".uno:Redo");
+  EXPECT_EQ(document.VisibleRows(5), "1 2 3 4 5");
+  EXPECT_EQ(document.Shown(1, 4), "4");
+}
+
 TEST(CalcHost, ShowAllLeavesNothingBehind) {
   CalcSession session;
   CalcDocument document;

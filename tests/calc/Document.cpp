@@ -15,6 +15,7 @@
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XDatabaseRange.hpp>
 #include <com/sun/star/sheet/XSheetFilterDescriptor3.hpp>
+#include <com/sun/star/sheet/XSheetFilterable.hpp>
 #include <com/sun/star/sheet/XSpreadsheetView.hpp>
 #include <com/sun/star/sheet/XSpreadsheets.hpp>
 #include <com/sun/star/sheet/XUnnamedDatabaseRanges.hpp>
@@ -195,18 +196,12 @@ std::vector<std::string> CalcDocument::UndoTitles() const {
   return titles;
 }
 
-void CalcDocument::Filter(std::string_view address, int32_t column, std::u16string_view criterion) {
-  const auto area =
-      As<com::sun::star::sheet::XCellRangeAddressable>(Sheet()->getCellRangeByName(Ascii(address)))
-          ->getRangeAddress();
-  const uno::Reference<com::sun::star::sheet::XUnnamedDatabaseRanges> ranges(
-      As<XPropertySet>(Document)->getPropertyValue("UnnamedDatabaseRanges"), uno::UNO_QUERY_THROW);
-  ranges->setByTable(area);
-  const uno::Reference<com::sun::star::sheet::XDatabaseRange> range(ranges->getByTable(area.Sheet),
-                                                                    uno::UNO_QUERY_THROW);
-  As<XPropertySet>(range)->setPropertyValue("AutoFilter", uno::Any(true));
-  const auto descriptor = As<com::sun::star::sheet::XSheetFilterDescriptor3>(range->getFilterDescriptor());
-  As<XPropertySet>(descriptor)->setPropertyValue("ContainsHeader", uno::Any(true));
+namespace {
+
+void Describe(const uno::Reference<com::sun::star::sheet::XSheetFilterDescriptor>& made, bool header,
+              int32_t column, std::u16string_view criterion) {
+  const auto descriptor = As<com::sun::star::sheet::XSheetFilterDescriptor3>(made);
+  As<XPropertySet>(descriptor)->setPropertyValue("ContainsHeader", uno::Any(header));
   uno::Sequence<com::sun::star::sheet::TableFilterField3> fields(column == 0 ? 0 : 1);
   if (column != 0) {
     auto& field = fields.getArray()[0];
@@ -221,6 +216,28 @@ void CalcDocument::Filter(std::string_view address, int32_t column, std::u16stri
     value.StringValue = calc::ToOffice(criterion);
   }
   descriptor->setFilterFields3(fields);
+}
+
+}  // namespace
+
+void CalcDocument::FilterInPlace(std::string_view address, int32_t column, std::u16string_view criterion) {
+  const auto range = As<com::sun::star::sheet::XSheetFilterable>(Sheet()->getCellRangeByName(Ascii(address)));
+  const auto descriptor = range->createFilterDescriptor(true);
+  Describe(descriptor, false, column, criterion);
+  range->filter(descriptor);
+}
+
+void CalcDocument::Filter(std::string_view address, int32_t column, std::u16string_view criterion) {
+  const auto area =
+      As<com::sun::star::sheet::XCellRangeAddressable>(Sheet()->getCellRangeByName(Ascii(address)))
+          ->getRangeAddress();
+  const uno::Reference<com::sun::star::sheet::XUnnamedDatabaseRanges> ranges(
+      As<XPropertySet>(Document)->getPropertyValue("UnnamedDatabaseRanges"), uno::UNO_QUERY_THROW);
+  ranges->setByTable(area);
+  const uno::Reference<com::sun::star::sheet::XDatabaseRange> range(ranges->getByTable(area.Sheet),
+                                                                    uno::UNO_QUERY_THROW);
+  As<XPropertySet>(range)->setPropertyValue("AutoFilter", uno::Any(true));
+  Describe(range->getFilterDescriptor(), true, column, criterion);
   range->refresh();
 }
 

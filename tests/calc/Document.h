@@ -54,6 +54,8 @@ class CalcDocument {
   // Makes an AutoFilter on that block; with a criterion for its column (from 1) unless that is 0: a text, or
   // the beginning of one ("B*").
   void Filter(std::string_view address, int32_t column, std::u16string_view criterion);
+  // The same without arrows and head.
+  void FilterInPlace(std::string_view address, int32_t column, std::u16string_view criterion);
 
   uno::Reference<com::sun::star::frame::XModel> Model;
   uno::Reference<com::sun::star::sheet::XSpreadsheetDocument> Document;
