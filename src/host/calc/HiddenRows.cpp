@@ -14,7 +14,6 @@
 #include <com/sun/star/table/XTableChartsSupplier.hpp>
 
 #include <algorithm>
-#include <utility>
 
 #include "host/calc/Query.h"
 
@@ -132,11 +131,11 @@ void TellOfRows(const uno::Reference<com::sun::star::frame::XModel>& model, cons
 }
 
 RowsAction::RowsAction(const uno::Reference<com::sun::star::frame::XModel>& model, const SheetObject& sheet,
-                       int32_t rows, rtl::OUString title, Trace* trace)
+                       int32_t rows, const rtl::OUString& title, Trace* trace)
     : model_(model),
       sheet_(As<com::sun::star::container::XNamed>(sheet)->getName()),
       rows_(rows),
-      title_(std::move(title)),
+      title_(title),
       trace_(trace) {}
 
 void RowsAction::undo() { Restore(Before, true); }

@@ -46,7 +46,7 @@ void TellOfRows(const uno::Reference<com::sun::star::frame::XModel>& model, cons
 class RowsAction final : public cppu::WeakImplHelper1<com::sun::star::document::XUndoAction> {
  public:
   RowsAction(const uno::Reference<com::sun::star::frame::XModel>& model, const SheetObject& sheet,
-             int32_t rows, rtl::OUString title, Trace* trace);
+             int32_t rows, const rtl::OUString& title, Trace* trace);
 
   cells::RowSet Before;
   cells::RowSet After;

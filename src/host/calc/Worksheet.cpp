@@ -307,7 +307,7 @@ void Worksheet::ApplyFilter() {
     auto wanted = HiddenRows();
     const auto descriptor = range->getFilterDescriptor();
     const auto fields = As<com::sun::star::sheet::XSheetFilterDescriptor3>(descriptor)->getFilterFields3();
-    const Filtered filtered{Book().Acts(), text_->Changes(), BlockOf(range->getDataArea()), fields};
+    Filtered filtered{Book().Acts(), text_->Changes(), BlockOf(range->getDataArea()), fields};
     const auto cells = As<com::sun::star::sheet::XCellRangeReferrer>(range)->getReferredCells();
     const auto filter = [&] { As<com::sun::star::sheet::XSheetFilterable>(cells)->filter(descriptor); };
     if (!pending_) {
@@ -317,6 +317,7 @@ void Worksheet::ApplyFilter() {
     // The same filter lets the same rows through, as long as the cells are the same.
     if (filtered_ != filtered) {
       Book().AndTakeBack(filter, [this] { filtered_out_ = ReadRows(); });
+      filtered.changes = text_->Changes();  // of all cells, the office says
       filtered_ = filtered;
     }
     // Outside of the filter's data what has been wanted before stays.
