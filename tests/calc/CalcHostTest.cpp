@@ -2,7 +2,6 @@
 // what stays in the user's list for undo.
 #include <gtest/gtest.h>
 
-#include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XSpreadsheets.hpp>
 #include <com/sun/star/table/XColumnRowRange.hpp>
@@ -23,7 +22,6 @@ namespace rowlark::testing {
 namespace {
 
 using calc::As;
-using com::sun::star::beans::XPropertySet;
 using com::sun::star::util::XProtectable;
 
 constexpr const char* kTable = "Name,City|a,x|b,y|c,x|d,y";
@@ -86,14 +84,8 @@ TEST(CalcHost, FollowsSheetsUntilTheyAreRemoved) {
 TEST(CalcHost, FindsWhatShows) {
   CalcSession session;
   CalcDocument document;
-  const char* const typed[] = {"1234.5",
-                               "=1/0",
-                               "=\"lon\" & \"don\"",
-                               "3/4/2024",
-                               "stra\xC3\x9F"
-                               "e",
-                               "'007",
-                               "=A1*2"};
+  const char* const typed[] = {"1234.5", "=1/0", "=\"lon\" & \"don\"", "3/4/2024", "stra\303\237e",
+                               "'007",   "=A1*2"};
   for (int32_t row = 0; const auto* text : typed) document.Type(++row, 1, text);
   const struct {
     std::u16string_view text;

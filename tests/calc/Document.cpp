@@ -86,9 +86,9 @@ void CalcDocument::Close() {
   closeable->close(true);
 }
 
-void CalcDocument::Activate() { Model->getCurrentController()->getFrame()->activate(); }
+void CalcDocument::Activate() const { Model->getCurrentController()->getFrame()->activate(); }
 
-void CalcDocument::StoreAs(const std::string& path) {
+void CalcDocument::StoreAs(const std::string& path) const {
   uno::Sequence<PropertyValue> arguments(1);
   arguments.getArray()[0] = Property("FilterName", uno::Any(rtl::OUString("calc8")));
   As<com::sun::star::frame::XStorable>(Model)->storeAsURL(Ascii("file://" + path), arguments);
@@ -99,28 +99,30 @@ uno::Reference<com::sun::star::sheet::XSpreadsheet> CalcDocument::Sheet() const 
 }
 
 uno::Reference<com::sun::star::sheet::XSpreadsheet> CalcDocument::AddSheet(std::string_view name,
-                                                                           int16_t at) {
+                                                                           int16_t at) const {
   const auto sheets = Document->getSheets();
   sheets->insertNewByName(Ascii(name), at);
   return uno::Reference<com::sun::star::sheet::XSpreadsheet>(sheets->getByName(Ascii(name)),
                                                              uno::UNO_QUERY_THROW);
 }
 
-void CalcDocument::RemoveSheet(std::string_view name) { Document->getSheets()->removeByName(Ascii(name)); }
+void CalcDocument::RemoveSheet(std::string_view name) const {
+  Document->getSheets()->removeByName(Ascii(name));
+}
 
-void CalcDocument::ActivateSheet(int32_t index) {
+void CalcDocument::ActivateSheet(int32_t index) const {
   const auto sheets = As<com::sun::star::container::XIndexAccess>(Document->getSheets());
   As<com::sun::star::sheet::XSpreadsheetView>(Model->getCurrentController())
       ->setActiveSheet(uno::Reference<com::sun::star::sheet::XSpreadsheet>(sheets->getByIndex(index),
                                                                            uno::UNO_QUERY_THROW));
 }
 
-void CalcDocument::SetText(int32_t row, int32_t column, std::u16string_view text) {
+void CalcDocument::SetText(int32_t row, int32_t column, std::u16string_view text) const {
   As<com::sun::star::text::XTextRange>(Sheet()->getCellByPosition(column - 1, row - 1))
       ->setString(calc::ToOffice(text));
 }
 
-void CalcDocument::Type(int32_t row, int32_t column, std::string_view text) {
+void CalcDocument::Type(int32_t row, int32_t column, std::string_view text) const {
   As<com::sun::star::view::XSelectionSupplier>(Model->getCurrentController())
       ->select(uno::Any(Sheet()->getCellRangeByPosition(column - 1, row - 1, column - 1, row - 1)));
   uno::Sequence<PropertyValue> arguments(1);
@@ -148,12 +150,12 @@ std::string CalcDocument::Shown(int32_t row, int32_t column) const {
   return ToUtf8(calc::ViewOf(cell->getString()));
 }
 
-void CalcDocument::Select(std::string_view address) {
+void CalcDocument::Select(std::string_view address) const {
   As<com::sun::star::view::XSelectionSupplier>(Model->getCurrentController())
       ->select(uno::Any(Sheet()->getCellRangeByName(Ascii(address))));
 }
 
-void CalcDocument::Dispatch(std::string_view command) {
+void CalcDocument::Dispatch(std::string_view command) const {
   com::sun::star::frame::DispatchHelper::create(TheContext())
       ->executeDispatch(
           As<com::sun::star::frame::XDispatchProvider>(Model->getCurrentController()->getFrame()),
@@ -175,7 +177,7 @@ bool CalcDocument::Hidden(int32_t row) const {
   return !visible;
 }
 
-void CalcDocument::SetHidden(int32_t row, bool hidden) {
+void CalcDocument::SetHidden(int32_t row, bool hidden) const {
   RowOf(*this, row)->setPropertyValue("IsVisible", uno::Any(!hidden));
 }
 
@@ -220,14 +222,15 @@ void Describe(const uno::Reference<com::sun::star::sheet::XSheetFilterDescriptor
 
 }  // namespace
 
-void CalcDocument::FilterInPlace(std::string_view address, int32_t column, std::u16string_view criterion) {
+void CalcDocument::FilterInPlace(std::string_view address, int32_t column,
+                                 std::u16string_view criterion) const {
   const auto range = As<com::sun::star::sheet::XSheetFilterable>(Sheet()->getCellRangeByName(Ascii(address)));
   const auto descriptor = range->createFilterDescriptor(true);
   Describe(descriptor, false, column, criterion);
   range->filter(descriptor);
 }
 
-void CalcDocument::Filter(std::string_view address, int32_t column, std::u16string_view criterion) {
+void CalcDocument::Filter(std::string_view address, int32_t column, std::u16string_view criterion) const {
   const auto area =
       As<com::sun::star::sheet::XCellRangeAddressable>(Sheet()->getCellRangeByName(Ascii(address)))
           ->getRangeAddress();
