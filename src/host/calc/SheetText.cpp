@@ -68,8 +68,9 @@ class StripListener final : public cppu::WeakImplHelper1<com::sun::star::util::X
   const std::size_t strip_;
 };
 
-SheetText::SheetText(uno::Reference<com::sun::star::sheet::XSpreadsheet> sheet, std::function<void()> missing)
-    : sheet_(std::move(sheet)), missing_(std::move(missing)) {}
+SheetText::SheetText(const uno::Reference<com::sun::star::sheet::XSpreadsheet>& sheet,
+                     std::function<void()> missing)
+    : sheet_(sheet), missing_(std::move(missing)) {}
 
 SheetText::~SheetText() { Unwatch(); }
 

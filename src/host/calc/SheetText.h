@@ -27,7 +27,7 @@ class SheetText {
   using Clock = std::chrono::steady_clock;
 
   // `missing` is called when some of the text is no longer what the sheet shows.
-  SheetText(uno::Reference<com::sun::star::sheet::XSpreadsheet> sheet, std::function<void()> missing);
+  SheetText(const uno::Reference<com::sun::star::sheet::XSpreadsheet>& sheet, std::function<void()> missing);
   SheetText(const SheetText&) = delete;
   SheetText& operator=(const SheetText&) = delete;
   ~SheetText();
