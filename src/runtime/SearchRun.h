@@ -39,8 +39,8 @@ class SearchRun {
   bool Done() const { return work_.Done(); }
 
   // Nobody will look at the rows: whatever the run still finds is of no interest to its caller, and it hides
-  // nothing more. The stop request has to be set as well. Where something else that changes the rows follows at
-  // once, the screen stays switched off for it.
+  // nothing more. The stop request has to be set as well. Where something else that changes the rows follows
+  // at once, the screen stays switched off for it.
   void Supersede(bool followed) {
     superseded_ = true;
     followed_ = followed;
