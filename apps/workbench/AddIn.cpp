@@ -17,7 +17,7 @@ using automation::Variant;
 using windows::Dispatch;
 using windows::Member;
 
-constexpr wchar_t kTitle[] = L"Vantrel Rowlark";
+constexpr wchar_t kMessageTitle[] = L"Vantrel Rowlark";
 
 // The operation of the runtime object that a macro forwards to.
 constexpr const wchar_t* OperationOf(Macro macro) {
@@ -100,7 +100,7 @@ void AddIn::Unhide() {
   if (FAILED(result)) windows::ThrowError(result, &exception);
   if (done.vt == VT_BOOL && done.boolVal == VARIANT_FALSE && reason.vt == VT_BSTR &&
       SysStringLen(reason.bstrVal) > 0) {
-    MessageBoxW(GetActiveWindow(), reason.bstrVal, kTitle, MB_OK | MB_ICONEXCLAMATION);
+    MessageBoxW(GetActiveWindow(), reason.bstrVal, kMessageTitle, MB_OK | MB_ICONEXCLAMATION);
   }
 }
 

@@ -7,7 +7,7 @@ namespace {
 
 Ref<host::Worksheet> ActiveSheet(const Call& call) {
   auto sheet = call.Application().ActiveSheet();
-  if (!sheet) throw host::Error(1004, u"Application-defined or object-defined error");
+  if (!sheet) Fail(u"Application-defined or object-defined error");
   return sheet;
 }
 

@@ -22,6 +22,9 @@ struct Failure {
   const VARIANT* argument = nullptr;  // the one that is wrong
 };
 
+// Ends a call with the error that Excel has for nearly everything.
+[[noreturn]] inline void Fail(std::u16string description) { throw host::Error(1004, std::move(description)); }
+
 class Call {
  public:
   // Sorts the arguments into their places; null for those left out. The value of a property that is set

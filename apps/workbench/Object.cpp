@@ -147,8 +147,7 @@ HRESULT Object::Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAM
       if (!member->test_switch) {
         const HRESULT admitted =
             session_->Admit(type_, *member, (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0);
-        if (admitted == DISP_E_EXCEPTION)
-          throw host::Error(1004, u"Application-defined or object-defined error");
+        if (admitted == DISP_E_EXCEPTION) Fail(u"Application-defined or object-defined error");
         if (FAILED(admitted)) return admitted;
       }
       Run(*member, flags, *parameters, call);

@@ -11,8 +11,6 @@ using automation::Variant;
 using standalone::kMaxColumn;
 using standalone::kMaxRow;
 
-[[noreturn]] void Fail(std::u16string description) { throw host::Error(1004, std::move(description)); }
-
 void Value(Call& call) {
   const auto& range = RangeOf(call);
   const auto& area = range.Areas().front();

@@ -15,7 +15,7 @@ Block Part(const Call& call, int64_t row, int64_t column, int32_t rows = 1, int3
   row += first.first_row - 1;
   column += first.first_column - 1;
   if (row < 1 || row + rows - 1 > kMaxRow || column < 1 || column + columns - 1 > kMaxColumn) {
-    throw host::Error(1004, u"Application-defined or object-defined error");
+    Fail(u"Application-defined or object-defined error");
   }
   const auto r = static_cast<int32_t>(row);
   const auto c = static_cast<int32_t>(column);

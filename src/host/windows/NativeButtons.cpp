@@ -7,8 +7,6 @@ namespace {
 
 using controls::Property;
 
-constexpr int kPicture = 16;  // at 96 pixels an inch
-
 DWORD TabStop(const controls::Control& model) { return BS_NOTIFY | (model.TabStop ? WS_TABSTOP : 0); }
 
 }  // namespace
@@ -49,7 +47,7 @@ void NativePushButton::Apply(Property property) {
 }
 
 void NativePushButton::ApplyPictures() {
-  picture_ = site_.resources.LoadPicture(button_.Picture, site_.Pixels(kPicture));
+  picture_ = site_.resources.LoadPicture(button_.Picture, site_.Pixels(kPictureSize));
 }
 
 // The picture in place of the text, once the button itself has been drawn.
@@ -59,7 +57,7 @@ LRESULT NativePushButton::Notify(const NMHDR& header) {
   if (draw.dwDrawStage != CDDS_PREPAINT) return CDRF_DODEFAULT;
   RECT area{};
   ::GetClientRect(window_, &area);
-  const int size = site_.Pixels(kPicture);
+  const int size = site_.Pixels(kPictureSize);
   const UINT state = model_.Enabled() ? DSS_NORMAL : DSS_DISABLED;
   ::DrawStateW(draw.hdc, nullptr, nullptr, reinterpret_cast<LPARAM>(picture_.get()), 0,
                (static_cast<int>(area.right) - size) / 2, (static_cast<int>(area.bottom) - size) / 2, size,

@@ -12,7 +12,6 @@ using controls::Property;
 
 namespace {
 
-constexpr int kPicture = 16;
 constexpr int kRow = 20;  // height, at 96 pixels an inch
 
 }  // namespace
@@ -88,7 +87,7 @@ void NativeTreeView::FillList() {
 }
 
 void NativeTreeView::ApplyPictures() {
-  pictures_.Clear(site_.resources, site_.Pixels(kPicture));
+  pictures_.Clear(site_.resources, site_.Pixels(kPictureSize));
   Send(TVM_SETITEMHEIGHT, static_cast<WPARAM>(site_.Pixels(kRow)));
   FillList();
 }
@@ -154,7 +153,7 @@ void NativeListView::Placed(SIZE) {
 }
 
 void NativeListView::ApplyPictures() {
-  pictures_.Clear(site_.resources, site_.Pixels(kPicture));
+  pictures_.Clear(site_.resources, site_.Pixels(kPictureSize));
   FillList();
 }
 
@@ -203,7 +202,7 @@ void NativeToolBar::FillList() {
 }
 
 void NativeToolBar::ApplyPictures() {
-  pictures_.Clear(site_.resources, site_.Pixels(kPicture));
+  pictures_.Clear(site_.resources, site_.Pixels(kPictureSize));
   FillList();
 }
 

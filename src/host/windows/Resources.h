@@ -9,6 +9,9 @@
 
 namespace rowlark::windows {
 
+// Of pictures on controls, in pixels at 96 an inch.
+inline constexpr int kPictureSize = 16;
+
 class Resources {
  public:
   Resources();
