@@ -40,6 +40,8 @@ constexpr std::u16string_view kFilterRefused = u"ApplyFilter method of AutoFilte
 constexpr auto kPiece = std::chrono::milliseconds(20);
 // That are hidden or shown in one go: some ten milliseconds where each of them holds something.
 constexpr int32_t kCellsAtOnce = 100'000;
+// What fits into a piece on most machines; one that is faster processes messages more often.
+constexpr std::size_t kChangesAtOnce = 2000;
 // An operator of ours: the criteria of the office's filters are not Excel's, and the filter is applied as a
 // whole.
 constexpr int32_t kOwnOperator = 100;
@@ -246,7 +248,7 @@ void Worksheet::MakeChanges(std::span<const RowChange> changes) {
   });
   const int32_t rows_at_once = std::max(kCellsAtOnce / text_->Used().last_column, 1);
   const auto end = SheetText::Clock::now() + kPiece;
-  for (const auto& change : changes) {
+  for (const auto& change : changes.first(std::min(changes.size(), kChangesAtOnce))) {
     for (auto some = change; some.rows.first <= change.rows.last; some.rows.first = some.rows.last + 1) {
       some.rows.last = std::min(change.rows.last, some.rows.first + rows_at_once - 1);
       MakeRowChange(sheet_, some, action.Before, action.Unfiltered);
