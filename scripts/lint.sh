@@ -2,7 +2,7 @@
 # Checks the format of all sources and runs clang-tidy over the program and its libraries; every finding is an error.
 #   scripts/lint.sh            everything
 #   scripts/lint.sh --changed  of what differs from origin/main, or from the commit LINT_BASE, and where nothing does of
-#                              the last commit: clang-tidy over a dozen sources at most
+#                              the last commit: clang-tidy over eight sources at most
 #   scripts/lint.sh --fix      formats in place
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -18,7 +18,7 @@ printf '%s\0' "${sources[@]}" | xargs -0 -P "$(nproc)" -n 40 clang-format --dry-
 wanted=("${sources[@]}")
 most=${#sources[@]}
 if [ "${1:-}" = --changed ]; then
-  most=12
+  most=8
   head=$(git rev-parse HEAD)
   base=${LINT_BASE:-$(git merge-base HEAD origin/main 2>/dev/null || echo "$head")}
   [ "$(git rev-parse "$base")" != "$head" ] || base=$(git rev-parse -q --verify HEAD~1 || git hash-object -t tree /dev/null)
