@@ -25,6 +25,8 @@ using com::sun::star::container::XIndexAccess;
 
 // A change costs as much as that many rows that are in the state already.
 constexpr int32_t kRowsWorthAChange = 8;
+// As far as the end of a change is looked for; a longer one is put together.
+constexpr int32_t kRowsAhead = 1024;
 
 constexpr const char* kFlag = "VisibleFlag";     // alone
 constexpr const char* kVisible = "IsVisible";    // with all that goes with it
@@ -84,19 +86,23 @@ cells::RowSet ReadHiddenRows(const SheetObject& sheet, int32_t rows) {
   return hidden;
 }
 
-std::vector<RowChange> FindRowChanges(const cells::RowSet& now, const cells::RowSet& wanted, int32_t rows) {
+std::vector<RowChange> FindRowChanges(const cells::RowSet& now, const cells::RowSet& wanted, int32_t rows,
+                                      std::size_t most) {
   std::vector<RowChange> changes;
-  for (const bool hide : {true, false}) {
-    wanted.ForEachRun(1, rows, hide, [&](host::RowRun run) {
-      now.ForEachRun(run.first, run.last, !hide, [&](host::RowRun part) {
-        if (!changes.empty() && changes.back().hide == hide && changes.back().rows.first >= run.first &&
-            part.first - changes.back().rows.last <= kRowsWorthAChange) {
-          changes.back().rows.last = part.last;
-        } else {
-          changes.push_back({part, hide});
-        }
-      });
-    });
+  for (int32_t row = now.NextDifference(wanted, 1, rows); row <= rows;) {
+    const bool hide = wanted.Contains(row);
+    const int32_t bound = row + std::min(rows - row, kRowsAhead);
+    const int32_t end = std::min(wanted.Next(row, bound, !hide), now.Next(row, bound, hide));
+    RowChange* const last = changes.empty() ? nullptr : &changes.back();
+    if (last != nullptr && last->hide == hide && row - last->rows.last <= kRowsWorthAChange &&
+        wanted.Next(last->rows.last, row, !hide) > row) {
+      last->rows.last = end - 1;
+    } else if (changes.size() < most) {
+      changes.push_back({{row, end - 1}, hide});
+    } else {
+      break;
+    }
+    row = end > rows ? end : now.NextDifference(wanted, end, rows);
   }
   return changes;
 }

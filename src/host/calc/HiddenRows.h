@@ -11,7 +11,9 @@
 #include <cppuhelper/implbase1.hxx>
 #include <cppuhelper/weakref.hxx>
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -32,7 +34,9 @@ struct RowChange {
 
 // All throw what the office throws. The rows of a sheet that are hidden, of so many:
 cells::RowSet ReadHiddenRows(const SheetObject& sheet, int32_t rows);
-std::vector<RowChange> FindRowChanges(const cells::RowSet& now, const cells::RowSet& wanted, int32_t rows);
+// The first changes, so many at most, in ascending order.
+std::vector<RowChange> FindRowChanges(const cells::RowSet& now, const cells::RowSet& wanted, int32_t rows,
+                                      std::size_t most = std::numeric_limits<std::size_t>::max());
 // Sets the flag alone. What was filtered out by the office and shows now is added to `unfiltered`; only rows
 // of `hidden_before` are looked at.
 void MakeRowChange(const SheetObject& sheet, const RowChange& change, const cells::RowSet& hidden_before,

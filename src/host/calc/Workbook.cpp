@@ -347,7 +347,7 @@ void Workbook::RowsChanged(Worksheet& sheet, host::RowRun changed) {
   if (action_.is()) {
     // A document may keep no such list.
     const bool listed = IsLast(action_->getTitle());
-    const bool back = FindRowChanges(action_->Before, action_->After, sheet.Size().rows).empty();
+    const bool back = FindRowChanges(action_->Before, action_->After, sheet.Size().rows, 1).empty();
     if (listed && back) {
       undo_->undo();
       undo_->clearRedo();  // there is nothing but ours

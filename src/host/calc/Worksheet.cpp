@@ -226,7 +226,7 @@ bool Worksheet::HandOverSome() {
     return OrRefuse(kRowsRefused, [this] {
       // Messages have been processed since the last piece.
       if (read_at_ != Book().State()) shown_ = ReadRows();
-      const auto changes = FindRowChanges(shown_, hidden_, size_.rows);
+      const auto changes = FindRowChanges(shown_, hidden_, size_.rows, kChangesAtOnce);
       if (changes.empty()) {
         EndChange();
         return true;
@@ -248,7 +248,7 @@ void Worksheet::MakeChanges(std::span<const RowChange> changes) {
   });
   const int32_t rows_at_once = std::max(kCellsAtOnce / text_->Used().last_column, 1);
   const auto end = SheetText::Clock::now() + kPiece;
-  for (const auto& change : changes.first(std::min(changes.size(), kChangesAtOnce))) {
+  for (const auto& change : changes) {
     for (auto some = change; some.rows.first <= change.rows.last; some.rows.first = some.rows.last + 1) {
       some.rows.last = std::min(change.rows.last, some.rows.first + rows_at_once - 1);
       MakeRowChange(sheet_, some, action.Before, action.Unfiltered);

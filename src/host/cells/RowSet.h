@@ -50,6 +50,17 @@ class RowSet {
     return last + 1;
   }
 
+  // The first row from `row` to `last` that is in one of both sets alone; last + 1 when there is none.
+  int32_t NextDifference(const RowSet& other, int32_t row, int32_t last) const {
+    for (auto word = Word(row); row <= last; ++word) {
+      const uint64_t bits = (Bits(word) ^ other.Bits(word)) & (~uint64_t{0} << (row & 63));
+      row = static_cast<int32_t>(word * 64);
+      if (bits != 0) return std::min(row + std::countr_zero(bits), last + 1);
+      row += 64;
+    }
+    return last + 1;
+  }
+
   // The last row from `row` back to `first` that is in the set (or out of it); first - 1 when there is none.
   int32_t Previous(int32_t row, int32_t first, bool in) const {
     if (row >= End()) {
@@ -86,6 +97,8 @@ class RowSet {
 
  private:
   static std::size_t Word(int32_t row) { return static_cast<std::size_t>(row) / 64; }
+
+  uint64_t Bits(std::size_t word) const { return word < words_.size() ? words_[word] : 0; }
 
   // No row from that one on is in the set.
   int32_t End() const { return static_cast<int32_t>(words_.size()) * 64; }
