@@ -327,7 +327,7 @@ void Workbook::Enter(std::u16string_view text) {
   Execute(".uno:EnterString", arguments);
 }
 
-RowsAction& Workbook::ActionOn(Worksheet& sheet, const cells::RowSet& shown) {
+rtl::Reference<RowsAction> Workbook::ActionOn(Worksheet& sheet, const cells::RowSet& shown) {
   const auto name = As<com::sun::star::container::XNamed>(sheet.Sheet())->getName();
   if (!action_.is() || action_->SheetName() != name) {
     action_ = new RowsAction(model_, sheet.Sheet(), sheet.Size().rows, ToOffice(office_->ActionTitle),
@@ -337,7 +337,7 @@ RowsAction& Workbook::ActionOn(Worksheet& sheet, const cells::RowSet& shown) {
     ++state_;
     if (undo_.is()) undo_->addUndoAction(action_.get());
   }
-  return *action_;
+  return action_;
 }
 
 void Workbook::RowsChanged(Worksheet& sheet, host::RowRun changed) {

@@ -71,7 +71,7 @@ class Workbook final : public host::Workbook {
   bool HandOverSome();  // some of the rows; true when none are left
   // Our action in the list for undo, which goes on as long as it is the last one and of that sheet; a new one
   // begins with these hidden rows.
-  RowsAction& ActionOn(Worksheet& sheet, const cells::RowSet& shown);
+  rtl::Reference<RowsAction> ActionOn(Worksheet& sheet, const cells::RowSet& shown);
   // Rows of a sheet have been hidden and shown. An action that has come back to its beginning leaves the
   // list.
   void RowsChanged(Worksheet& sheet, host::RowRun changed);

@@ -241,17 +241,18 @@ bool Worksheet::HandOverSome() {
 }
 
 void Worksheet::MakeChanges(std::span<const RowChange> changes) {
-  auto& action = Book().ActionOn(*this, shown_);
+  // The office may call back and take the action off its list, or close the document.
+  const auto action = Book().ActionOn(*this, shown_);
   const ScopeExit known([this, &action]() noexcept {
-    action.After = shown_;
-    read_at_ = book_->State();
+    action->After = shown_;
+    if (book_ != nullptr) read_at_ = book_->State();
   });
   const int32_t rows_at_once = std::max(kCellsAtOnce / text_->Used().last_column, 1);
   const auto end = SheetText::Clock::now() + kPiece;
   for (const auto& change : changes) {
     for (auto some = change; some.rows.first <= change.rows.last; some.rows.first = some.rows.last + 1) {
       some.rows.last = std::min(change.rows.last, some.rows.first + rows_at_once - 1);
-      MakeRowChange(sheet_, some, action.Before, action.Unfiltered);
+      MakeRowChange(sheet_, some, action->Before, action->Unfiltered);
       shown_.Assign(some.rows.first, some.rows.last, some.hide);
       if (!changed_) changed_ = some.rows;
       changed_ = {std::min(changed_->first, some.rows.first), std::max(changed_->last, some.rows.last)};
